@@ -1,0 +1,31 @@
+#pragma once
+
+#include <appconfig/attributes/AttributeReference.h>
+#include <notification/ExaminerRegistration.h>
+#include <notification/UpdateTask.h>
+
+namespace Tessellum::AppConfig::Attributes {
+
+/*! Validates and applies a new value. See UpdateTask for threads and reports. */
+class AttributeUpdateTask : public Notification::UpdateTask
+{
+public:
+    using Examiners = std::shared_ptr<Notification::ExaminerRegistration<Notification::UpdatePoint>>;
+
+    AttributeUpdateTask(const Examiners &examiner,
+                        const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node, const QVariant &value,
+                        const Notification::UpdatePoint &waitPoint);
+
+    Notification::UpdateObserver::ResultType runUpdate() override;
+    std::shared_ptr<Notification::UpdateObserver> getObserver() override;
+
+private:
+    bool preCheck(const AttributeReference &reference);
+    void handleUpdateNotification(const Notification::UpdateObserver::ResultType &result) const;
+
+    Examiners examiner;
+    QVariant previousValue;
+    std::shared_ptr<Notification::UpdateObserver> observer;
+};
+
+} // namespace Tessellum::AppConfig::Attributes
