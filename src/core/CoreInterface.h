@@ -13,8 +13,8 @@ namespace Tessellum::Core {
 /*!
  * The main interface of the library, from getCoreInterface().
  *
- * Threads: any. Ownership: the library's; the repositories are shared with the caller, stay usable after a stop and
- * then answer empty.
+ * Threads: any. Ownership: the library's; the repositories are shared with the caller, stay usable after a
+ * stop and then answer empty.
  */
 class TESSELLUM_EXPORT CoreInterface
 {

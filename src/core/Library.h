@@ -9,21 +9,22 @@
 #include <memory>
 
 /*!
- * The way into the library. An application calls initializeLibrary() once, works with getCoreInterface(), and ends
- * with uninitializeLibrary(); it may start again after that. Any thread may call any of these; nothing throws.
+ * The way into the library. An application calls initializeLibrary() once, works with getCoreInterface(), and
+ * ends with uninitializeLibrary(); it may start again after that. Any thread may call any of these; nothing
+ * throws.
  */
 extern "C" {
 
 /*!
- * Starts the library. 0: started. 1: it runs already or is shutting down, nothing was done. -1: the start failed, as
- * the log says, and may be tried again.
+ * Starts the library. 0: started. 1: it runs already or is shutting down, nothing was done. -1: the start
+ * failed, as the log says, and may be tried again.
  */
 TESSELLUM_EXPORT int initializeLibrary();
 
 /*!
- * Shuts down: waits for running handlers and tasks, takes the trees down. 1: shut down. 0: was not started. 2:
- * another thread is shutting down, or the caller is a handler or a task, which the shut-down would wait for; nothing
- * was done.
+ * Shuts down: waits for running handlers and tasks, takes the trees down. 1: shut down. 0: was not started.
+ * 2: another thread is shutting down, or the caller is a handler or a task, which the shut-down would wait
+ * for; nothing was done.
  */
 TESSELLUM_EXPORT int uninitializeLibrary();
 
@@ -31,7 +32,8 @@ TESSELLUM_EXPORT int uninitializeLibrary();
 TESSELLUM_EXPORT Tessellum::Core::CoreInterface *getCoreInterface();
 
 /*! Gives the locale registry; false, with \a out untouched, unless the library runs. */
-TESSELLUM_EXPORT bool getLocalizationInterface(std::weak_ptr<Tessellum::Core::CoreLocalizationInterface> &out);
+TESSELLUM_EXPORT bool
+getLocalizationInterface(std::weak_ptr<Tessellum::Core::CoreLocalizationInterface> &out);
 
 /*! The constant text that identifies this line of the library to its plug-ins; false for a null \a out. */
 TESSELLUM_EXPORT bool getLibraryHash(QString *out);

@@ -7,15 +7,16 @@ namespace Tessellum {
 TessellumImplementation::TessellumImplementation(
     const std::shared_ptr<Shared::Localization::LocalizationInterface> &localizationInterface)
     : localization(localizationInterface)
-{
-}
+{ }
 
-std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> TessellumImplementation::getAppConfigRepository() const
+std::shared_ptr<AppConfig::Interfaces::RepositoryInterface>
+TessellumImplementation::getAppConfigRepository() const
 {
     return std::atomic_load(&appConfigRepository);
 }
 
-std::shared_ptr<AppData::Interfaces::RepositoryInterface> TessellumImplementation::getAppDataRepository() const
+std::shared_ptr<AppData::Interfaces::RepositoryInterface>
+TessellumImplementation::getAppDataRepository() const
 {
     return std::atomic_load(&appDataRepository);
 }

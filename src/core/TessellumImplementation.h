@@ -24,7 +24,8 @@ public:
     std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> getAppConfigRepository() const override;
     std::shared_ptr<AppData::Interfaces::RepositoryInterface> getAppDataRepository() const override;
 
-    /*! Makes the repositories that are missing, or whose providers have gone; false without a localization. */
+    /*! Makes the repositories that are missing, or whose providers have gone; false without a localization.
+     */
     bool createRepositories();
     /*! Empties the repository pointers; what an application still holds answers empty from the stop on. */
     void releaseRepositories();

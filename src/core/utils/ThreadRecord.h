@@ -21,8 +21,8 @@ struct ThreadRecord
 const ThreadRecord &ProcessRecord();
 
 /*!
- * The calling thread's record, made at its first call. Once the thread's own record has gone, at the very end of the
- * thread, the process-wide one serves: a static destructor of the application may still call.
+ * The calling thread's record, made at its first call. Once the thread's own record has gone, at the very end
+ * of the thread, the process-wide one serves: a static destructor of the application may still call.
  */
 const ThreadRecord &CurrentThreadRecord();
 

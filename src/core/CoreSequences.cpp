@@ -1,0 +1,174 @@
+#include <appconfig/attributes/AttributeCreation.h>
+#include <appconfig/utils/RepositoryProvider.h>
+#include <appconfig/validation/AttributeValidationRepository.h>
+#include <core/CoreSequences.h>
+#include <core/utils/LibraryHash.h>
+#include <core/utils/StartFault.h>
+#include <notification/NotificationThreadPool.h>
+#include <notification/Observer.h>
+#include <notification/RepositoryHierarchyThreadProvider.h>
+#include <notification/TaskPoints.h>
+#include <notification/utils/MakeNode.h>
+#include <shared/hierarchy/HierarchyNodeInstance.h>
+
+#include <QThread>
+
+#include <utility>
+
+namespace Tessellum::Core {
+
+namespace {
+
+using AppConfig::Attributes::AttributeAccess;
+using AppConfig::Attributes::AttributeCreateData;
+using AppConfig::utils::RepositoryProvider;
+using NodePtr = RepositoryProvider::NodePtr;
+
+template <class T>
+void appendMetatype(QList<int> &types, const char *name)
+{
+    types.append(qRegisterMetaType<T>(name));
+}
+
+QList<int> registerTypes()
+{
+    using namespace Notification;
+    QList<int> types;
+    appendMetatype<UpdateResult>(types, "Tessellum::Notification::UpdateResult");
+    appendMetatype<UpdatePoint>(types, "Tessellum::Notification::UpdatePoint");
+    appendMetatype<CreatePoint>(types, "Tessellum::Notification::CreatePoint");
+    appendMetatype<DeletePoint>(types, "Tessellum::Notification::DeletePoint");
+    appendMetatype<CreateObserver::ResultType>(types, "Tessellum::Notification::CreateObserver::ResultType");
+    appendMetatype<UpdateObserver::ResultType>(types, "Tessellum::Notification::UpdateObserver::ResultType");
+    appendMetatype<DeleteObserver::ResultType>(types, "Tessellum::Notification::DeleteObserver::ResultType");
+    return types;
+}
+
+bool writeSetting(Shared::SettingsWrapper::SettingsWrapper &settings, const NodePtr &root, const QString &key,
+                  const QVariant &value)
+{
+    const QString section = QStringLiteral("repository");
+    if (settings.hasEntry(section, key)) {
+        switch (static_cast<QMetaType::Type>(value.userType())) {
+        case QMetaType::Bool:
+            return settings.writeSetting<bool>(section, key, value.toBool());
+        case QMetaType::Int:
+            return settings.writeSetting<int>(section, key, value.toInt());
+        default:
+            return settings.writeSetting<QString>(section, key, value.toString());
+        }
+    }
+    AttributeCreateData::AttributeCreateDataDetails details;
+    details.value = value;
+    details.access = AttributeAccess::Read | AttributeAccess::Write;
+    return AppConfig::Attributes::CreateAttributeInHierarchy(
+        root, AttributeCreateData(settings.getPathFromSectionAndKey(section, key), details));
+}
+
+NodePtr findOrCreateParent(const NodePtr &root, const QString &id)
+{
+    if (const NodePtr present = root->getChildById(id))
+        return present;
+    const auto made = Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(id);
+    return root->addChild(made) ? NodePtr(made) : root->getChildById(id);
+}
+
+bool addMissingTypes(const QString &list, const QStringList &keys, const QString &description)
+{
+    const auto pattern = RepositoryProvider::getInstance()->getListPattern(QStringLiteral("types"), list);
+    if (!pattern)
+        return false;
+    for (const QString &key : keys) {
+        if (!pattern->hasElement(key))
+            pattern->addElementToList(key, QVariant(description + key), false);
+    }
+    return true;
+}
+
+} // namespace
+
+bool registerMetatypes()
+{
+    const QList<int> types = registerTypes();
+    const auto list = RepositoryProvider::getInstance()->getListPattern(QStringLiteral("metatypes"),
+                                                                        QStringLiteral("repository"));
+    bool result = true;
+    if (list) {
+        for (const int type : types) {
+            const QString name = QString::fromLatin1(QMetaType::typeName(type));
+            result = list->addElementToList(QString::number(type), name, true) && result;
+        }
+    }
+    return result;
+}
+
+bool registerInternalSettings()
+{
+    RepositoryProvider *const provider = RepositoryProvider::getInstance();
+    const auto settings = provider->getSettings();
+    const NodePtr root = provider->getInternalRoot();
+    const std::pair<QString, QVariant> entries[] = {
+        {QStringLiteral("update_threads"), QThread::idealThreadCount()},
+        {QStringLiteral("automatic_create_through_updates"), true},
+        {QStringLiteral("path_separator"), QStringLiteral(".")},
+        {QStringLiteral("list_separators"), QStringLiteral(";")},
+        {QStringLiteral("library_hash"), utils::LibraryHash()},
+        {QStringLiteral("names_ignore_case"), true},
+    };
+    bool result = true;
+    for (const auto &[key, value] : entries)
+        result = writeSetting(*settings, root, key, value) && result;
+    return provider->addRootLink(QStringLiteral("internal"), root, true) && result;
+}
+
+bool attachListNodes()
+{
+    RepositoryProvider *const provider = RepositoryProvider::getInstance();
+    const NodePtr root = provider->getInternalRoot();
+    bool result = true;
+    for (const auto &[names, list] : provider->getListPatterns()) {
+        const NodePtr parent = findOrCreateParent(root, names.first);
+        // After a failed start the list hangs there already, and stays.
+        const bool attached
+            = parent && (parent->getChildById(names.second) == list || parent->addChild(list));
+        result = attached && result;
+    }
+    return result;
+}
+
+bool registerTypeLists()
+{
+    const bool backends = addMissingTypes(QStringLiteral("backends"),
+                                          RepositoryProvider::getInstance()->getRegisteredProductIdentifier(),
+                                          QStringLiteral("Backend: "));
+    const bool validations = addMissingTypes(
+        QStringLiteral("validations"),
+        AppConfig::Validation::AttributeValidationRepository::getInstance()->getRegisteredProductIdentifier(),
+        QStringLiteral("Validation: "));
+    return backends || validations;
+}
+
+bool startCore()
+{
+    NodePtr noKeeper;
+    RepositoryProvider::getInstance()->setRepositoryActive(noKeeper, false);
+    bool result = registerMetatypes();
+    result = registerInternalSettings() && result;
+    result = attachListNodes() && result;
+    result = registerTypeLists() && result;
+    result = !utils::IsStartFaultRequested() && result;
+    Notification::setNotificationPoolRunning(true);
+    return result;
+}
+
+bool stopCore()
+{
+    NodePtr keeper = Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>();
+    Notification::setNotificationPoolRunning(false);
+    RepositoryProvider::getInstance()->setRepositoryActive(keeper, true);
+    keeper.reset();
+    RepositoryHierarchyThreadProvider::getInstance()->barrier();
+    return true;
+}
+
+} // namespace Tessellum::Core

@@ -1,0 +1,141 @@
+#include <core/CoreSequences.h>
+#include <core/Library.h>
+#include <core/TessellumImplementation.h>
+#include <core/utils/LibraryHash.h>
+#include <core/utils/ThreadRecord.h>
+#include <notification/ThreadPool.h>
+#include <shared/logging/FrameworkLog.h>
+#include <shared/logging/LogHandler.h>
+
+#include <QCoreApplication>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+using namespace Tessellum;
+
+enum State : qint32 { NotInitialised = 0, Running = 1, ShuttingDown = 2 };
+
+constexpr std::chrono::seconds longestStopAtExit{5};
+
+/*! What callers see; moves by compare-and-swap alone. */
+std::atomic<qint32> libraryState{NotInitialised};
+/*! Keeps the sequences of start and stop apart; never taken by a reader of the state. */
+std::mutex lifecycleMutex;
+/*! The process that started the library: a child of a fork has its memory, but none of its threads. */
+std::atomic<qint64> startedBy{0};
+/*! Whether something of a start is there to be taken down, also of a failed one. */
+std::atomic<bool> structuresUp{false};
+
+bool isCalledByTaskOrHandler()
+{
+    return Notification::ThreadPool::currentPool() != nullptr;
+}
+
+bool runStart()
+{
+    structuresUp = true;
+    startedBy = QCoreApplication::applicationPid();
+    const bool started = Core::startCore();
+    if (!started) {
+        // A shut-down that was asked for meanwhile has claimed the word and waits for this thread.
+        qint32 expected = Running;
+        libraryState.compare_exchange_strong(expected, NotInitialised);
+    }
+    Core::utils::CurrentThreadRecord().coreObject->createRepositories();
+    return started;
+}
+
+void runStop()
+{
+    Core::utils::CurrentThreadRecord().coreObject->releaseRepositories();
+    Core::stopCore();
+    structuresUp = false;
+}
+
+/*!
+ * Stops the library where the application did not, so that no thread of it runs into the end of the process.
+ * Made at load, so that it ends after whatever the application makes later.
+ */
+class ExitHook
+{
+public:
+    ExitHook() = default;
+    Q_DISABLE_COPY_MOVE(ExitHook)
+    ~ExitHook()
+    {
+        const bool isOwnProcess = startedBy == QCoreApplication::applicationPid();
+        if (!structuresUp || !isOwnProcess || isCalledByTaskOrHandler())
+            return;
+        // On a thread of its own: a handler that never ends must not keep the process from ending.
+        std::packaged_task<void()> stop([] {
+            const std::lock_guard<std::mutex> guard(lifecycleMutex);
+            libraryState = ShuttingDown;
+            runStop();
+            libraryState = NotInitialised;
+        });
+        const std::future<void> stopped = stop.get_future();
+        std::thread(std::move(stop)).detach();
+        stopped.wait_for(longestStopAtExit);
+    }
+};
+
+const ExitHook exitHook;
+
+} // namespace
+
+int initializeLibrary()
+{
+    if (libraryState != NotInitialised)
+        return 1;
+    const std::lock_guard<std::mutex> guard(lifecycleMutex);
+    qint32 expected = NotInitialised;
+    if (!libraryState.compare_exchange_strong(expected, Running))
+        return 1;
+    Shared::Logging::LogHandler::SetLogIdentification(QStringLiteral("CORE"));
+    return runStart() ? 0 : -1;
+}
+
+int uninitializeLibrary()
+{
+    if (isCalledByTaskOrHandler()) {
+        Shared::Logging::FrameworkLog().critical()
+            << "uninitializeLibrary() called by a task or a handler, nothing done";
+        return ShuttingDown;
+    }
+    qint32 found = Running;
+    if (!libraryState.compare_exchange_strong(found, ShuttingDown))
+        return found;
+    const std::lock_guard<std::mutex> guard(lifecycleMutex);
+    runStop();
+    libraryState = NotInitialised;
+    return 1;
+}
+
+Tessellum::Core::CoreInterface *getCoreInterface()
+{
+    if (libraryState != Running)
+        return nullptr;
+    return Core::utils::CurrentThreadRecord().coreObject.get();
+}
+
+bool getLocalizationInterface(std::weak_ptr<Tessellum::Core::CoreLocalizationInterface> &out)
+{
+    if (libraryState != Running)
+        return false;
+    out = Core::utils::CurrentThreadRecord().localizationProvider;
+    return !out.expired();
+}
+
+bool getLibraryHash(QString *out)
+{
+    if (!out)
+        return false;
+    *out = Core::utils::LibraryHash();
+    return true;
+}
