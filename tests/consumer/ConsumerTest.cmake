@@ -1,0 +1,61 @@
+# Installs the built tree into a temporary prefix, and there configures, builds and runs programs that know
+# nothing but that prefix. The folder is removed whatever happens.
+cmake_minimum_required(VERSION 3.25)
+
+set(prefix ${WORK}/prefix)
+set(build ${WORK}/build)
+unset(ENV{DESTDIR})
+
+function(fail text)
+    file(REMOVE_RECURSE ${WORK})
+    message(FATAL_ERROR "${text}")
+endfunction()
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output TIMEOUT 240)
+    if(NOT result EQUAL 0)
+        list(JOIN ARGN " " command)
+        fail("${command}\nended with ${result}:\n${output}")
+    endif()
+endfunction()
+
+# The first block of C++ in README.md.
+function(extract_first_program file)
+    file(READ ${README} text)
+    string(FIND "${text}" "```cpp\n" begin)
+    if(begin EQUAL -1)
+        fail("README.md shows no program")
+    endif()
+    math(EXPR begin "${begin} + 7")
+    string(SUBSTRING "${text}" ${begin} -1 text)
+    string(FIND "${text}" "```" end)
+    string(SUBSTRING "${text}" 0 ${end} text)
+    file(WRITE ${file} "${text}")
+endfunction()
+
+# One source for each layer, with all its headers.
+function(include_all_headers outVariable)
+    file(GLOB layers LIST_DIRECTORIES true RELATIVE ${prefix}/${INCLUDES} ${prefix}/${INCLUDES}/*)
+    foreach(layer IN LISTS layers)
+        file(GLOB_RECURSE headers RELATIVE ${prefix}/${INCLUDES} ${prefix}/${INCLUDES}/${layer}/*.h)
+        list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
+        list(JOIN headers "" text)
+        file(WRITE ${WORK}/${layer}_headers.cpp "${text}")
+        list(APPEND sources ${WORK}/${layer}_headers.cpp)
+    endforeach()
+    if(NOT sources)
+        fail("no header was installed")
+    endif()
+    set(${outVariable} "${sources}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+extract_first_program(${WORK}/first_program.cpp)
+include_all_headers(headers)
+run(${CMAKE_COMMAND} -S ${PROJECT} -B ${build} ${SETTINGS} -DCMAKE_PREFIX_PATH=${prefix}
+    -DFIRST_PROGRAM=${WORK}/first_program.cpp "-DALL_HEADERS=${headers}")
+run(${CMAKE_COMMAND} --build ${build})
+run(${build}/consumer)
+run(${build}/first_program)
+file(REMOVE_RECURSE ${WORK})
