@@ -1,0 +1,92 @@
+#pragma once
+
+#include <notification/TaskPoints.h>
+#include <notification/utils/ObserverCore.h>
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace Tessellum::Notification {
+
+/*!
+ * What a task reports to, and what a caller waits on.
+ *
+ * The task holds it in a shared pointer and reports from its own thread; any thread may wait or read. The two
+ * functions are set before the task starts and are called without a lock.
+ *
+ * \code
+ * const auto observer = pool.startUpdateTask(node, 3.5, UpdatePoint::Done);
+ * if (observer && observer->waitForResult() == UpdateObserver::ResultType(UpdatePoint::Done,
+ * UpdateResult::Ok))
+ *     ...
+ * \endcode
+ */
+template <class Result>
+class Observer : public utils::ObserverCore
+{
+public:
+    using ResultType = Result;
+
+    /*! Tells whether a report reaches the wait point. report() throws std::bad_function_call if it is empty.
+     */
+    std::function<bool(const ResultType &)> isFinishedBy;
+    /*! Called after those who wait were released; sends the notification of the point. May be empty. */
+    std::function<void(const ResultType &)> onResult;
+
+    Observer() = default;
+    Observer(std::function<bool(const ResultType &)> finishedBy,
+             std::function<void(const ResultType &)> resultHandler = {})
+        : isFinishedBy(std::move(finishedBy))
+        , onResult(std::move(resultHandler))
+    { }
+
+    /*! Stores \a result, releases those who wait if it reaches the wait point, then calls onResult. */
+    void report(const ResultType &result)
+    {
+        {
+            const QMutexLocker locker(&mutex());
+            m_result = result;
+        }
+        if (isFinishedBy(result)) {
+            const QMutexLocker locker(&mutex());
+            if (!m_released)
+                m_released = result;
+            finishLocked();
+        }
+        if (onResult)
+            onResult(result);
+    }
+
+    /*! The last report, or zeroes before the first. */
+    ResultType getResult() const
+    {
+        const QMutexLocker locker(&mutex());
+        return m_result;
+    }
+
+    /*! Waits as wait() does and returns the report that ended the wait; nothing if the task ended without it.
+     */
+    std::optional<ResultType> waitForResult()
+    {
+        wait();
+        const QMutexLocker locker(&mutex());
+        return m_released;
+    }
+
+private:
+    ResultType m_result{};
+    std::optional<ResultType> m_released;
+};
+
+using CreateObserver = Observer<QPair<CreatePoint, bool>>;
+using UpdateObserver = Observer<QPair<UpdatePoint, UpdateResult>>;
+using DeleteObserver = Observer<QPair<DeletePoint, bool>>;
+
+} // namespace Tessellum::Notification
+
+// Under these names, so that QMetaType::typeName() gives them; they must precede every use of the types in a
+// QVariant, where Qt would name them after the pair.
+Q_DECLARE_METATYPE(Tessellum::Notification::CreateObserver::ResultType)
+Q_DECLARE_METATYPE(Tessellum::Notification::UpdateObserver::ResultType)
+Q_DECLARE_METATYPE(Tessellum::Notification::DeleteObserver::ResultType)

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <notification/CreateTask.h>
+#include <notification/DeleteTask.h>
+#include <notification/UpdateTask.h>
+#include <notification/utils/RunnableWrapper.h>
+
+#include <QElapsedTimer>
+#include <QThreadPool>
+
+#include <functional>
+#include <memory>
+
+namespace Tessellum::Notification {
+
+/*!
+ * A thread pool that makes tasks and resizes itself with the load.
+ *
+ * It starts with the number of cores, doubles under load up to MaximumThreadCount() and gives back half after
+ * a second of low load, measured when a next task arrives. Work begins in the order in which it was started;
+ * nothing serialises it.
+ *
+ * Any thread may call. Ownership: the pool owns its tasks; who starts one gets the observer alone. Failure: a
+ * stopped pool, an empty factory or a factory without a task gives an empty observer.
+ *
+ * Lock: the mutex of the record of runnables also guards the idle timer and makes the test of the stop flag
+ * and the start of a task one step. It is taken before QThreadPool's own and never held while a factory, a
+ * task or a destructor of one runs.
+ */
+class TESSELLUM_EXPORT ThreadPool : public QThreadPool
+{
+public:
+    using NodePointer = std::weak_ptr<Shared::Hierarchy::HierarchyNode>;
+    using CreateFactory = std::function<std::unique_ptr<CreateTask>(
+        const NodePointer &root, const QString &path, const QVariant &data, CreatePoint waitPoint)>;
+    using UpdateFactory = std::function<std::unique_ptr<UpdateTask>(
+        const NodePointer &node, const QVariant &value, UpdatePoint waitPoint)>;
+    using DeleteFactory = std::function<std::unique_ptr<DeleteTask>(
+        const NodePointer &root, const QString &path, const QVariant &data, DeletePoint waitPoint)>;
+
+    /*! A pool for tasks. Fewer threads than MinimumThreadCount() are raised to it. */
+    ThreadPool(const QString &name, CreateFactory createFactory, UpdateFactory updateFactory,
+               DeleteFactory deleteFactory, int requestedThreads, bool stopped);
+    /*! A pool without factories, which starts no tasks. */
+    ThreadPool(const QString &name, int requestedThreads, bool stopped);
+    /*! Stops as stopAndWait() does, without a limit. */
+    ~ThreadPool() override;
+
+    /*! Starts a create task beneath \a root; the observer is empty where none could be started. */
+    std::shared_ptr<CreateObserver> startCreateTask(const NodePointer &root, const QString &path,
+                                                    const QVariant &data, const CreatePoint &waitPoint);
+    /*! Starts a task that sets \a node to \a value; the observer is empty where none could be started. */
+    std::shared_ptr<UpdateObserver> startUpdateTask(const NodePointer &node, const QVariant &value,
+                                                    const UpdatePoint &waitPoint);
+    /*! Starts a delete task beneath \a root; the observer is empty where none could be started. */
+    std::shared_ptr<DeleteObserver> startDeleteTask(const NodePointer &root, const QString &path,
+                                                    const QVariant &data, const DeletePoint &waitPoint);
+
+    /*! Lets tasks in again. Not QThreadPool::start(). */
+    void start();
+    /*! Lets no further task in; those that are queued still run. */
+    void stop();
+    /*! True while tasks are let in. */
+    bool isRunning() const { return !m_stopped.load(std::memory_order_acquire); }
+    /*! Takes every queued task off the queue and ends it without a result; hides QThreadPool::clear(). */
+    void clear();
+    /*!
+     * The whole stop: stop(), clear(), wait for those that run, free all. True if nothing runs any more;
+     * false if \a milliseconds ran out (-1: no limit), or without any wait if the calling thread is one of
+     * this pool. Every few seconds of waiting leave a WARNING that names what still runs. No lock may be
+     * held.
+     */
+    bool stopAndWait(int milliseconds = -1);
+
+    /*! A new pool with these factories, this maximum of threads and this stop state. */
+    std::unique_ptr<ThreadPool> clone(const QString &name) const;
+
+    QString getName() const { return m_name; }
+    /*! The number of runnables that are created and not yet begun. */
+    int getQueuedCount() const { return m_counter->queued.load(); }
+
+    /*! Frees the runnables that are over, with \a all also those that are not: for a pool at rest alone. */
+    void cleanUp(bool all);
+
+    /*! Runs the task that reports to \a observer on the calling thread if it is still queued here. */
+    bool takeAndRun(const utils::ObserverCore &observer);
+    /*! True if a thread of this pool may lend its place to another one while it waits. */
+    virtual bool lendsPlaces() const { return true; }
+
+    /*! The larger of 2 and the number of cores. */
+    static int MinimumThreadCount();
+    /*! The most threads of a task pool: the larger of 8 and MinimumThreadCount(). */
+    static int MaximumThreadCount();
+    /*! The pool for which the calling thread runs something, or null. */
+    static ThreadPool *Current();
+
+protected:
+    /*! Called without a lock before a runnable is started. */
+    virtual void adjustThreadCount();
+    /*! Hands \a runnable to a thread. False, and \a runnable is freed, if the pool is stopped. */
+    template <class Runnable>
+    bool launch(std::unique_ptr<Runnable> runnable, std::shared_ptr<utils::ObserverCore> observer = {})
+    {
+        return launchWrapper(std::make_unique<utils::RunnableWrapper<Runnable>>(
+            this, std::move(runnable), std::move(observer), m_counter));
+    }
+
+    /*! How many of \a wanted further threads the system would give now: it starts them for a moment. */
+    static int ProbeThreads(int wanted);
+
+    const std::shared_ptr<utils::RunnableCounter> m_counter;
+    utils::RunnableTracker m_runnables;
+
+private:
+    template <class Task>
+    std::shared_ptr<typename Task::ObserverType> startTask(std::unique_ptr<Task> task);
+    bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
+    int wantedThreadCountLocked(int current);
+
+    QElapsedTimer m_idleTimer;
+    const QString m_name;
+    const CreateFactory m_createFactory;
+    const UpdateFactory m_updateFactory;
+    const DeleteFactory m_deleteFactory;
+    std::atomic<bool> m_stopped;
+};
+
+} // namespace Tessellum::Notification

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <notification/ThreadPool.h>
+#include <notification/utils/HandlerRunnable.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace Tessellum::Notification::utils {
+
+/*!
+ * The pool that calls handlers. Handlers may block, also on each other, so it doubles for as long as some
+ * wait in the queue while none begins, up to CeilingThreadCount(); short handlers, however many, do not make
+ * it grow. A small watching thread looks for that while handlers are queued, so that it needs no further
+ * notification. The maximum falls back to MinimumThreadCount() with a notification that finds the pool idle.
+ *
+ * Lock: m_watchMutex guards the state of the watching thread; it is taken before the mutex of the runnables
+ * and held neither while threads are tried out nor while that thread is joined.
+ */
+class TESSELLUM_EXPORT HandlerPool : public ThreadPool
+{
+public:
+    HandlerPool(const QString &name, int requestedThreads, bool stopped);
+    ~HandlerPool() override;
+
+    /*! Queues a call of the handler of \a handle with \a arguments; nothing happens on a stopped pool. */
+    template <class Handler, class... Arguments>
+    void startHandler(const std::shared_ptr<NotificationHandle<Handler>> &handle, Arguments &&...arguments)
+    {
+        cleanUp(false);
+        if (!isRunning())
+            return;
+        adjustThreadCount();
+        if (launch(std::make_unique<HandlerRunnable<Handler>>(handle, std::forward<Arguments>(arguments)...)))
+            watch();
+    }
+
+    /*! As ThreadPool::stopAndWait(), and ends the watching thread. */
+    bool stopAndWait(int milliseconds = -1);
+    bool lendsPlaces() const override { return false; }
+
+    /*! The most threads the pool ever has. */
+    static int CeilingThreadCount() { return 1024; }
+
+protected:
+    void adjustThreadCount() override;
+
+private:
+    void watch();
+    void startWatching();
+    void endWatching();
+    void watchQueue();
+    bool waitForNextLook(std::unique_lock<std::mutex> &lock, int &idleLooks);
+    void growIfBlocked(quint32 begunBefore);
+
+    std::mutex m_watchMutex;
+    std::condition_variable m_watchCondition;
+    std::thread m_watcher;
+    bool m_endWatching = false;
+    std::atomic<bool> m_watching = false;
+};
+
+} // namespace Tessellum::Notification::utils

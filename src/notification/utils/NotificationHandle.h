@@ -1,0 +1,86 @@
+#pragma once
+
+#include <notification/interfaces/NotificationHandleInterface.h>
+#include <shared/TessellumExport.h>
+
+#include <QMutex>
+
+#include <atomic>
+#include <utility>
+
+namespace Tessellum::Notification::utils {
+
+/*!
+ * All of a handle but the type of its function.
+ *
+ * Lock: the recursive mutex is held while the handler runs, and by nothing else for longer than an instant;
+ * it is taken with no other lock held.
+ */
+class TESSELLUM_EXPORT NotificationHandleBase : public Interfaces::NotificationHandleInterface
+{
+public:
+    explicit NotificationHandleBase(const QString &path);
+    ~NotificationHandleBase() override;
+
+    void invalidate() override;
+    bool isValid() const override { return !m_invalidated.load(std::memory_order_acquire); }
+    int getHandleType() const override { return m_handleType; }
+    bool isEnabled() const override { return isValid() && m_enabled.load(std::memory_order_acquire); }
+    QString getUuid() const override { return m_uuid; }
+    QString getPath() const override { return m_path; }
+    bool setEnabled(const bool &enabled) override;
+
+    /*! As invalidate(), without waiting for a running handler. */
+    void invalidateWithoutWaiting() { m_invalidated.store(true, std::memory_order_release); }
+
+protected:
+    /*! Holds the mutex and marks the calling thread as the one that runs the handler. */
+    class Running
+    {
+    public:
+        explicit Running(NotificationHandleBase &handle);
+        ~Running();
+        Q_DISABLE_COPY(Running)
+
+    private:
+        NotificationHandleBase &m_handle;
+        Qt::HANDLE m_previous;
+    };
+
+private:
+    friend class HandlerWaits;
+
+    std::atomic<bool> m_invalidated = false;
+    QMutex m_mutex;
+    const QString m_uuid;
+    const int m_handleType = 1;
+    const QString m_path;
+    std::atomic<bool> m_enabled = true;
+    std::atomic<Qt::HANDLE> m_runner = nullptr; // written by the holder of the mutex
+};
+
+/*! A handle with its function; \a Handler is one of the handler types. */
+template <class Handler>
+class NotificationHandle final : public NotificationHandleBase
+{
+public:
+    NotificationHandle(const QString &path, Handler handler)
+        : NotificationHandleBase(path)
+        , m_handler(std::move(handler))
+    { }
+
+    /*! Calls the handler under the mutex if the handle is enabled by then. The caller keeps the handle alive.
+     */
+    template <class... Arguments>
+    void call(const Arguments &...arguments)
+    {
+        const Running running(*this);
+        if (isEnabled() && m_handler)
+            m_handler(arguments...);
+    }
+
+private:
+    const Handler m_handler;
+};
+
+} // namespace Tessellum::Notification::utils

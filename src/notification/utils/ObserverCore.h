@@ -1,0 +1,57 @@
+#pragma once
+
+#include <shared/TessellumExport.h>
+
+#include <QMutex>
+#include <QWaitCondition>
+
+#include <atomic>
+
+namespace Tessellum::Notification::utils {
+
+class TrackedRunnable;
+
+/*!
+ * What the observers of all kinds of tasks share: the marks that end a wait.
+ *
+ * Any thread may call. Lock: mutex() guards both marks and the result of the derived class; it is never held
+ * while a callback runs. The marks are atomic as well, so that asking for them costs no lock.
+ */
+class TESSELLUM_EXPORT ObserverCore
+{
+public:
+    ObserverCore() = default;
+    virtual ~ObserverCore();
+    Q_DISABLE_COPY(ObserverCore)
+
+    /*! True once a report reached the wait point. */
+    bool isFinished() const { return m_finished.load(std::memory_order_acquire); }
+
+    /*! True once the task is over, by its end, an exception or because it was discarded. */
+    bool isEnded() const { return m_ended.load(std::memory_order_acquire); }
+
+    /*! Returns once a report has reached the wait point or the task is over; at once if that was before. */
+    void wait();
+
+    /*! Marks the task as over and releases all who wait. Called by the pool; calls after the first do
+     * nothing. */
+    void end();
+
+protected:
+    /*! Guards the result of the derived class too. */
+    QMutex &mutex() const { return m_mutex; }
+
+    /*! Marks the wait point as reached and releases all who wait. The caller holds mutex(). */
+    void finishLocked();
+
+private:
+    friend class RunnableTracker;
+
+    mutable QMutex m_mutex;
+    QWaitCondition m_condition;
+    std::atomic<bool> m_finished = false;
+    std::atomic<bool> m_ended = false;
+    TrackedRunnable *m_runnable = nullptr; // of the pool's tracker, guarded by the tracker's mutex
+};
+
+} // namespace Tessellum::Notification::utils

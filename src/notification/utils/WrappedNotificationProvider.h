@@ -1,0 +1,41 @@
+#pragma once
+
+#include <notification/interfaces/NotificationInterface.h>
+#include <shared/TessellumExport.h>
+
+#include <QReadWriteLock>
+
+#include <memory>
+
+namespace Tessellum::Notification::utils {
+
+class NotificationProvider;
+
+/*!
+ * The front of a NotificationProvider that a repository hands out. After the repository has stopped every
+ * operation fails. Lock: the repository's, held to get hold of the provider and not while it works.
+ */
+class TESSELLUM_EXPORT WrappedNotificationProvider : public Interfaces::NotificationInterface
+{
+public:
+    /*! \a lock is not owned and outlives the object. */
+    WrappedNotificationProvider(const std::shared_ptr<NotificationProvider> &provider, QReadWriteLock *lock);
+
+    HandlePointer registerCreateHandler(const QString &path, const CreateHandler &handler,
+                                        const CreatePoint &point) override;
+    HandlePointer registerUpdateHandler(const QString &path, const UpdateHandler &handler,
+                                        const UpdatePoint &point) override;
+    HandlePointer registerDeleteHandler(const QString &path, const DeleteHandler &handler,
+                                        const DeletePoint &point) override;
+    bool unregisterCreateHandler(const QString &uuid) override;
+    bool unregisterUpdateHandler(const QString &uuid) override;
+    bool unregisterDeleteHandler(const QString &uuid) override;
+
+private:
+    std::shared_ptr<NotificationProvider> provider() const;
+
+    const std::weak_ptr<NotificationProvider> m_provider;
+    QReadWriteLock *const m_lock;
+};
+
+} // namespace Tessellum::Notification::utils
