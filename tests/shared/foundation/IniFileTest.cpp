@@ -1,0 +1,154 @@
+#include <shared/foundation/IniFile.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <support/LogCapture.h>
+
+using Shared::IniContent;
+using Shared::ParseIniFile;
+
+class IniFileTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsSectionsAndKeys();
+    void linesAtTheEdges_data();
+    void linesAtTheEdges();
+    void firstOfTwoValuesStays();
+    void files();
+    void streamWithoutSource();
+
+private:
+    const QRegExp separator{QStringLiteral("=")};
+};
+
+void IniFileTest::readsSectionsAndKeys()
+{
+    const QByteArray text = "early=1\r\n"
+                            "[a]\n"
+                            "  two   words =  spaced out \n"
+                            "\n"
+                            "; no separator, no data\n"
+                            "[]\n"
+                            "late=\xc2\xb0\x43\n"
+                            "[b.c]\n"
+                            "[a]\n"
+                            "# data = all the same";
+    IniContent content;
+    QVERIFY(ParseIniFile(text, content, separator));
+    const IniContent expected{
+        {"", {{"early", "1"}, {"late", QString::fromUtf8("\xc2\xb0\x43")}}},
+        {"a", {{"two words", "spaced out"}, {"# data", "all the same"}}},
+    };
+    QCOMPARE(content, expected);
+}
+
+void IniFileTest::linesAtTheEdges_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("quoted") << "a = \"b\""
+                            << "="
+                            << "a"
+                            << "b";
+    QTest::newRow("blanks within quotes") << "a=\" b \""
+                                          << "="
+                                          << "a"
+                                          << " b ";
+    QTest::newRow("one quote") << "a=\"b"
+                               << "="
+                               << "a"
+                               << "\"b";
+    QTest::newRow("a quote alone") << "a=\""
+                                   << "="
+                                   << "a"
+                                   << "\"";
+    QTest::newRow("empty quotes") << "a=\"\""
+                                  << "="
+                                  << "a"
+                                  << "";
+    QTest::newRow("first separator counts") << "a=b=c"
+                                            << "="
+                                            << "a"
+                                            << "b=c";
+    QTest::newRow("no key") << "=b"
+                            << "="
+                            << ""
+                            << "b";
+    QTest::newRow("open bracket") << "[x=y"
+                                  << "="
+                                  << "[x"
+                                  << "y";
+    QTest::newRow("section with a blank behind") << "[x=y] "
+                                                 << "="
+                                                 << "[x"
+                                                 << "y]";
+    QTest::newRow("one character of the match goes") << "a::=b"
+                                                     << "::="
+                                                     << "a"
+                                                     << ":=b";
+    QTest::newRow("alternatives") << "a:b=c"
+                                  << "[:=]"
+                                  << "a"
+                                  << "b=c";
+}
+
+void IniFileTest::linesAtTheEdges()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, pattern);
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    IniContent content;
+    QVERIFY(ParseIniFile(line.toUtf8(), content, QRegExp(pattern)));
+    QCOMPARE(content, IniContent({{QString(), {{key, value}}}}));
+}
+
+void IniFileTest::firstOfTwoValuesStays()
+{
+    TestSupport::LogCapture log;
+    IniContent content;
+    QVERIFY(ParseIniFile(QByteArray("[s]\nk=1\n[t]\nk=2\n[s]\nk=\"3\"\n"), content, separator));
+    QCOMPARE(content, IniContent({{"s", {{"k", "1"}}}, {"t", {{"k", "2"}}}}));
+    QCOMPARE(log.lines(),
+             QStringList("WARNING Shared::ParseIniFile: The key 'k' already exists, ignoring the value '3'"));
+}
+
+void IniFileTest::files()
+{
+    QTemporaryDir directory;
+    QFile file(directory.filePath(QStringLiteral("a.ini")));
+    IniContent content;
+    QVERIFY(!ParseIniFile(file, content, separator)); // does not exist
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(!ParseIniFile(file, content, separator)); // cannot be read from
+    file.close();
+    QVERIFY(ParseIniFile(file, content, separator)); // empty
+    QVERIFY(content.isEmpty());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[s]\nk=v\n");
+    file.close();
+    QVERIFY(ParseIniFile(file, content, separator));
+    QVERIFY(!file.isOpen());
+    QCOMPARE(content, IniContent({{"s", {{"k", "v"}}}}));
+    QFile unreadable(QStringLiteral("/proc/self/mem")); // opens, and fails at the first read
+    QVERIFY(!ParseIniFile(unreadable, content, separator));
+}
+
+void IniFileTest::streamWithoutSource()
+{
+    QTextStream nothing;
+    IniContent content;
+    QVERIFY(!ParseIniFile(nothing, content, separator));
+    QString text(QStringLiteral("k=v"));
+    QTextStream stream(&text);
+    QVERIFY(ParseIniFile(stream, content, separator));
+    QCOMPARE(content, IniContent({{QString(), {{"k", "v"}}}}));
+}
+
+QTEST_GUILESS_MAIN(IniFileTest)
+#include "IniFileTest.moc"
