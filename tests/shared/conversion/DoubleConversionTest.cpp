@@ -56,9 +56,10 @@ void DoubleConversionTest::convertsWithinTheLimitsOfTheType()
     // The highest as a double is the first value beyond the type for the 64 bit types.
     for (double value : {largest, HUGE_VAL, highest.toDouble()})
         QCOMPARE(ConvertDouble(type, value), highest);
-    if (type != QMetaType::Float)
+    if (type != QMetaType::Float) {
         QCOMPARE(ConvertDouble(type, 99.9), truncated);
-    QCOMPARE(ConvertDouble(type, -0.9).toInt(), 0);
+        QCOMPARE(ConvertDouble(type, -0.9).toInt(), 0);
+    }
 }
 
 void DoubleConversionTest::notANumberIsZeroOnlyWhereItHasNoForm()
