@@ -7,7 +7,7 @@
 
 namespace Shared::Localization {
 
-/**
+/*!
  * A registry of locales. One mutex guards the default locale and the map; no operation calls foreign code
  * under it.
  */
@@ -24,7 +24,7 @@ public:
     QList<QLocale> getRegisteredLocales() const override;
 
 protected:
-    /** For registries whose default may change while they are in use. */
+    /*! For registries whose default may change while they are in use. */
     void replaceDefaultLocale(const QLocale &locale);
 
 private:

@@ -5,7 +5,7 @@
 
 namespace Tessellum {
 
-/**
+/*!
  * The process-wide locale registry of the library: the shared registry seen through both interfaces, with a
  * default locale that the application may change. Guarded by the mutex of its base; any thread may call any
  * operation.
