@@ -52,9 +52,26 @@ public:
     void setDetails(const Details &details);
 
 private:
-    bool readLocked(QVariant &out) const;
+    struct Functions
+    {
+        AttributeCreateData::Reader reader;
+        AttributeCreateData::Writer writer;
+    };
 
-    Details details;
+    /*! What the details hold, without room for the functions that few attributes have. */
+    struct State
+    {
+        explicit State(const Details &details);
+
+        QVariant value;
+        quint32 access;
+        quint32 valueSource;
+        std::unique_ptr<Functions> functions;
+    };
+
+    bool read(QVariant &out) const;
+
+    State state;
 };
 
 } // namespace Tessellum::AppConfig::Attributes

@@ -24,6 +24,7 @@ private:
     void handleUpdateNotification(const Notification::UpdateObserver::ResultType &result) const;
 
     Examiners examiner;
+    const bool wasInTree;
     QVariant previousValue;
     std::shared_ptr<Notification::UpdateObserver> observer;
 };

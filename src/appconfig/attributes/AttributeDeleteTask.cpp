@@ -1,0 +1,70 @@
+#include <appconfig/attributes/AttributeDeleteTask.h>
+
+#include <appconfig/attributes/Attribute.h>
+#include <appconfig/utils/GlobalPoolJobs.h>
+#include <appconfig/utils/LiveNode.h>
+#include <notification/utils/NotifyExaminers.h>
+#include <shared/hierarchy/HierarchyNodeLink.h>
+
+namespace Tessellum::AppConfig::Attributes {
+
+using Notification::DeleteObserver;
+using Notification::DeletePoint;
+using Shared::Hierarchy::HierarchyNode;
+using NodePtr = std::shared_ptr<HierarchyNode>;
+
+AttributeDeleteTask::AttributeDeleteTask(Notification::ThreadPool &taskPool, const Examiners &deleteExaminer,
+                                         const std::weak_ptr<HierarchyNode> &node, const QString &taskPath,
+                                         const QVariant &deleteData, const DeletePoint &waitPoint)
+    : DeleteTask(node, taskPath, deleteData)
+    , pool(taskPool)
+    , examiner(deleteExaminer)
+    , observer(std::make_shared<DeleteObserver>(
+          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
+          [this](const ResultType &report) { handleDeleteNotification(report); }))
+{ }
+
+DeleteObserver::ResultType AttributeDeleteTask::runDelete()
+{
+    NodePtr node = AppConfig::utils::LockLiveNode(root);
+    observer->report({DeletePoint::Begin, node != nullptr});
+    if (!node)
+        return observer->getResult();
+    if (const auto attribute = std::dynamic_pointer_cast<Attribute>(node))
+        attribute->markForDeletion();
+    else
+        node->setDeleteFlag();
+    // Not before the mark: whoever hangs a child beneath the node later sees it, and knows that it came too late.
+    startDeletionOfChildren(node);
+    node.reset();
+    observer->report({DeletePoint::Done, true});
+    return observer->getResult();
+}
+
+std::shared_ptr<DeleteObserver> AttributeDeleteTask::getObserver()
+{
+    return observer;
+}
+
+void AttributeDeleteTask::startDeletionOfChildren(const NodePtr &node) const
+{
+    // What a link shows beneath itself belongs to its target.
+    if (qobject_cast<Shared::Hierarchy::HierarchyNodeLink *>(node.get()) || node->getNumberOfChildren() == 0)
+        return;
+    AppConfig::utils::GlobalPoolJobs::start([node, &taskPool = pool, parentPath = path] {
+        for (const NodePtr &child : node->getChildren(false)) {
+            const QString childPath
+                = parentPath + HierarchyNode::GetHierarchyNodePathSeparator() + child->getId();
+            // The task keeps the child, which nobody else may hold by the time it runs.
+            taskPool.startDeleteTask(child, childPath, QVariant::fromValue(child), DeletePoint::All);
+        }
+    });
+}
+
+void AttributeDeleteTask::handleDeleteNotification(const ResultType &result) const
+{
+    if (!path.isEmpty() && examiner && !examiner->isEmpty())
+        Notification::utils::NotifyExaminers(*examiner, path, result.first, result.second);
+}
+
+} // namespace Tessellum::AppConfig::Attributes
