@@ -1,5 +1,4 @@
 #include <appconfig/attributes/Attribute.h>
-
 #include <appconfig/utils/ValueConversion.h>
 #include <shared/synchronization/ScopedLock.h>
 

@@ -1,5 +1,4 @@
 #include <appconfig/attributes/AttributeCreateTask.h>
-
 #include <appconfig/attributes/AttributeCreation.h>
 #include <appconfig/utils/LiveNode.h>
 #include <notification/utils/NotifyExaminers.h>
@@ -94,7 +93,7 @@ void AttributeCreateTask::handleCreateNotification(const ResultType &result) con
     const QString prefix
         = parentPath.isEmpty() ? QString() : parentPath + HierarchyNode::GetHierarchyNodePathSeparator();
     for (const AttributeCreateData &element : list)
-        Notification::utils::NotifyExaminers(*examiner, prefix + element.name, result.first, result.second);
+        Notification::utils::NotifyExaminers(examiner, prefix + element.name, result.first, result.second);
 }
 
 } // namespace Tessellum::AppConfig::Attributes

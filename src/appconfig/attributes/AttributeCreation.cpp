@@ -1,5 +1,4 @@
 #include <appconfig/attributes/AttributeCreation.h>
-
 #include <notification/utils/MakeNode.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 #include <shared/hierarchy/HierarchyStringPath.h>

@@ -1,6 +1,5 @@
-#include <appconfig/attributes/AttributeDeleteTask.h>
-
 #include <appconfig/attributes/Attribute.h>
+#include <appconfig/attributes/AttributeDeleteTask.h>
 #include <appconfig/utils/GlobalPoolJobs.h>
 #include <appconfig/utils/LiveNode.h>
 #include <notification/utils/NotifyExaminers.h>
@@ -34,7 +33,8 @@ DeleteObserver::ResultType AttributeDeleteTask::runDelete()
         attribute->markForDeletion();
     else
         node->setDeleteFlag();
-    // Not before the mark: whoever hangs a child beneath the node later sees it, and knows that it came too late.
+    // Not before the mark: whoever hangs a child beneath the node later sees it, and knows that it came too
+    // late.
     startDeletionOfChildren(node);
     node.reset();
     observer->report({DeletePoint::Done, true});
@@ -64,7 +64,7 @@ void AttributeDeleteTask::startDeletionOfChildren(const NodePtr &node) const
 void AttributeDeleteTask::handleDeleteNotification(const ResultType &result) const
 {
     if (!path.isEmpty() && examiner && !examiner->isEmpty())
-        Notification::utils::NotifyExaminers(*examiner, path, result.first, result.second);
+        Notification::utils::NotifyExaminers(examiner, path, result.first, result.second);
 }
 
 } // namespace Tessellum::AppConfig::Attributes

@@ -1,5 +1,4 @@
 #include <appconfig/attributes/AttributeUpdateTask.h>
-
 #include <appconfig/utils/LiveNode.h>
 #include <appconfig/validation/AttributeValidationInterface.h>
 #include <notification/utils/NotifyExaminers.h>
@@ -70,8 +69,8 @@ AttributeUpdateTask::AttributeUpdateTask(const Examiners &updateExaminer,
 UpdateObserver::ResultType AttributeUpdateTask::runUpdate()
 {
     // The reference holds the attribute for the length of each call alone, so that its end is noticed.
-    AttributeReference reference(
-        std::weak_ptr<Attribute>(std::dynamic_pointer_cast<Attribute>(node.lock())), {});
+    AttributeReference reference(std::weak_ptr<Attribute>(std::dynamic_pointer_cast<Attribute>(node.lock())),
+                                 {});
     const auto unlessGone = [&reference](UpdateResult result) {
         return reference.isDeleteFlagSet() ? UpdateResult::NodeGone : result;
     };
@@ -133,7 +132,7 @@ void AttributeUpdateTask::handleUpdateNotification(const ResultType &result) con
     // Off the tree, or on its way off, the node has lost the path that handlers know it by.
     if (attribute->isDeleteFlagSet() || (wasInTree && !IsInTree(attribute)))
         return;
-    Notification::utils::NotifyExaminers(*examiner, path, result.first, result.second, previousValue, value);
+    Notification::utils::NotifyExaminers(examiner, path, result.first, result.second, previousValue, value);
 }
 
 } // namespace Tessellum::AppConfig::Attributes

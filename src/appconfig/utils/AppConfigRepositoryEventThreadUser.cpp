@@ -1,15 +1,11 @@
 #include <appconfig/utils/AppConfigRepositoryEventThreadUser.h>
-
 #include <notification/RepositoryHierarchyThreadProvider.h>
-
-#include <QObject>
 
 namespace Tessellum::AppConfig::utils {
 
 AppConfigRepositoryEventThreadUser::AppConfigRepositoryEventThreadUser(QObject *object)
 {
-    if (object)
-        object->moveToThread(Core::RepositoryHierarchyThreadProvider::getInstance()->getThread());
+    Core::RepositoryHierarchyThreadProvider::getInstance()->moveToEventThread(object);
 }
 
 } // namespace Tessellum::AppConfig::utils

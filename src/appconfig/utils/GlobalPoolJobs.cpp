@@ -1,5 +1,4 @@
 #include <appconfig/utils/GlobalPoolJobs.h>
-
 #include <shared/logging/FrameworkLog.h>
 
 #include <QMutex>
@@ -62,8 +61,7 @@ GlobalPoolJobs::Token::~Token()
 
 void GlobalPoolJobs::start(std::function<void()> job)
 {
-    QThreadPool::globalInstance()->start(
-        [run = currentRun(), work = std::move(job)] { RunJob(run, work); });
+    QThreadPool::globalInstance()->start([run = currentRun(), work = std::move(job)] { RunJob(run, work); });
 }
 
 quint64 GlobalPoolJobs::currentRun()

@@ -9,9 +9,9 @@ namespace Tessellum::AppConfig::utils {
 /*!
  * The jobs that the configuration puts on the process's global thread pool, which nobody can take back.
  *
- * Each carries the number of the repository's run that it was put there in, and does nothing in another: a job
- * that is late by a stop must not start tasks on the next tree. Threads: any. One mutex guards the number and
- * the count of the running jobs; it is not held while a job runs.
+ * Each carries the number of the repository's run that it was put there in, and does nothing in another: a
+ * job that is late by a stop must not start tasks on the next tree. Threads: any. One mutex guards the number
+ * and the count of the running jobs; it is not held while a job runs.
  */
 class GlobalPoolJobs
 {

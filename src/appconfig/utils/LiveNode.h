@@ -8,7 +8,8 @@
 
 namespace Tessellum::AppConfig::utils {
 
-/*! The node of \a node, or empty where it has gone: expired, or taken off the tree and still held by someone. */
+/*! The node of \a node, or empty where it has gone: expired, or taken off the tree and still held by someone.
+ */
 inline std::shared_ptr<Shared::Hierarchy::HierarchyNode>
 LockLiveNode(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node)
 {

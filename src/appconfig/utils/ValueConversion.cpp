@@ -1,5 +1,4 @@
 #include <appconfig/utils/ValueConversion.h>
-
 #include <shared/localization/NumericStrings.h>
 
 namespace Tessellum::AppConfig::utils {
