@@ -31,8 +31,8 @@ QString UniqueText(const QString &text)
 
 } // namespace
 
-HierarchyListPattern::HierarchyListPattern(Notification::ThreadPool *taskPool, const QString &id)
-    : Attribute(id)
+HierarchyListPattern::HierarchyListPattern(Notification::ThreadPool *taskPool, const QString &listId)
+    : Attribute(listId)
     , pool(taskPool)
     , forgetAt(MinimumToForget)
 { }
@@ -89,7 +89,7 @@ bool HierarchyListPattern::removeElementFromList(const QString &name)
                "supported";
         return false;
     }
-    const QString path
+    const QString childPath
         = getNodePath()->getPathFromPathElements(getNodePath()->split() << name); // before the child goes
     NodePtr child;
     {
@@ -101,7 +101,7 @@ bool HierarchyListPattern::removeElementFromList(const QString &name)
     }
     startTextUpdate();
     // Nobody but the task holds the child any more.
-    pool->startDeleteTask(child, path, QVariant::fromValue(child), DeletePoint::All);
+    pool->startDeleteTask(child, childPath, QVariant::fromValue(child), DeletePoint::All);
     return true;
 }
 
