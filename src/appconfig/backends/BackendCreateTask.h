@@ -28,13 +28,16 @@ public:
 
 private:
     using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
+    class Traces;
 
-    std::shared_ptr<Backend> createBackendForHierarchy(NodePtr &parent, QList<NodePtr> &madeParents) const;
-    bool attachAndLoad(const std::shared_ptr<Backend> &backend, const NodePtr &parent) const;
+    bool createBackend(const NodePtr &parent) const;
+    std::shared_ptr<Backend> createBackendForHierarchy(const QStringList &elements) const;
+    void addToNames(const std::shared_ptr<Backend> &backend) const;
     void handleCreateNotification(const Notification::CreateObserver::ResultType &result) const;
 
     Examiners examiner;
     std::weak_ptr<Core::HierarchyListPattern> names;
+    const Notification::CreatePoint waitPoint;
     std::shared_ptr<Notification::CreateObserver> observer;
 };
 
