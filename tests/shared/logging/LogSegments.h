@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QSharedMemory>
+#include <QStringList>
+#include <QSystemSemaphore>
+
+#include <cstring>
+
+/// The named objects of the log as any process sees them.
+namespace LogSegments {
+
+inline const QString semaphoreKey = QStringLiteral("Shared::Logging::LogHandler::LogHandler");
+inline const QString sinkKey
+    = QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomSinkRepository");
+inline const QString filterKey
+    = QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomFilterRepository");
+inline const QString contextKey = QStringLiteral("Shared::Logging::LogHandler::LogContext");
+inline const QStringList segmentKeys{sinkKey, filterKey, contextKey};
+
+struct Record
+{
+    qint64 processId;
+    quint64 address;
+};
+
+/// Holds a segment and reads and writes its record.
+class Segment
+{
+public:
+    explicit Segment(const QString &key)
+        : memory(key)
+    {
+        held = memory.attach() || memory.create(sizeof(Record));
+    }
+
+    bool isHeld() const { return held && memory.size() == sizeof(Record); }
+    Record read() const
+    {
+        Record record;
+        std::memcpy(&record, memory.constData(), sizeof(record));
+        return record;
+    }
+    void write(const Record &record) { std::memcpy(memory.data(), &record, sizeof(record)); }
+
+private:
+    QSharedMemory memory;
+    bool held = false;
+};
+
+inline bool Exists(const QString &key)
+{
+    QSharedMemory memory(key);
+    return memory.attach(QSharedMemory::ReadOnly);
+}
+
+/// Removes what a process that was aborted or killed has left: the last to let go of such an object removes
+/// it.
+inline void RemoveAll()
+{
+    for (const QString &key : segmentKeys)
+        Exists(key);
+    for (const QString &key : QStringList{semaphoreKey} + segmentKeys)
+        QSystemSemaphore(key, 1, QSystemSemaphore::Create);
+}
+
+} // namespace LogSegments

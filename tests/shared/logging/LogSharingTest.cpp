@@ -1,0 +1,115 @@
+#include "LogSegments.h"
+
+#include <shared/logging/FrameworkLog.h>
+#include <shared/logging/LogHandler.h>
+
+#include <QLibrary>
+#include <QtTest>
+
+using namespace Shared::Logging;
+
+/// The program and a plug-in each have a copy of the log code. The plug-in's comes first and makes what they
+/// share, which therefore has to outlive it.
+class LogSharingTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void settingsAreShared();
+    void sinksAndFiltersAreShared();
+    void thePluginCanGo();
+
+private:
+    template <typename Function>
+    Function *resolve(const char *name)
+    {
+        return reinterpret_cast<Function *>(plugin.resolve(name));
+    }
+
+    void pluginLog(LogMessageType level, const char *text)
+    {
+        resolve<void(int, const char *)>("pluginLog")(int(level), text);
+    }
+
+    QLibrary plugin{QStringLiteral(PLUGIN_FILE)};
+    QString sink;
+    QString filter;
+    QStringList messages;
+    QStringList lines;
+};
+
+void LogSharingTest::initTestCase()
+{
+    QVERIFY2(plugin.load(), qPrintable(plugin.errorString()));
+    const void *const handler = resolve<const void *()>("pluginHandler")();
+    QVERIFY(handler);
+    QVERIFY(handler != LogHandler::Instance());
+}
+
+void LogSharingTest::init()
+{
+    messages.clear();
+    lines.clear();
+    sink = LogHandler::RegisterMessageSink(
+        [this](auto &, auto &, const QString &message) { messages.append(message); });
+    filter = LogHandler::RegisterMessageFilter([this](auto &, auto &, auto &, const QString &line) {
+        lines.append(line);
+        return false;
+    });
+}
+
+void LogSharingTest::cleanup()
+{
+    QVERIFY(LogHandler::UnregisterMessageSink(sink));
+    QVERIFY(LogHandler::UnregisterMessageFilter(filter));
+    LogHandler::SetLogLevel(LogMessageType::log);
+}
+
+void LogSharingTest::settingsAreShared()
+{
+    const auto pluginSetLogLevel = resolve<void(int)>("pluginSetLogLevel");
+    pluginSetLogLevel(int(LogMessageType::debug));
+    FrameworkLog().debug() << "by the program";
+    QCOMPARE(messages, QStringList{QStringLiteral("by the program")});
+    LogHandler::SetLogLevel(LogMessageType::warning);
+    pluginLog(LogMessageType::log, "below the program's threshold");
+    QCOMPARE(messages.size(), 1);
+
+    resolve<void()>("pluginIdentify")();
+    LogHandler::SetLogIdentification(QStringLiteral("program"));
+    LogHandler::LogMessage(LogMessageContext(), LogMessageType::warning, QStringLiteral("text"));
+    QCOMPARE(lines.last(), QStringLiteral("[PLUG-IN WARNING] text"));
+}
+
+void LogSharingTest::sinksAndFiltersAreShared()
+{
+    pluginLog(LogMessageType::warning, "by the plug-in");
+    QCOMPARE(messages, QStringList{QStringLiteral("by the plug-in")});
+    QCOMPARE(lines, QStringList{QStringLiteral("[TESSELLUM WARNING] by the plug-in")});
+
+    const auto pluginHeard = resolve<int()>("pluginHeard");
+    QVERIFY(resolve<bool()>("pluginRegister")());
+    FrameworkLog().log() << "heard by the plug-in, whose filter logs with its own copy";
+    QCOMPARE(pluginHeard(), 1);
+    QCOMPARE(messages.size(), 2);
+    QVERIFY(resolve<bool()>("pluginUnregister")());
+    QVERIFY(!resolve<bool()>("pluginUnregister")());
+    FrameworkLog().log() << "after the plug-in took its own away";
+    QCOMPARE(pluginHeard(), 1);
+    QCOMPARE(messages.size(), 3);
+}
+
+void LogSharingTest::thePluginCanGo()
+{
+    QVERIFY(plugin.unload());
+    for (const QString &key : LogSegments::segmentKeys)
+        QVERIFY(LogSegments::Exists(key));
+    LogHandler::LogMessage(LogMessageContext(), LogMessageType::log, QStringLiteral("text"));
+    QCOMPARE(lines.last(), QStringLiteral("[PLUG-IN LOG] text"));
+    QCOMPARE(messages, QStringList{QStringLiteral("text")});
+}
+
+QTEST_GUILESS_MAIN(LogSharingTest)
+#include "LogSharingTest.moc"
