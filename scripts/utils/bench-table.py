@@ -13,6 +13,7 @@ import re
 import sys
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+COUNTERS = ("items", "aim", "aim_ns", "bytes")
 BEGIN, END = "<!-- table: begin -->", "<!-- table: end -->"
 HEAD = ["benchmark", "ns", "floor ns", "ratio", "aim", "", "pinned ns", "pinned ratio", "bytes"]
 
@@ -21,9 +22,11 @@ class Run:
     """The median of one benchmark; its time is that of one item where it counts items."""
 
     def __init__(self, entry):
+        # Counters come as the sum over the threads.
+        counters = {key: entry[key] / entry["threads"] for key in COUNTERS if key in entry}
         self.name = entry["run_name"]
-        self.time = entry["real_time"] * NANOSECONDS[entry["time_unit"]] / entry.get("items", 1)
-        self.aim, self.aim_ns, self.bytes = (entry.get(key) for key in ("aim", "aim_ns", "bytes"))
+        self.time = entry["real_time"] * NANOSECONDS[entry["time_unit"]] / counters.get("items", 1)
+        self.aim, self.aim_ns, self.bytes = (counters.get(key) for key in ("aim", "aim_ns", "bytes"))
 
 
 def load(path):
@@ -59,7 +62,8 @@ def rows(runs, pinned):
         if re.search(r"_(Floor|Peer)(/|$)", name):
             continue
         alone = pinned.get(name)
-        for kind, floor in list(references(name, runs)) or [("", None)]:
+        # The aim is for the floor, and for the peer where there is no floor.
+        for place, (kind, floor) in enumerate(list(references(name, runs)) or [("", None)]):
             ratio = run.time / floor.time if floor else None
             floor_alone = pinned.get(floor.name) if floor else None
             yield [
@@ -67,7 +71,7 @@ def rows(runs, pinned):
                 number(run.time),
                 number(floor.time if floor else None),
                 number(ratio),
-                *verdict(run, ratio),
+                *(verdict(run, ratio) if place == 0 else ("", "")),
                 number(alone.time if alone else None),
                 number(alone.time / floor_alone.time if alone and floor_alone else None),
                 number(run.bytes),
