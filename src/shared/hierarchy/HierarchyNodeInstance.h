@@ -1,0 +1,108 @@
+#pragma once
+
+#include <shared/hierarchy/HierarchyNode.h>
+#include <shared/hierarchy/HierarchyNodePathSynchronizer.h>
+
+#include <QVarLengthArray>
+
+#include <atomic>
+#include <memory>
+
+namespace Shared { namespace Hierarchy {
+
+namespace utils {
+class HierarchyChildTable;
+} // namespace utils
+
+/*!
+ * A node that keeps its children and its path.
+ *
+ * Locks, in this order: the lock of the parent, the lock of a child (together only where a child is entered),
+ * the mutex of the tree's shape, the locks of paths. The node's lock guards parent, path and childNodes.
+ * Parent and path are written under the mutex of the shape as well, so that whoever holds that sees a tree
+ * that does not move; it is held for the few steps of a move only. No lock is held while a signal is emitted.
+ *
+ * A path text, a table of children and their locks are made when somebody asks for them: most nodes are
+ * leaves that nobody asks.
+ */
+class TESSELLUM_EXPORT HierarchyNodeInstance : public HierarchyNode
+{
+    Q_OBJECT
+
+public:
+    HierarchyNodeInstance();
+    /*! \a id stays for good; a node with an empty one is a root and cannot get a parent. */
+    explicit HierarchyNodeInstance(const QString &id);
+    ~HierarchyNodeInstance() override;
+
+    QString getId() const override;
+    bool isDeleteFlagSet() const override;
+    bool setDeleteFlag() override;
+    quint64 getNumberOfChildren() const override;
+    QList<std::shared_ptr<const HierarchyNode>> getChildren(const bool &recursive) const override;
+    QList<std::shared_ptr<HierarchyNode>> getChildren(const bool &recursive) override;
+    bool hasChild(const std::shared_ptr<const HierarchyNode> &child, quint64 *index = nullptr) const override;
+    bool hasChild(const QString &id) const override;
+    std::shared_ptr<HierarchyNode> findChildByRelativePath(const QString &path) override;
+    std::shared_ptr<const HierarchyNode> findChildByRelativePath(const QString &path) const override;
+    bool addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index = nullptr) override;
+    std::shared_ptr<const HierarchyStringPath> getNodePath() const override;
+    std::shared_ptr<HierarchyNode> getParent() override;
+    std::shared_ptr<const HierarchyNode> getParent() const override;
+
+public Q_SLOTS:
+    void onParentPathChanged() override;
+
+public:
+    bool setParent(const std::weak_ptr<HierarchyNode> &newParent, const bool &silent = false) override;
+    std::shared_ptr<HierarchyNode> getChildById(const QString &id) override;
+    std::shared_ptr<const HierarchyNode> getChildById(const QString &id) const override;
+
+    /*! The child with \a index children before it, or an empty pointer. Linear after removals. */
+    std::shared_ptr<HierarchyNode> getChildByIndex(const quint64 &index);
+    std::shared_ptr<const HierarchyNode> getChildByIndex(const quint64 &index) const;
+    /*! The children, in no promised order. */
+    QList<std::shared_ptr<HierarchyNode>> children() const;
+
+Q_SIGNALS:
+    /*! A child has been entered. Emitted by the thread that added it, with no lock held. */
+    void notifyChildAdded(const QString &id);
+
+protected:
+    /*! For a node that \a isForTarget: a node that is given it as parent goes below its target, which it
+     * hands out as the node at an empty path. */
+    HierarchyNodeInstance(const QString &id, bool isForTarget);
+
+private:
+    using InstancePointer = std::shared_ptr<HierarchyNodeInstance>;
+    using Ancestors = QVarLengthArray<std::shared_ptr<HierarchyNode>, 8>;
+    enum class Relinked { Moved, Unchanged, Refused };
+    enum class Entered { Now, Before, Clash, Elsewhere };
+
+    std::shared_ptr<HierarchyNode> child(QStringView childId) const;
+    InstancePointer instanceAbove() const;
+    bool isValidId(const QString &childId) const;
+    bool isParentOf(const HierarchyNodeInstance &node) const;
+    bool isOrLiesAbove(const HierarchyNodeInstance &node, Ancestors &ancestors) const;
+    Relinked relink(const InstancePointer &target, InstancePointer &oldParent);
+    void point(const InstancePointer &target);
+    void unlink(const InstancePointer &from);
+    void leave(HierarchyNodeInstance &oldParent) const;
+    bool askForEntry(HierarchyNodeInstance &target);
+    Entered enter(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
+    bool enterAndNotify(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
+    void warnAboutExisting(const QString &childId) const;
+    bool tryMakePath() const;
+    void forwardPathChange();
+
+    const QString nodeId;
+    std::weak_ptr<HierarchyNode> parentNode;
+    mutable HierarchyNodePathSynchronizer nodePath;
+    std::unique_ptr<utils::HierarchyChildTable> childNodes;
+    std::atomic<bool> deleteFlag{false};
+    const bool standsForTarget;
+    bool wasParent
+        = false; // guarded by the mutex of the shape: nothing can lie below a node that never was one
+};
+
+}} // namespace Shared::Hierarchy

@@ -1,0 +1,221 @@
+#pragma once
+
+#include <shared/synchronization/ScopedLock.h>
+
+#include <QString>
+#include <QStringList>
+#include <QVarLengthArray>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+namespace Shared { namespace Hierarchy {
+
+/*!
+ * A place in a tree of texts: an own id, a separator and the path above. The full text is put together when
+ * it is read, and again only after something above has moved, so that a move costs the same however much lies
+ * below.
+ *
+ * The version of a path is the sum of the own versions up to the root. It strictly rises with each move of
+ * the path or of anything above it, and a text made at another version of the parent is stale.
+ *
+ * Threads: any. The lock of a path guards its own fields; locks are taken from a path upward, each held until
+ * the walk is over, so that a sum is one that held at one moment.
+ */
+template <class Value, class List, class Separator, class Extra>
+class HierarchyPath : public Synchronization::Lockable
+{
+public:
+    /*! Holds the two texts of a path and knows how to join them. */
+    class PathAccessWrapper
+    {
+    public:
+        using Combine = std::function<Value(Value parentPath, const Value &id)>;
+
+        PathAccessWrapper(const Value &parentPath, const Value &ownId, const Combine &join)
+            : combine(join)
+            , id(ownId)
+        {
+            setParentPath(parentPath);
+        }
+
+        Value getId() const { return id; }
+        operator Value() const { return fullPath; }
+        void setParentPath(const Value &parentPath) { fullPath = combine(parentPath, id); }
+
+    private:
+        Combine combine;
+        Value id;
+        Value fullPath;
+    };
+
+    HierarchyPath(const std::shared_ptr<HierarchyPath> &parentPath, const Separator &separatorText,
+                  const Value &id)
+        : Lockable(nullptr, QMutex::Recursive)
+        , ownSeparator(separatorText)
+        , access(Value(), id, standardCombine(separatorText))
+    {
+        setPathParent(parentPath);
+    }
+
+    HierarchyPath(const HierarchyPath &other)
+        : HierarchyPath(other, Synchronization::ScopedLock(&other))
+    { }
+    HierarchyPath &operator=(const HierarchyPath &) = delete;
+    ~HierarchyPath() override = default;
+
+    /*! The text from the root down to this path. */
+    Value getFullPath() const
+    {
+        const Synchronization::ScopedLock lock(this);
+        if (pathAbove)
+            syncToParentPath();
+        return access;
+    }
+
+    Value getPathId() const
+    {
+        const Synchronization::ScopedLock lock(this);
+        return access.getId();
+    }
+
+    std::shared_ptr<HierarchyPath> getParent()
+    {
+        const Synchronization::ScopedLock lock(this);
+        return pathAbove;
+    }
+    std::shared_ptr<const HierarchyPath> getParent() const
+    {
+        const Synchronization::ScopedLock lock(this);
+        return pathAbove;
+    }
+
+    /*! The sum of the own versions from here to the root. */
+    quint64 getPathVersion() const
+    {
+        const Synchronization::ScopedLock lock(this);
+        return version + LockedAncestors(pathAbove.get()).version();
+    }
+
+    Separator getSeparator() const { return ownSeparator; }
+
+    /*! Hangs this path below \a newParent, or makes it a root where that is empty. A path must not be hung
+     * below itself. */
+    void setPathParent(const std::shared_ptr<HierarchyPath> &newParent)
+    {
+        std::shared_ptr<HierarchyPath> oldParent;
+        const Synchronization::ScopedLock lock(this);
+        if (newParent == pathAbove) {
+            ++version;
+            return;
+        }
+        // The sum must rise also where the new place has seen fewer moves than the old one.
+        const quint64 before = LockedAncestors(pathAbove.get()).version();
+        const quint64 after = LockedAncestors(newParent.get()).version();
+        version += 1 + (before > after ? before - after : 0);
+        oldParent = std::move(pathAbove);
+        pathAbove = newParent;
+        // No parent has the version 0: the text is made anew at the next read.
+        syncedParentVersion = 0;
+        if (!pathAbove)
+            access.setParentPath(Value());
+    }
+
+private:
+    // Holds the locks from a path up to its root.
+    class LockedAncestors
+    {
+    public:
+        explicit LockedAncestors(const HierarchyPath *first)
+        {
+            for (auto path = first; path; path = path->pathAbove.get()) {
+                path->lock();
+                paths.append(path);
+            }
+        }
+        ~LockedAncestors()
+        {
+            std::for_each(paths.crbegin(), paths.crend(), [](const HierarchyPath *path) { path->unlock(); });
+        }
+        LockedAncestors(const LockedAncestors &) = delete;
+        LockedAncestors &operator=(const LockedAncestors &) = delete;
+
+        quint64 version() const
+        {
+            quint64 sum = 0;
+            for (const HierarchyPath *path : paths)
+                sum += path->version;
+            return sum;
+        }
+
+        // Brings the texts up to date from the root downward and returns the version of the first path.
+        quint64 sync() const
+        {
+            quint64 sum = 0;
+            std::for_each(paths.crbegin(), paths.crend(), [&sum](const HierarchyPath *path) {
+                path->syncToVersion(sum);
+                sum += path->version;
+            });
+            return sum;
+        }
+
+    private:
+        QVarLengthArray<const HierarchyPath *, 16> paths;
+    };
+
+    HierarchyPath(const HierarchyPath &other, const Synchronization::ScopedLock &)
+        : Lockable(nullptr, QMutex::Recursive)
+        , pathAbove(other.pathAbove)
+        , ownSeparator(other.ownSeparator)
+        , version(other.version)
+        , syncedParentVersion(other.syncedParentVersion)
+        , access(other.access)
+    { }
+
+    virtual Value getId() const { return getPathId(); }
+
+public:
+    /*! The element at \a index, an empty one outside 0 to size() - 1. */
+    virtual Value at(const int &index) const = 0;
+    /*! The number of elements. */
+    virtual int size() const = 0;
+    /*! The elements from the root downward. */
+    virtual List split() const = 0;
+    /*! Whether each element is a word. */
+    virtual bool isValid() const = 0;
+    /*! Whether there is no element at all. An empty text is one empty element. */
+    virtual bool isEmpty() const = 0;
+
+private:
+    static typename PathAccessWrapper::Combine standardCombine(const Separator &separatorText)
+    {
+        return [separatorText](Value parentPath, const Value &id) {
+            return parentPath.isEmpty() ? id : Value(parentPath + separatorText + id);
+        };
+    }
+
+    // Expects the lock of this path and a parent.
+    void syncToParentPath() const
+    {
+        const LockedAncestors above(pathAbove.get());
+        syncToVersion(above.sync());
+    }
+
+    // Expects the locks of this path and of all above, whose texts are up to date.
+    void syncToVersion(const quint64 &parentVersion) const
+    {
+        if (!pathAbove || parentVersion == syncedParentVersion)
+            return;
+        access.setParentPath(pathAbove->access);
+        syncedParentVersion = parentVersion;
+    }
+
+    std::shared_ptr<HierarchyPath> pathAbove;
+    const Separator ownSeparator;
+    quint64 version = 1;
+    mutable quint64 syncedParentVersion = 0;
+    mutable PathAccessWrapper access;
+};
+
+}} // namespace Shared::Hierarchy

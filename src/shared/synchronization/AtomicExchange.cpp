@@ -1,0 +1,7 @@
+#include <shared/synchronization/AtomicExchange.h>
+
+namespace Shared {
+
+template class AtomicExchange<bool>;
+
+} // namespace Shared

@@ -1,0 +1,59 @@
+#include <shared/synchronization/Lockable.h>
+
+#include <QMetaMethod>
+
+namespace Shared { namespace Synchronization {
+
+Lockable::Lockable(QObject *parent, const QMutex::RecursionMode &mode)
+    : QObject(parent)
+    , isRecursive(mode == QMutex::Recursive)
+{ }
+
+Lockable::~Lockable() = default;
+
+bool Lockable::isLocked() const
+{
+    return lockCount.load(std::memory_order_acquire) != 0;
+}
+
+int Lockable::lock() const
+{
+    const std::thread::id self = std::this_thread::get_id();
+    if (!isRecursive || lockOwner.load(std::memory_order_relaxed) != self) {
+        lockMutex.lock();
+        lockOwner.store(self, std::memory_order_relaxed);
+    }
+    // Only the holder writes the count: a plain read and write, atomic for those who look on.
+    const int depth = lockCount.load(std::memory_order_relaxed) + 1;
+    lockCount.store(depth, std::memory_order_release);
+    if (depth == 1 && hasListener.load(std::memory_order_relaxed))
+        Q_EMIT locked();
+    return depth;
+}
+
+int Lockable::unlock() const
+{
+    const int depth = lockCount.load(std::memory_order_relaxed) - 1;
+    lockCount.store(depth, std::memory_order_release);
+    if (depth > 0)
+        return depth;
+    if (hasListener.load(std::memory_order_relaxed))
+        Q_EMIT unlocked();
+    lockOwner.store(std::thread::id(), std::memory_order_relaxed);
+    lockMutex.unlock();
+    return depth;
+}
+
+int Lockable::lockLevel() const
+{
+    return lockCount.load(std::memory_order_relaxed);
+}
+
+void Lockable::connectNotify(const QMetaMethod &signal)
+{
+    if (signal == QMetaMethod::fromSignal(&Lockable::locked)
+        || signal == QMetaMethod::fromSignal(&Lockable::unlocked))
+        hasListener.store(true, std::memory_order_relaxed);
+}
+
+}} // namespace Shared::Synchronization
