@@ -1,3 +1,4 @@
+#include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/utils/AttributeNodeVisitors.h>
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appconfig/utils/AttributesQueryProvider.h>
@@ -7,6 +8,7 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appconfig/utils/RepositoryTeardown.h>
 #include <appconfig/utils/TaskFactories.h>
+#include <appconfig/validation/AttributeValidationRepository.h>
 #include <notification/RepositoryLocks.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
@@ -86,7 +88,9 @@ RepositoryProvider::RepositoryProvider()
     , settingsMutex(QMutex::Recursive)
     , pool(QStringLiteral("AppConfigRepository"), MakeCreateTaskFactory(*this), MakeUpdateTaskFactory(*this),
            MakeDeleteTaskFactory(*this), QThread::idealThreadCount(), true)
-{ }
+{
+    Backends::RegisterBackends(*this);
+}
 
 RepositoryProvider::~RepositoryProvider() = default;
 
@@ -193,6 +197,8 @@ void RepositoryProvider::stop(const NodePtr &keeper)
     // The tasks end first and with no lock held, since what they run may call the fronts that lock.
     pool.stopAndWait();
     GlobalPoolJobs::endRunAndWait();
+    // The next run loads them anew, under the same ids.
+    Validation::AttributeValidationRepository::getInstance()->unregisterBackendValidations();
 
     const NodePtr internal = getInternalRoot();
     QList<NodePtr> removed;

@@ -1,6 +1,5 @@
 #include <appconfig/backends/Backend.h>
 #include <appconfig/utils/RepositoryTeardown.h>
-#include <appconfig/validation/AttributeValidationRepository.h>
 
 #include <QSignalBlocker>
 
@@ -8,28 +7,11 @@ namespace Tessellum::AppConfig::utils {
 
 using Backends::Backend;
 using Shared::Hierarchy::HierarchyNode;
-using Validation::AttributeValidationInterface;
-using Validation::AttributeValidationRepository;
-
-namespace {
-
-void unregisterValidations(Backend &backend)
-{
-    AttributeValidationRepository *const repository = AttributeValidationRepository::getInstance();
-    for (const auto &child : backend.getChildren(false)) {
-        const auto validation = std::dynamic_pointer_cast<AttributeValidationInterface>(child);
-        if (validation && repository->getValidation(validation->getValidationId()) == validation)
-            repository->unregisterValidation(validation->getValidationId());
-    }
-}
-
-} // namespace
 
 void RemoveBackends(HierarchyNode &root, QList<std::shared_ptr<HierarchyNode>> &removed)
 {
     for (const auto &node : root.getChildren(true)) {
         if (const auto backend = std::dynamic_pointer_cast<Backend>(node)) {
-            unregisterValidations(*backend);
             backend->setDeleteFlag();
             removed.append(node);
         }

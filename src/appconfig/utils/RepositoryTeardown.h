@@ -5,9 +5,9 @@
 namespace Tessellum::AppConfig::utils {
 
 /*!
- * Takes the backends beneath \a root off the tree for good and forgets the validations that hang beneath
- * them, so that the next run may make both again. \a removed keeps the nodes: the caller lets go of them once
- * it holds no lock, since their end may run code of others.
+ * Takes the backends beneath \a root off the tree for good, so that the next run may make them again. \a
+ * removed keeps the nodes: the caller lets go of them once it holds no lock, since their end may run code of
+ * others.
  */
 void RemoveBackends(Shared::Hierarchy::HierarchyNode &root,
                     QList<std::shared_ptr<Shared::Hierarchy::HierarchyNode>> &removed);

@@ -194,11 +194,9 @@ void RepositoryProviderTest::validationsOfBackendsAreForgotten()
 {
     const auto known = Validation::AttributeValidationRepository::getInstance();
     RunningRepository run;
-    QVERIFY(run.provider().getBackendProvider()->createBackend("one value", "limits", {}, CreatePoint::Done));
     const auto ofBackend = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of a backend"));
     const auto own = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of the application"));
-    QVERIFY(known->registerValidation(ofBackend) && known->registerValidation(own));
-    QVERIFY(run.provider().getRoot()->getChildById("limits")->addChild(ofBackend));
+    QVERIFY(known->registerBackendValidation(ofBackend) && known->registerValidation(own));
     run.stop();
     QCOMPARE(known->getValidationIds(), QStringList("of the application"));
     known->unregisterValidation("of the application");
