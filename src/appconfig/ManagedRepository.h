@@ -17,7 +17,7 @@ namespace Tessellum::AppConfig {
 class ManagedRepository : public Interfaces::RepositoryInterface
 {
 public:
-    /*! Serves the present run. \a lock is the library's and is not owned; the caller may hold it. */
+    /*! \a lock is the library's and is not owned. */
     ManagedRepository(const std::shared_ptr<Shared::Localization::LocalizationInterface> &localization,
                       QReadWriteLock *lock);
     ~ManagedRepository() override;
@@ -43,7 +43,6 @@ public:
 
 private:
     QReadWriteLock *lock;
-    std::weak_ptr<const void> run; ///< lives as long as the providers do
     std::shared_ptr<Interfaces::AttributesQueryInterface> query;
     std::shared_ptr<Interfaces::AttributesManipulationInterface> manipulation;
     std::shared_ptr<Interfaces::RepositoryBackendInterface> backends;

@@ -3,6 +3,7 @@
 #include <shared/synchronization/Singleton.h>
 #include <shared/TessellumExport.h>
 
+#include <QDeadlineTimer>
 #include <QMutex>
 #include <QThread>
 
@@ -15,8 +16,7 @@ namespace Tessellum::Core {
  * Owns the event thread of the repositories, on which their nodes live and take queued signals. The thread
  * starts at first use and again at the next use after quitAndJoin(). Any thread may call.
  *
- * Lock: guards start and end of the thread; held while the thread ends, never while its events run foreign
- * code for a caller.
+ * Lock: guards start and end of the thread; it is not held while the thread ends.
  */
 class TESSELLUM_EXPORT RepositoryHierarchyThreadProvider
     : public Shared::Singleton<RepositoryHierarchyThreadProvider>
@@ -47,9 +47,12 @@ protected:
     ~RepositoryHierarchyThreadProvider() override;
 
 private:
-    bool waitForRound(int milliseconds);
+    enum class State { Ended, Running, Ending };
+    bool waitForRound(const QDeadlineTimer &deadline);
 
     QMutex m_mutex;
+    std::atomic<State> m_state = State::Ended; // changed under the mutex
+    bool m_wantedAgain = false; // somebody asked for the thread while it was ending
     const std::unique_ptr<QThread> m_thread;
     const std::unique_ptr<QObject> m_marker; // lives on the event thread and takes the marks of barrier()
 };

@@ -91,7 +91,8 @@ public:
     static int MinimumThreadCount();
     /*! The most threads of a task pool: the larger of 8 and MinimumThreadCount(). */
     static int MaximumThreadCount();
-    /*! The pool for which the calling thread runs something, or null. */
+    /*! The pool whose thread the calling thread is, or null; not null means that a stop must not wait here.
+     */
     static ThreadPool *Current();
 
 protected:
@@ -105,17 +106,19 @@ protected:
             this, std::move(runnable), std::move(observer), m_counter));
     }
 
-    /*! How many of \a wanted further threads the system would give now: it starts them for a moment. */
-    static int ProbeThreads(int wanted);
+    /*! Raises the maximum from \a current to \a wanted, or by as many threads as the system gives now. */
+    void raiseMaxThreadCount(int current, int wanted);
 
     const std::shared_ptr<utils::RunnableCounter> m_counter;
     utils::RunnableTracker m_runnables;
 
 private:
-    template <class Task>
-    std::shared_ptr<typename Task::ObserverType> startTask(std::unique_ptr<Task> task);
+    template <class Task, class Factory, class... Arguments>
+    std::shared_ptr<typename Task::ObserverType> startTask(const Factory &factory,
+                                                           const Arguments &...arguments);
     bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
     int wantedThreadCountLocked(int current);
+    static int ProbeThreads(int wanted);
 
     QElapsedTimer m_idleTimer;
     const QString m_name;

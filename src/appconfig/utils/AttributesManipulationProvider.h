@@ -2,7 +2,6 @@
 
 #include <appconfig/interfaces/AttributesManipulationInterface.h>
 #include <appconfig/InternalSettingsProvider.h>
-#include <appconfig/utils/SynchronousResult.h>
 #include <notification/Observer.h>
 #include <notification/ThreadPool.h>
 #include <shared/hierarchy/HierarchyNode.h>
@@ -30,7 +29,7 @@ public:
                                                const Notification::UpdatePoint &waitPoint) override;
     bool deleteAttribute(const QString &path, const Notification::DeletePoint &waitPoint) override;
 
-    /*! Null: the task cannot be started, or \a data is missing. */
+    /*! Null: cannot start. */
     std::shared_ptr<Notification::CreateObserver>
     startCreateAttribute(const QString &path, const QVariant &value,
                          const Notification::CreatePoint &waitPoint, int access);
@@ -39,6 +38,12 @@ public:
                          const Notification::CreatePoint &waitPoint, int access);
     /*! Starts the create of what an update found missing, if the settings ask for it; null otherwise. */
     std::shared_ptr<Notification::CreateObserver> startAutomaticCreate(const QString &path);
+    /*! What came of the start of an update: an observer, or the result at once. */
+    struct StartedUpdate
+    {
+        std::shared_ptr<Notification::UpdateObserver> observer;
+        bool nodeFound = false;
+    };
     StartedUpdate startUpdateAttribute(const QString &path, const QVariant &value,
                                        const Notification::UpdatePoint &waitPoint);
     std::shared_ptr<Notification::DeleteObserver>

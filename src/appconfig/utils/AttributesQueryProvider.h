@@ -1,7 +1,6 @@
 #pragma once
 
 #include <appconfig/interfaces/AttributesQueryInterface.h>
-#include <appconfig/utils/ValueConversion.h>
 #include <shared/hierarchy/HierarchyNode.h>
 
 namespace Tessellum::AppConfig::Attributes {
@@ -29,14 +28,5 @@ public:
 private:
     std::shared_ptr<Shared::Hierarchy::HierarchyNode> root;
 };
-
-/*!
- * Reads \a attribute once, so that the test for a value and the value told are of the same state, and
- * converts to \a metaType unless it is 0; a text becomes a number under \a localization (may be empty).
- * False: no read access, no valid value, or no conversion.
- */
-bool ReadAttributeValue(const Attributes::Attribute &attribute,
-                        const std::shared_ptr<Core::CoreLocalizationInterface> &localization, QVariant &out,
-                        int metaType);
 
 } // namespace Tessellum::AppConfig::utils

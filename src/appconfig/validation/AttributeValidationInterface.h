@@ -34,5 +34,3 @@ public:
 };
 
 } // namespace Tessellum::AppConfig::Validation
-
-Q_DECLARE_METATYPE(Tessellum::AppConfig::Validation::ValidationResult)

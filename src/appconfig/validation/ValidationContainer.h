@@ -32,7 +32,7 @@ public:
 private:
     struct Content;
     Content *contentIfMade() const;
-    Content &contentMade() const;
+    Content &content() const;
 
     mutable std::atomic<Content *> made{nullptr};
 };

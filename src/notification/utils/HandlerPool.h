@@ -3,8 +3,11 @@
 #include <notification/ThreadPool.h>
 #include <notification/utils/HandlerRunnable.h>
 
-#include <condition_variable>
-#include <mutex>
+#include <QMutex>
+#include <QWaitCondition>
+
+#include <atomic>
+#include <memory>
 #include <thread>
 
 namespace Tessellum::Notification::utils {
@@ -47,18 +50,19 @@ protected:
     void adjustThreadCount() override;
 
 private:
+    using EndFlag = std::shared_ptr<std::atomic<bool>>;
+
     void watch();
-    void startWatching();
     void endWatching();
-    void watchQueue();
-    bool waitForNextLook(std::unique_lock<std::mutex> &lock, int &idleLooks);
+    void watchQueue(const std::atomic<bool> &end);
+    void restUntilNeeded(const std::atomic<bool> &end);
     void growIfBlocked(quint32 begunBefore);
 
-    std::mutex m_watchMutex;
-    std::condition_variable m_watchCondition;
+    QMutex m_watchMutex;
+    QWaitCondition m_watchCondition;
     std::thread m_watcher;
-    bool m_endWatching = false;
-    std::atomic<bool> m_watching = false;
+    EndFlag m_endWatcher; // of the present watching thread
+    std::atomic<bool> m_watching = false; // false while that thread rests or there is none
 };
 
 } // namespace Tessellum::Notification::utils

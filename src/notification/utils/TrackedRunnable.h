@@ -14,6 +14,7 @@
 namespace Tessellum::Notification::utils {
 
 class RunnableTracker;
+struct ChainDeleter;
 
 /*! The number of runnables that are created and not yet begun, and how many have begun since ever. */
 struct RunnableCounter
@@ -45,6 +46,7 @@ protected:
 
 private:
     friend class RunnableTracker;
+    friend struct ChainDeleter;
 
     std::shared_ptr<ObserverCore> m_observer;
     std::shared_ptr<RunnableCounter> m_counter;
@@ -101,6 +103,7 @@ private:
 
     mutable QMutex m_mutex;
     QWaitCondition m_nothingUnfinished;
+    int m_waiting = 0; // threads that wait for that
     TrackedRunnable *m_first = nullptr;
     TrackedRunnable *m_last = nullptr;
     TrackedRunnable *m_finished = nullptr;

@@ -60,8 +60,7 @@ QList<std::shared_ptr<Node>> withDescendants(QList<std::shared_ptr<Node>> nodes)
 
 QStringView firstElement(const QString &path)
 {
-    static const QChar separator = HierarchyNode::GetHierarchyNodePathSeparator().at(0);
-    const int end = path.indexOf(separator);
+    const int end = path.indexOf(HierarchyNode::GetHierarchyNodePathSeparator());
     return end < 0 ? QStringView(path) : QStringView(path).left(end);
 }
 
@@ -200,8 +199,7 @@ bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node,
         warnAboutExisting(instance->nodeId);
         return false;
     }
-    const std::shared_ptr<HierarchyNode> me = self();
-    bool added = me && node->setParent(me, false);
+    bool added = node->setParent(self(), false);
     if (added && !hasChild(node, nullptr))
         added = enterAndNotify(node, *instance);
     if (index) {
@@ -273,7 +271,7 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
     }
     if (oldParent)
         leave(*oldParent);
-    if (target && !askForEntry(*target, keepAlive)) {
+    if (target && !askForEntry(*target)) {
         unlink(target);
         taken = false;
     }
@@ -282,11 +280,10 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
     return taken;
 }
 
-bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target,
-                                        const std::shared_ptr<HierarchyNode> &me) const
+bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target)
 {
     const QScopedValueRollback<const HierarchyNodeInstance *> asking(nodeAskingForEntry, this);
-    return target.addChild(me, nullptr);
+    return target.addChild(self(), nullptr);
 }
 
 std::shared_ptr<HierarchyNode> HierarchyNodeInstance::getChildById(const QString &childId)
@@ -332,12 +329,10 @@ bool HierarchyNodeInstance::isValidId(const QString &childId) const
     return childNodes && childNodes->find(childId);
 }
 
-// Expects the lock of \a node or the mutex of the shape. Compares without an owner of the other parent: the
-// last one would destroy it under the lock.
+// Expects the lock of \a node, or bears that the answer is old.
 bool HierarchyNodeInstance::isParentOf(const HierarchyNodeInstance &node) const
 {
-    const std::weak_ptr<const HierarchyNode> me = weak_from_this();
-    return !me.owner_before(node.parentNode) && !node.parentNode.owner_before(me);
+    return node.parentNode.lock().get() == this;
 }
 
 // Points this node, and its path if it is made, to another parent.

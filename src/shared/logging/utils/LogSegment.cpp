@@ -10,45 +10,43 @@ namespace {
 // The last process to detach removes a segment; one that comes in between finds it gone and tries again.
 constexpr int attempts = 20;
 
-/// The system's name of what QSharedMemory finds under a key. Under that name it takes no lock of its own.
-QString NativeKey(const QString &key)
+bool IsDenied(const QSharedMemory &memory)
 {
-    return QSharedMemory(key).nativeKey();
+    return memory.error() == QSharedMemory::PermissionDenied || memory.error() == QSharedMemory::LockError;
 }
 
 } // namespace
 
 LogSegment::LogSegment(const QString &key_)
     : key(key_)
+    , memory(std::make_unique<QSharedMemory>(key_))
 { }
 
 bool LogSegment::open()
 {
-    bool opened = attachOrCreate(key);
-    if (!opened && memory.error() == QSharedMemory::PermissionDenied)
-        opened = attachOrCreate(key + Foundation::Platform::UserKeySuffix());
-    return opened && memory.size() >= int(sizeof(SegmentRecord));
+    bool opened = attachOrCreate();
+    if (!opened && IsDenied(*memory)) {
+        memory = std::make_unique<QSharedMemory>(key + Foundation::Platform::UserKeySuffix());
+        opened = attachOrCreate();
+    }
+    return opened && memory->size() >= int(sizeof(SegmentRecord));
 }
 
-bool LogSegment::close()
+void LogSegment::close()
 {
-    const QString name = memory.nativeKey();
-    memory.detach();
-    QSharedMemory others;
-    others.setNativeKey(name);
-    return !others.attach(QSharedMemory::ReadOnly);
+    memory.reset();
 }
 
-bool LogSegment::attachOrCreate(const QString &name)
+bool LogSegment::attachOrCreate()
 {
-    memory.setNativeKey(NativeKey(name));
+    // Both lock the segment themselves, so the caller's lock comes afterwards.
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        if (memory.attach(QSharedMemory::ReadWrite))
+        if (memory->attach(QSharedMemory::ReadWrite))
             return true;
-        if (memory.error() == QSharedMemory::NotFound
-            && memory.create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
+        if (memory->error() == QSharedMemory::NotFound
+            && memory->create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
             return true;
-        if (memory.error() == QSharedMemory::PermissionDenied)
+        if (IsDenied(*memory))
             return false;
     }
     return false;
@@ -57,13 +55,13 @@ bool LogSegment::attachOrCreate(const QString &name)
 SegmentRecord LogSegment::read() const
 {
     SegmentRecord record;
-    std::memcpy(&record, memory.constData(), sizeof(record));
+    std::memcpy(&record, memory->constData(), sizeof(record));
     return record;
 }
 
 void LogSegment::write(const SegmentRecord &record)
 {
-    std::memcpy(memory.data(), &record, sizeof(record));
+    std::memcpy(memory->data(), &record, sizeof(record));
 }
 
 } // namespace Shared::Logging::utils

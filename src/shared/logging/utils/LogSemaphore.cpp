@@ -3,32 +3,39 @@
 
 namespace Shared::Logging::utils {
 
+namespace {
+
+// The process that made the semaphore removes it at its end; who waits then finds it gone and makes a new
+// one, which fails for moments while several do so at once.
+constexpr int attempts = 20;
+
+} // namespace
+
 LogSemaphore::LogSemaphore(const QString &key_)
     : key(key_)
-    , semaphore(key_)
+    , semaphore(std::make_unique<QSystemSemaphore>(key_, 1, QSystemSemaphore::Open))
 { }
 
-bool LogSemaphore::acquire(std::chrono::milliseconds timeout)
+bool LogSemaphore::acquire()
 {
-    while (!absent) {
-        const SystemSemaphore::Result result = semaphore.acquire(timeout);
-        if (result != SystemSemaphore::Result::Denied)
-            return result == SystemSemaphore::Result::Acquired;
-        fallBack();
+    for (int attempt = 0; attempt < attempts && semaphore; ++attempt) {
+        if (absent || semaphore->acquire())
+            return true;
+        if (semaphore->error() == QSystemSemaphore::PermissionDenied)
+            fallBack();
     }
-    return true;
+    return false;
 }
 
 void LogSemaphore::release()
 {
-    if (!absent)
-        semaphore.release();
+    if (semaphore && !absent)
+        semaphore->release();
 }
 
-void LogSemaphore::remove()
+void LogSemaphore::close()
 {
-    if (!absent)
-        semaphore.remove();
+    semaphore.reset();
 }
 
 void LogSemaphore::fallBack()
@@ -37,7 +44,8 @@ void LogSemaphore::fallBack()
         absent = true;
     } else {
         ownName = true;
-        semaphore = SystemSemaphore(key + Foundation::Platform::UserKeySuffix());
+        semaphore = std::make_unique<QSystemSemaphore>(key + Foundation::Platform::UserKeySuffix(), 1,
+                                                       QSystemSemaphore::Open);
     }
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <shared/foundation/platform/SystemSemaphore.h>
-
 #include <QString>
+#include <QSystemSemaphore>
 
-#include <chrono>
+#include <memory>
 
 namespace Shared::Logging::utils {
 
@@ -18,19 +17,17 @@ class LogSemaphore
 public:
     explicit LogSemaphore(const QString &key);
 
-    /// False when the system refuses, or when the time is over.
-    bool acquire(std::chrono::milliseconds timeout = std::chrono::milliseconds::max());
+    /// False when the system refuses.
+    bool acquire();
     void release();
-    /// Takes the semaphore from the system; other processes make a new one.
-    void remove();
+    /// Gives the semaphore back to the system; acquire() fails from now on.
+    void close();
 
 private:
-    using SystemSemaphore = Foundation::Platform::SystemSemaphore;
-
     void fallBack();
 
     QString key;
-    SystemSemaphore semaphore;
+    std::unique_ptr<QSystemSemaphore> semaphore;
     bool ownName = false; ///< the name with the user's number is in use
     bool absent = false; ///< not even that one
 };

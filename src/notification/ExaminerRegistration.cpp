@@ -1,0 +1,158 @@
+#include "ExaminerRegistration.h"
+
+#include <shared/foundation/StringHelpers.h>
+
+#include <utility>
+
+namespace Tessellum::Notification {
+
+namespace {
+
+constexpr int ExactSearch = 2;
+
+} // namespace
+
+template <class Point>
+ExaminerRegistration<Point>::ExaminerRegistration(PointMatcher pointMatches)
+    : m_pointMatches(std::move(pointMatches))
+{ }
+
+template <class Point>
+ExaminerRegistration<Point>::~ExaminerRegistration() = default;
+
+template <class Point>
+int ExaminerRegistration<Point>::registerEventHandler(
+    const std::shared_ptr<utils::WrappedNotificationHandle> &handle, const Point &point)
+{
+    const auto inner = handle ? handle->getHandle() : nullptr;
+    if (!inner)
+        return 0;
+    const QString path = inner->getPath();
+
+    const QWriteLocker locker(&m_lock);
+    std::shared_ptr<Examiner> examiner = findLocked(path, point);
+    if (!examiner)
+        examiner = std::make_shared<Examiner>();
+    if (!examiner->addConnection(handle))
+        return 0;
+    m_byHandle.insert(inner->getUuid(), {examiner, path, point});
+    enterLocked(path, point, examiner);
+    m_size.store(m_byHandle.size(), std::memory_order_release);
+    return 1;
+}
+
+template <class Point>
+bool ExaminerRegistration<Point>::unregisterEventHandler(const QString &uuid)
+{
+    QList<Registration> registrations;
+    QList<std::shared_ptr<ExaminerConnection>>
+        connections; // these end behind the lock, with a line in the log
+    bool allRemoved = true;
+    {
+        const QWriteLocker locker(&m_lock);
+        registrations = m_byHandle.values(uuid);
+        m_byHandle.remove(uuid);
+        for (const Registration &registration : qAsConst(registrations)) {
+            connections.append(registration.examiner->takeConnection(uuid));
+            allRemoved = allRemoved && connections.last();
+            if (registration.examiner->isEmpty())
+                removeLocked(registration.path, registration.point);
+        }
+        m_size.store(m_byHandle.size(), std::memory_order_release);
+    }
+    for (const auto &connection : qAsConst(connections)) {
+        const auto handle = connection ? connection->getHandle() : nullptr;
+        if (handle)
+            handle->invalidateWithoutWaiting();
+    }
+    return allRemoved && !registrations.isEmpty();
+}
+
+template <class Point>
+typename ExaminerRegistration<Point>::Examiners
+ExaminerRegistration<Point>::getExaminers(const QString &path, const Point &point, int mode)
+{
+    Examiners found;
+    Stale stale;
+    if (isEmpty())
+        return found;
+    {
+        const QReadLocker locker(&m_lock);
+        collectLocked(m_exactPaths, path, point, found, stale);
+        if (mode == ExactSearch) {
+            collectLocked(m_wildcardPaths, path, point, found, stale);
+        } else {
+            const QStringList patterns = m_wildcards.findMatching(path);
+            for (const QString &pattern : patterns)
+                collectLocked(m_wildcardPaths, pattern, point, found, stale);
+        }
+    }
+    if (!stale.isEmpty())
+        removeExpired(stale);
+    return found;
+}
+
+template <class Point>
+void ExaminerRegistration<Point>::collectLocked(const PathTable &table, const QString &path,
+                                                const Point &point, Examiners &found, Stale &stale) const
+{
+    const auto points = table.constFind(path);
+    if (points == table.cend())
+        return;
+    for (auto entry = points->cbegin(); entry != points->cend(); ++entry) {
+        if (!m_pointMatches(entry.key(), point))
+            continue;
+        if (auto examiner = entry->lock())
+            found.append(std::move(examiner));
+        else
+            stale.append({points.key(), entry.key()});
+    }
+}
+
+template <class Point>
+std::shared_ptr<Examiner> ExaminerRegistration<Point>::findLocked(const QString &path,
+                                                                  const Point &point) const
+{
+    const PathTable &table = Shared::IsWildcardString(path) ? m_wildcardPaths : m_exactPaths;
+    return table.value(path).value(point).lock();
+}
+
+template <class Point>
+void ExaminerRegistration<Point>::enterLocked(const QString &path, const Point &point,
+                                              const std::shared_ptr<Examiner> &examiner)
+{
+    const bool isWildcard = Shared::IsWildcardString(path);
+    auto &points = (isWildcard ? m_wildcardPaths : m_exactPaths)[path];
+    if (isWildcard && points.isEmpty())
+        m_wildcards.add(path);
+    points.insert(point, examiner);
+}
+
+template <class Point>
+void ExaminerRegistration<Point>::removeLocked(const QString &path, const Point &point)
+{
+    const bool isWildcard = Shared::IsWildcardString(path);
+    PathTable &table = isWildcard ? m_wildcardPaths : m_exactPaths;
+    const auto points = table.find(path);
+    if (points == table.end() || points->remove(point) == 0 || !points->isEmpty())
+        return;
+    table.erase(points);
+    if (isWildcard)
+        m_wildcards.remove(path);
+}
+
+template <class Point>
+void ExaminerRegistration<Point>::removeExpired(const Stale &stale)
+{
+    const QWriteLocker locker(&m_lock);
+    for (const auto &[path, point] : stale) {
+        if (!findLocked(path, point)) // somebody may have registered there meanwhile
+            removeLocked(path, point);
+    }
+}
+
+template class ExaminerRegistration<CreatePoint>;
+template class ExaminerRegistration<UpdatePoint>;
+template class ExaminerRegistration<DeletePoint>;
+
+} // namespace Tessellum::Notification
