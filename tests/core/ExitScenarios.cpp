@@ -1,0 +1,90 @@
+// A program that ends in one of the ways in which an application may end without, or too late for, a stop.
+
+#include <core/Library.h>
+
+#include <QCoreApplication>
+#include <QSemaphore>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Tessellum;
+
+namespace {
+
+/*! An application's static object that stops the library from its destructor. */
+class LateStop
+{
+public:
+    ~LateStop()
+    {
+        if (wanted)
+            std::printf("late stop %d\n", uninitializeLibrary());
+    }
+    bool wanted = false;
+};
+
+LateStop lateStop;
+
+std::shared_ptr<Notification::Interfaces::NotificationHandleInterface> handle;
+
+void callOnHandlerThread(const std::function<void()> &function)
+{
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    handle = repository->getNotificationInterface()->registerCreateHandler(
+        QStringLiteral("a"),
+        [function](const QString &, const Notification::CreatePoint &, const bool &) { function(); },
+        Notification::CreatePoint::Done);
+    repository->getManipulationInterface()->createAttribute(QStringLiteral("a"), 1,
+                                                            Notification::CreatePoint::Done, 3);
+}
+
+int runForkBeforeStart()
+{
+    const pid_t child = fork();
+    const bool ok = initializeLibrary() == 0 && uninitializeLibrary() == 1;
+    if (child == 0)
+        return ok ? 0 : 1;
+    int status = 0;
+    waitpid(child, &status, 0);
+    return ok && WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const char *const scenario = argc > 1 ? argv[1] : "";
+    if (std::strcmp(scenario, "no-application") == 0)
+        return initializeLibrary() == 0 && uninitializeLibrary() == 1 && initializeLibrary() == 0 ? 0 : 1;
+    QCoreApplication application(argc, argv);
+    if (std::strcmp(scenario, "fork-before-start") == 0)
+        return runForkBeforeStart();
+    if (initializeLibrary() != 0)
+        return 1;
+    if (std::strcmp(scenario, "no-stop") == 0)
+        return 0;
+    if (std::strcmp(scenario, "late-stop") == 0) {
+        lateStop.wanted = true;
+        return 0;
+    }
+    if (std::strcmp(scenario, "exit-in-handler") == 0) {
+        callOnHandlerThread([] { std::exit(0); });
+        QSemaphore never;
+        never.acquire();
+    }
+    if (std::strcmp(scenario, "endless-handler") == 0) {
+        QSemaphore running;
+        callOnHandlerThread([&running] {
+            running.release();
+            for (;;)
+                pause();
+        });
+        running.acquire();
+        return 0;
+    }
+    return 1;
+}

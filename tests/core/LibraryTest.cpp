@@ -1,0 +1,223 @@
+#include <appconfig/utils/RepositoryProvider.h>
+#include <core/Library.h>
+#include <core/utils/StartFault.h>
+#include <shared/hierarchy/HierarchyNode.h>
+#include <shared/logging/LogHandler.h>
+
+#include <QMutex>
+#include <QSemaphore>
+#include <QtTest>
+
+#include <atomic>
+#include <thread>
+
+using namespace Tessellum;
+
+namespace {
+
+std::atomic<bool> startFault{false};
+
+QStringList pathsBeneath(const std::shared_ptr<const Shared::Hierarchy::HierarchyNode> &node)
+{
+    QStringList lines;
+    for (const auto &child : node->getChildren(true)) {
+        QVariant value;
+        if (const auto attribute = std::dynamic_pointer_cast<const AppConfig::Attributes::Attribute>(child))
+            attribute->getValue(value, 0);
+        lines.append(child->getNodePath()->getFullPath() + QLatin1Char('=') + value.toString());
+    }
+    lines.sort();
+    return lines;
+}
+
+/*! The internal tree once the texts of the lists have followed their elements. */
+QStringList settledInternalTree()
+{
+    auto *const provider = AppConfig::utils::RepositoryProvider::getInstance();
+    provider->getThreadPool().waitForDone(30000);
+    return pathsBeneath(provider->getInternalRoot());
+}
+
+} // namespace
+
+// Takes the place of the library's own switch, which is always off.
+bool Core::utils::IsStartFaultRequested()
+{
+    return startFault;
+}
+
+/*! The exported functions: their exact results, and the tree that a start leaves. */
+class LibraryTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void cleanup() { uninitializeLibrary(); }
+
+    void resultsOfStartAndStop();
+    void localesAndHash();
+    void internalTree();
+    void everyStartGivesTheSameTree();
+    void failedStart();
+    void stopInsideHandlerIsRefused();
+    void threadsRace();
+};
+
+void LibraryTest::resultsOfStartAndStop()
+{
+    QCOMPARE(uninitializeLibrary(), 0);
+    QVERIFY(!getCoreInterface());
+    QCOMPARE(initializeLibrary(), 0);
+    QCOMPARE(initializeLibrary(), 1);
+    Core::CoreInterface *const core = getCoreInterface();
+    QVERIFY(core);
+    QVERIFY(core->getAppConfigRepository());
+    Core::CoreInterface *seenByOtherThread = nullptr;
+    std::thread([&] { seenByOtherThread = getCoreInterface(); }).join();
+    QCOMPARE(seenByOtherThread, core);
+    QCOMPARE(uninitializeLibrary(), 1);
+    QVERIFY(!getCoreInterface());
+    QVERIFY(!core->getAppConfigRepository());
+    QCOMPARE(uninitializeLibrary(), 0);
+}
+
+void LibraryTest::localesAndHash()
+{
+    QString hash;
+    QVERIFY(!getLibraryHash(nullptr));
+    QVERIFY(getLibraryHash(&hash));
+    QCOMPARE(hash, QStringLiteral("7b1f3c9a5e2d4860c1a7f0e93b6d28547fa9c3e1026bd8f45a7e1c390d6b4f28"));
+
+    std::weak_ptr<Core::CoreLocalizationInterface> locales;
+    QVERIFY(!getLocalizationInterface(locales));
+    QCOMPARE(initializeLibrary(), 0);
+    QVERIFY(getLocalizationInterface(locales));
+    QCOMPARE(locales.lock()->defaultLocale(), QLocale(QLocale::C, QLocale::AnyCountry));
+    QVERIFY(!locales.lock()->isLocaleRegistered(locales.lock()->defaultLocale()));
+}
+
+void LibraryTest::internalTree()
+{
+    QCOMPARE(initializeLibrary(), 0);
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    const auto query = std::const_pointer_cast<const AppConfig::Interfaces::AttributesQueryInterface>(
+        repository->getQueryInterface());
+    const auto read = [&](const QString &path) {
+        QVariant value;
+        const auto attribute = query->getAttribute(QStringLiteral("internal.") + path);
+        return attribute && attribute->getValue(value, 0) ? value : QVariant();
+    };
+    QCOMPARE(read(QStringLiteral("repository.update_threads")), QVariant(QThread::idealThreadCount()));
+    QCOMPARE(read(QStringLiteral("repository.automatic_create_through_updates")), QVariant(true));
+    QCOMPARE(read(QStringLiteral("repository.path_separator")), QVariant(QStringLiteral(".")));
+    QCOMPARE(read(QStringLiteral("repository.list_separators")), QVariant(QStringLiteral(";")));
+    QCOMPARE(read(QStringLiteral("repository.names_ignore_case")), QVariant(true));
+    QCOMPARE(read(QStringLiteral("repository.library_hash")).toString().size(), 64);
+    QCOMPARE(read(QStringLiteral("types.backends.json")), QVariant(QStringLiteral("Backend: json")));
+    QCOMPARE(read(QStringLiteral("types.validations.limit_int")),
+             QVariant(QStringLiteral("Validation: limit_int")));
+    const int number = QMetaType::type("Tessellum::Notification::CreateObserver::ResultType");
+    QCOMPARE(read(QStringLiteral("metatypes.repository.%1").arg(number)),
+             QVariant(QStringLiteral("Tessellum::Notification::CreateObserver::ResultType")));
+    QTRY_COMPARE(read(QStringLiteral("types.backends"))
+                     .toString()
+                     .split(QLatin1Char(';'))
+                     .contains(QStringLiteral("json")),
+                 true);
+
+    // Only reading passes the link.
+    QVERIFY(!repository->getQueryInterface()->getAttribute(
+        QStringLiteral("internal.repository.list_separators")));
+    QVERIFY(!repository->getManipulationInterface()->createAttribute(QStringLiteral("internal.x"), 1,
+                                                                     Notification::CreatePoint::Done, 3));
+    QVERIFY(!repository->getManipulationInterface()->deleteAttribute(QStringLiteral("internal"),
+                                                                     Notification::DeletePoint::Done));
+}
+
+void LibraryTest::everyStartGivesTheSameTree()
+{
+    QCOMPARE(initializeLibrary(), 0);
+    const QStringList first = settledInternalTree();
+    QVERIFY(first.size() > 30);
+    for (int i = 0; i < 20; ++i) {
+        QCOMPARE(uninitializeLibrary(), 1);
+        QCOMPARE(initializeLibrary(), 0);
+        QCOMPARE(settledInternalTree(), first);
+    }
+}
+
+void LibraryTest::failedStart()
+{
+    QCOMPARE(initializeLibrary(), 0);
+    const QStringList expected = settledInternalTree();
+    QCOMPARE(uninitializeLibrary(), 1);
+
+    startFault = true;
+    QCOMPARE(initializeLibrary(), -1);
+    QCOMPARE(uninitializeLibrary(), 0);
+    QVERIFY(!getCoreInterface());
+    startFault = false;
+    QCOMPARE(initializeLibrary(), 0);
+    QCOMPARE(settledInternalTree(), expected);
+    const auto manipulation = getCoreInterface()->getAppConfigRepository()->getManipulationInterface();
+    QVERIFY(manipulation->createAttribute(QStringLiteral("a"), 1, Notification::CreatePoint::Done, 3));
+    QCOMPARE(uninitializeLibrary(), 1);
+    QCOMPARE(initializeLibrary(), 0);
+    QCOMPARE(settledInternalTree(), expected);
+}
+
+void LibraryTest::stopInsideHandlerIsRefused()
+{
+    QCOMPARE(initializeLibrary(), 0);
+    QMutex mutex;
+    QStringList criticals;
+    const QString sink = Shared::Logging::LogHandler::RegisterMessageSink(
+        [&](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &level,
+            const QString &text) {
+            const QMutexLocker locker(&mutex);
+            if (level.getLogLevel() == Shared::Logging::LogMessageType::critical)
+                criticals.append(text);
+        });
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    std::atomic<int> result{-1};
+    QSemaphore called;
+    const auto handle = repository->getNotificationInterface()->registerCreateHandler(
+        QStringLiteral("a"),
+        [&](const QString &, const Notification::CreatePoint &, const bool &) {
+            result = uninitializeLibrary();
+            called.release();
+        },
+        Notification::CreatePoint::Done);
+    QVERIFY(repository->getManipulationInterface()->createAttribute(QStringLiteral("a"), 1,
+                                                                    Notification::CreatePoint::Done, 3));
+    QVERIFY(called.tryAcquire(1, 30000));
+    QCOMPARE(result.load(), 2);
+    QVERIFY(getCoreInterface());
+    QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
+    const QMutexLocker locker(&mutex);
+    QCOMPARE(criticals.size(), 1);
+}
+
+void LibraryTest::threadsRace()
+{
+    std::atomic<int> started{0};
+    std::atomic<int> stopped{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round) {
+                started += initializeLibrary() == 0 ? 1 : 0;
+                if (Core::CoreInterface *const core = getCoreInterface())
+                    core->getAppConfigRepository();
+                stopped += uninitializeLibrary() == 1 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    const int last = uninitializeLibrary();
+    QCOMPARE(stopped + last, started.load());
+    QVERIFY(started > 0);
+}
+
+QTEST_GUILESS_MAIN(LibraryTest)
+#include "LibraryTest.moc"

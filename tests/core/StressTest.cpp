@@ -1,0 +1,189 @@
+#include "core/StressWorker.h"
+
+#include <appconfig/utils/RepositoryProvider.h>
+#include <core/Library.h>
+#include <notification/NotificationThreadPool.h>
+#include <shared/logging/LogHandler.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cstdlib>
+#include <thread>
+
+using namespace Tessellum;
+
+namespace {
+
+constexpr int workerCount = 8;
+
+/*! Ends the process with a message if the test does not come on for a minute. */
+class Watchdog
+{
+public:
+    Watchdog()
+        : thread([this] { watch(); })
+    { }
+    ~Watchdog()
+    {
+        ended.release();
+        thread.join();
+    }
+    Q_DISABLE_COPY_MOVE(Watchdog)
+
+    void progress(const char *where)
+    {
+        place = where;
+        ++steps;
+    }
+
+private:
+    void watch()
+    {
+        constexpr int longestStepMs = 60000;
+        for (int seen = steps; !ended.tryAcquire(1, longestStepMs); seen = steps) {
+            if (seen == steps) {
+                fprintf(stderr, "StressTest hangs after: %s\n", place.load());
+                std::abort();
+            }
+        }
+    }
+
+    std::atomic<const char *> place{"begin"};
+    std::atomic<int> steps{0};
+    QSemaphore ended;
+    std::thread thread;
+};
+
+int stressSeconds()
+{
+    bool ok = false;
+    const int seconds = qEnvironmentVariableIntValue("TESSELLUM_STRESS_SECONDS", &ok);
+    return ok ? seconds : 5;
+}
+
+} // namespace
+
+/*! Eight threads do everything at once, with starts and stops in between; nothing hangs and nothing is lost.
+ */
+class StressTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void everythingAtOnce();
+
+private:
+    bool startRun();
+    void compare();
+
+    QTemporaryDir folder;
+    StressRecord record;
+    QVector<std::shared_ptr<StressWorker>> workers;
+};
+
+bool StressTest::startRun()
+{
+    if (initializeLibrary() != 0)
+        return false;
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    const auto backends = repository->getBackendInterface();
+    AppConfig::Backends::BackendCreateDataDetails file;
+    file.data = folder.filePath(QStringLiteral("stress.json"));
+    AppConfig::Backends::BackendCreateDataDetails limits;
+    limits.data = folder.filePath(QStringLiteral("limits.ini"));
+    bool ok = backends->createBackend(QStringLiteral("memory"), QStringLiteral("stress"), {},
+                                      Notification::CreatePoint::Done)
+        && backends->createBackend(QStringLiteral("json"), QStringLiteral("file"), file,
+                                   Notification::CreatePoint::Done)
+        && backends->createBackend(QStringLiteral("constraints"), QStringLiteral("limits"), limits,
+                                   Notification::CreatePoint::Done);
+    const auto manipulation = repository->getManipulationInterface();
+    ok = manipulation->createAttribute(QStringLiteral("stress.limited"), 0, Notification::CreatePoint::Done,
+                                       3)
+        && ok;
+    for (const auto &worker : qAsConst(workers)) {
+        worker->beginRun();
+        for (const QString &part : {QStringLiteral(".a"), QStringLiteral(".b")})
+            ok = manipulation->createAttribute(worker->prefix() + part, QVariant(),
+                                               Notification::CreatePoint::Done, 3)
+                && ok;
+    }
+    return repository->getValidationInterface()->assignValidation(QStringLiteral("stress.limited"),
+                                                                  QStringLiteral("not_negative"))
+        == 1
+        && ok;
+}
+
+void StressTest::compare()
+{
+    for (const auto &worker : qAsConst(workers))
+        worker->endHandlers();
+    AppConfig::utils::RepositoryProvider *const provider
+        = AppConfig::utils::RepositoryProvider::getInstance();
+    QVERIFY(provider->getThreadPool().waitForDone(60000));
+    QVERIFY(Notification::notificationThreadPool().waitForDone(60000));
+    QCOMPARE(record.findDifference(), QString());
+    for (const auto &worker : qAsConst(workers))
+        QCOMPARE(worker->findDifference(), QString());
+    for (const auto &[names, list] : provider->getListPatterns()) {
+        QVariant text;
+        list->getValue(text, 0);
+        QCOMPARE(text.toString(), list->getElements().join(QLatin1Char(';')));
+    }
+}
+
+void StressTest::everythingAtOnce()
+{
+    QFile limits(folder.filePath(QStringLiteral("limits.ini")));
+    QVERIFY(limits.open(QIODevice::WriteOnly));
+    limits.write("[not_negative]\nType=limit_double\nMinimum=0\n");
+    limits.close();
+
+    Watchdog watchdog;
+    StressGate gate(workerCount);
+    for (int i = 0; i < workerCount; ++i)
+        workers.append(std::make_shared<StressWorker>(i, gate, record));
+    const auto joinWorkers = qScopeGuard([&] {
+        gate.end();
+        for (const auto &worker : qAsConst(workers))
+            worker->wait();
+        workers.clear();
+        uninitializeLibrary();
+    });
+    for (const auto &worker : qAsConst(workers))
+        worker->start();
+    gate.close();
+
+    QElapsedTimer passed;
+    passed.start();
+    int runs = 0;
+    int operations = 0;
+    int heard = 0;
+    while (passed.elapsed() < stressSeconds() * 1000) {
+        QVERIFY(startRun());
+        record.clear();
+        StressWorker::stopping = false;
+        watchdog.progress("start");
+        gate.open();
+        QTest::qWait(400); // the length of a run, not a wait for a condition
+        gate.close();
+        watchdog.progress("work");
+        compare();
+        if (QTest::currentTestFailed())
+            return;
+        operations += record.operationCount();
+        heard += record.heardCount();
+        // The stop comes in the middle of the next operations.
+        StressWorker::stopping = true;
+        gate.open();
+        QCOMPARE(uninitializeLibrary(), 1);
+        gate.close();
+        watchdog.progress("stop");
+        ++runs;
+    }
+    qInfo("%d runs, %d acknowledged operations, %d notifications", runs, operations, heard);
+    QVERIFY(operations > 0 && heard > 0);
+}
+
+QTEST_GUILESS_MAIN(StressTest)
+#include "StressTest.moc"
