@@ -34,7 +34,7 @@ std::atomic<bool> structuresUp{false};
 
 bool isCalledByTaskOrHandler()
 {
-    return Notification::ThreadPool::currentPool() != nullptr;
+    return Notification::ThreadPool::Current() != nullptr;
 }
 
 bool runStart()

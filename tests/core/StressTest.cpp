@@ -121,7 +121,7 @@ void StressTest::compare()
     AppConfig::utils::RepositoryProvider *const provider
         = AppConfig::utils::RepositoryProvider::getInstance();
     QVERIFY(provider->getThreadPool().waitForDone(60000));
-    QVERIFY(Notification::notificationThreadPool().waitForDone(60000));
+    QVERIFY(Notification::NotificationThreadPool().waitForDone(60000));
     QCOMPARE(record.findDifference(), QString());
     for (const auto &worker : qAsConst(workers))
         QCOMPARE(worker->findDifference(), QString());
