@@ -146,6 +146,7 @@ void ThreadPoolTest::tasksBeginInTheirOrder()
 void ThreadPoolTest::waiterRunsItsQueuedTask()
 {
     FunctionPool pool;
+    pool.setMaxThreadCount(ThreadPool::MaximumThreadCount());
     Blockade blockade(pool, ThreadPool::MaximumThreadCount() - 1);
     QVERIFY(blockade.holds());
     Qt::HANDLE waiter = nullptr;

@@ -46,7 +46,7 @@ public:
         , m_runnable(std::move(runnable))
     { }
 
-    ~RunnableWrapper() override { endObserver(); }
+    ~RunnableWrapper() override { end(); }
 
     /*! Runs the runnable, ends the observer, deletes the runnable. May run on a thread that waits for it. */
     void run() override
@@ -55,7 +55,7 @@ public:
             const CurrentPool current(m_pool);
             begin();
             m_runnable->run(); // catches all that is thrown in it
-            endObserver();
+            end();
             m_runnable.reset();
         }
         finish();

@@ -17,22 +17,23 @@ TrackedRunnable::TrackedRunnable(std::shared_ptr<ObserverCore> observer,
     setAutoDelete(false);
 }
 
-TrackedRunnable::~TrackedRunnable()
-{
-    if (!m_begun)
-        m_counter->queued.fetch_sub(1);
-}
+TrackedRunnable::~TrackedRunnable() = default;
 
 void TrackedRunnable::begin()
 {
-    if (m_begun.exchange(true))
-        return;
-    m_counter->queued.fetch_sub(1);
+    leaveQueue();
     m_counter->begun.fetch_add(1, std::memory_order_relaxed);
 }
 
-void TrackedRunnable::endObserver()
+void TrackedRunnable::leaveQueue()
 {
+    if (!m_begun.exchange(true))
+        m_counter->queued.fetch_sub(1);
+}
+
+void TrackedRunnable::end()
+{
+    leaveQueue();
     if (m_observer)
         m_observer->end();
 }

@@ -37,16 +37,18 @@ protected:
     TrackedRunnable(std::shared_ptr<ObserverCore> observer, std::shared_ptr<RunnableCounter> counter,
                     TaskDescription description);
 
-    /*! Takes the item off the queued count; calls after the first do nothing. */
+    /*! Takes the item off the queued count: its run begins. */
     void begin();
-    /*! Ends the observer, if there is one, and lets it go. */
-    void endObserver();
+    /*! Takes the item off the queued count if it never began, and ends the observer if there is one. */
+    void end();
     /*! Moves the item to the tracker's finished ones. The item may be deleted by then. */
     void finish();
 
 private:
     friend class RunnableTracker;
     friend struct ChainDeleter;
+
+    void leaveQueue();
 
     std::shared_ptr<ObserverCore> m_observer;
     std::shared_ptr<RunnableCounter> m_counter;
