@@ -17,7 +17,7 @@ namespace Tessellum::AppConfig {
 class ManagedRepository : public Interfaces::RepositoryInterface
 {
 public:
-    /*! \a lock is the library's and is not owned. */
+    /*! Serves the present run. \a lock is the library's and is not owned; the caller may hold it. */
     ManagedRepository(const std::shared_ptr<Shared::Localization::LocalizationInterface> &localization,
                       QReadWriteLock *lock);
     ~ManagedRepository() override;
@@ -43,6 +43,7 @@ public:
 
 private:
     QReadWriteLock *lock;
+    std::weak_ptr<const void> run; ///< lives as long as the providers do
     std::shared_ptr<Interfaces::AttributesQueryInterface> query;
     std::shared_ptr<Interfaces::AttributesManipulationInterface> manipulation;
     std::shared_ptr<Interfaces::RepositoryBackendInterface> backends;

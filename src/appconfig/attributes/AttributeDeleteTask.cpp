@@ -1,7 +1,10 @@
 #include <appconfig/attributes/Attribute.h>
 #include <appconfig/attributes/AttributeDeleteTask.h>
+#include <appconfig/backends/Backend.h>
 #include <appconfig/utils/GlobalPoolJobs.h>
 #include <appconfig/utils/LiveNode.h>
+#include <appconfig/utils/RepositoryBackendProvider.h>
+#include <appconfig/utils/RepositoryProvider.h>
 #include <notification/utils/NotifyExaminers.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
@@ -11,6 +14,24 @@ using Notification::DeleteObserver;
 using Notification::DeletePoint;
 using Shared::Hierarchy::HierarchyNode;
 using NodePtr = std::shared_ptr<HierarchyNode>;
+
+namespace {
+
+/*! Takes a node off the tree, and the name of a backend off the list of names. */
+void markForDeletion(HierarchyNode &node)
+{
+    if (auto *const attribute = dynamic_cast<Attribute *>(&node)) {
+        attribute->markForDeletion();
+        return;
+    }
+    const auto *const backend = dynamic_cast<Backends::Backend *>(&node);
+    const auto backends = AppConfig::utils::RepositoryProvider::getInstance()->getBackendProvider();
+    if (backend && backends)
+        backends->forgetBackend(*backend);
+    node.setDeleteFlag();
+}
+
+} // namespace
 
 AttributeDeleteTask::AttributeDeleteTask(Notification::ThreadPool &taskPool, const Examiners &deleteExaminer,
                                          const std::weak_ptr<HierarchyNode> &node, const QString &taskPath,
@@ -29,10 +50,7 @@ DeleteObserver::ResultType AttributeDeleteTask::runDelete()
     observer->report({DeletePoint::Begin, node != nullptr});
     if (!node)
         return observer->getResult();
-    if (const auto attribute = std::dynamic_pointer_cast<Attribute>(node))
-        attribute->markForDeletion();
-    else
-        node->setDeleteFlag();
+    markForDeletion(*node);
     // Not before the mark: whoever hangs a child beneath the node later sees it, and knows that it came too
     // late.
     startDeletionOfChildren(node);

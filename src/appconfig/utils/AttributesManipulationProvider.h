@@ -2,6 +2,7 @@
 
 #include <appconfig/interfaces/AttributesManipulationInterface.h>
 #include <appconfig/InternalSettingsProvider.h>
+#include <appconfig/utils/SynchronousResult.h>
 #include <notification/Observer.h>
 #include <notification/ThreadPool.h>
 #include <shared/hierarchy/HierarchyNode.h>
@@ -29,7 +30,7 @@ public:
                                                const Notification::UpdatePoint &waitPoint) override;
     bool deleteAttribute(const QString &path, const Notification::DeletePoint &waitPoint) override;
 
-    /*! Null: cannot start. */
+    /*! Null: the task cannot be started, or \a data is missing. */
     std::shared_ptr<Notification::CreateObserver>
     startCreateAttribute(const QString &path, const QVariant &value,
                          const Notification::CreatePoint &waitPoint, int access);
@@ -38,12 +39,6 @@ public:
                          const Notification::CreatePoint &waitPoint, int access);
     /*! Starts the create of what an update found missing, if the settings ask for it; null otherwise. */
     std::shared_ptr<Notification::CreateObserver> startAutomaticCreate(const QString &path);
-    /*! What came of the start of an update: an observer, or the result at once. */
-    struct StartedUpdate
-    {
-        std::shared_ptr<Notification::UpdateObserver> observer;
-        bool nodeFound = false;
-    };
     StartedUpdate startUpdateAttribute(const QString &path, const QVariant &value,
                                        const Notification::UpdatePoint &waitPoint);
     std::shared_ptr<Notification::DeleteObserver>

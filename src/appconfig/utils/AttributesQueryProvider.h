@@ -1,6 +1,7 @@
 #pragma once
 
 #include <appconfig/interfaces/AttributesQueryInterface.h>
+#include <appconfig/utils/ValueConversion.h>
 #include <shared/hierarchy/HierarchyNode.h>
 
 namespace Tessellum::AppConfig::Attributes {
@@ -28,5 +29,14 @@ public:
 private:
     std::shared_ptr<Shared::Hierarchy::HierarchyNode> root;
 };
+
+/*!
+ * Reads \a attribute once, so that the test for a value and the value told are of the same state, and
+ * converts to \a metaType unless it is 0; a text becomes a number under \a localization (may be empty).
+ * False: no read access, no valid value, or no conversion.
+ */
+bool ReadAttributeValue(const Attributes::Attribute &attribute,
+                        const std::shared_ptr<Core::CoreLocalizationInterface> &localization, QVariant &out,
+                        int metaType);
 
 } // namespace Tessellum::AppConfig::utils

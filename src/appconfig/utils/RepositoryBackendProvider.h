@@ -39,10 +39,20 @@ public:
     /*! The node itself, by the path that the list of names keeps. */
     std::shared_ptr<Backends::Backend> findBackend(const QString &name) const;
 
+    /*! Takes \a backend, which is about to leave the tree, off the list of names. */
+    void forgetBackend(const Backends::Backend &backend);
+
 private:
+    /*! Beneath the root of the internal settings, which only const searches reach from the repository's root.
+     */
+    std::shared_ptr<Backends::Backend> findInternalBackend(const QString &path) const;
+
     NodePtr root;
     std::shared_ptr<Core::HierarchyListPattern> names;
     Notification::ThreadPool *pool;
 };
+
+/*! Has \a backend write its source, with no lock held; true for no backend, false if it fails or throws. */
+bool SaveBackend(const std::shared_ptr<Backends::Backend> &backend);
 
 } // namespace Tessellum::AppConfig::utils

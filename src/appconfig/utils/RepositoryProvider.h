@@ -21,9 +21,11 @@ class RepositoryBackendProvider;
 /*!
  * The one configuration tree with its pool, its lists and its providers.
  *
- * Locks: appConfigLock guards the providers and the list of lists; it is held to copy a pointer or to start a
- * task, never across a wait. settingsMutex guards the making of the settings wrapper. All getters copy under
- * the read lock, so none may be called with the write lock held; between stop and start they answer empty.
+ * Locks: appConfigLock is held for writing while a start publishes the lists and providers of a run and while
+ * a stop takes them and the tree down, so that whoever holds it sees a whole run or none; it is never held
+ * across a wait. runMutex guards the pointer to them, is taken last and only to copy it, so the getters may
+ * be called with or without appConfigLock; between stop and start they answer empty. settingsMutex guards the
+ * making of the settings wrapper.
  */
 class RepositoryProvider
     : public Interfaces::RepositoryInterface,
@@ -91,14 +93,21 @@ private:
     RepositoryProvider();
     ~RepositoryProvider() override;
 
-    struct Providers;
+    struct Run;
+
+    std::shared_ptr<const Run> currentRun() const;
+    std::shared_ptr<const Run> exchangeRun(const std::shared_ptr<const Run> &next);
+    void start();
+    void stop(const NodePtr &keeper);
+    bool addLink(const QStringList &parentPath, const NodePtr &target, const QString &id, bool readOnly);
 
     NodePtr root;
     QMutex settingsMutex;
+    NodePtr internalRoot;
     std::shared_ptr<Shared::SettingsWrapper::SettingsWrapper> settings;
     Notification::ThreadPool pool;
-    QList<NamedListPattern> listPatterns;
-    std::unique_ptr<Providers> providers;
+    mutable QMutex runMutex;
+    std::shared_ptr<const Run> run;
 };
 
 } // namespace Tessellum::AppConfig::utils

@@ -34,3 +34,5 @@ public:
 };
 
 } // namespace Tessellum::AppConfig::Validation
+
+Q_DECLARE_METATYPE(Tessellum::AppConfig::Validation::ValidationResult)

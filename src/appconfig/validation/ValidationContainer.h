@@ -32,7 +32,7 @@ public:
 private:
     struct Content;
     Content *contentIfMade() const;
-    Content &content() const;
+    Content &contentMade() const;
 
     mutable std::atomic<Content *> made{nullptr};
 };

@@ -60,7 +60,8 @@ QList<std::shared_ptr<Node>> withDescendants(QList<std::shared_ptr<Node>> nodes)
 
 QStringView firstElement(const QString &path)
 {
-    const int end = path.indexOf(HierarchyNode::GetHierarchyNodePathSeparator());
+    static const QChar separator = HierarchyNode::GetHierarchyNodePathSeparator().at(0);
+    const int end = path.indexOf(separator);
     return end < 0 ? QStringView(path) : QStringView(path).left(end);
 }
 
@@ -199,7 +200,8 @@ bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node,
         warnAboutExisting(instance->nodeId);
         return false;
     }
-    bool added = node->setParent(self(), false);
+    const std::shared_ptr<HierarchyNode> me = self();
+    bool added = me && node->setParent(me, false);
     if (added && !hasChild(node, nullptr))
         added = enterAndNotify(node, *instance);
     if (index) {
@@ -271,7 +273,7 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
     }
     if (oldParent)
         leave(*oldParent);
-    if (target && !askForEntry(*target)) {
+    if (target && !askForEntry(*target, keepAlive)) {
         unlink(target);
         taken = false;
     }
@@ -280,10 +282,11 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
     return taken;
 }
 
-bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target)
+bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target,
+                                        const std::shared_ptr<HierarchyNode> &me) const
 {
     const QScopedValueRollback<const HierarchyNodeInstance *> asking(nodeAskingForEntry, this);
-    return target.addChild(self(), nullptr);
+    return target.addChild(me, nullptr);
 }
 
 std::shared_ptr<HierarchyNode> HierarchyNodeInstance::getChildById(const QString &childId)
@@ -329,10 +332,12 @@ bool HierarchyNodeInstance::isValidId(const QString &childId) const
     return childNodes && childNodes->find(childId);
 }
 
-// Expects the lock of \a node, or bears that the answer is old.
+// Expects the lock of \a node or the mutex of the shape. Compares without an owner of the other parent: the
+// last one would destroy it under the lock.
 bool HierarchyNodeInstance::isParentOf(const HierarchyNodeInstance &node) const
 {
-    return node.parentNode.lock().get() == this;
+    const std::weak_ptr<const HierarchyNode> me = weak_from_this();
+    return !me.owner_before(node.parentNode) && !node.parentNode.owner_before(me);
 }
 
 // Points this node, and its path if it is made, to another parent.

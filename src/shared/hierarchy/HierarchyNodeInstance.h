@@ -14,7 +14,7 @@ namespace utils {
 class HierarchyChildTable;
 } // namespace utils
 
-/*!
+/**
  * A node that keeps its children and its path.
  *
  * Locks, in this order: the lock of the parent, the lock of a child (together only where a child is entered),
@@ -31,7 +31,7 @@ class TESSELLUM_EXPORT HierarchyNodeInstance : public HierarchyNode
 
 public:
     HierarchyNodeInstance();
-    /*! \a id stays for good; a node with an empty one is a root and cannot get a parent. */
+    /** \a id stays for good; a node with an empty one is a root and cannot get a parent. */
     explicit HierarchyNodeInstance(const QString &id);
     ~HierarchyNodeInstance() override;
 
@@ -58,18 +58,18 @@ public:
     std::shared_ptr<HierarchyNode> getChildById(const QString &id) override;
     std::shared_ptr<const HierarchyNode> getChildById(const QString &id) const override;
 
-    /*! The child with \a index children before it, or an empty pointer. Linear after removals. */
+    /** The child with \a index children before it, or an empty pointer. Linear after removals. */
     std::shared_ptr<HierarchyNode> getChildByIndex(const quint64 &index);
     std::shared_ptr<const HierarchyNode> getChildByIndex(const quint64 &index) const;
-    /*! The children, in no promised order. */
+    /** The children, in no promised order. */
     QList<std::shared_ptr<HierarchyNode>> children() const;
 
 Q_SIGNALS:
-    /*! A child has been entered. Emitted by the thread that added it, with no lock held. */
+    /** A child has been entered. Emitted by the thread that added it, with no lock held. */
     void notifyChildAdded(const QString &id);
 
 protected:
-    /*! For a node that \a isForTarget: a node that is given it as parent goes below its target, which it
+    /** For a node that \a isForTarget: a node that is given it as parent goes below its target, which it
      * hands out as the node at an empty path. */
     HierarchyNodeInstance(const QString &id, bool isForTarget);
 
@@ -88,7 +88,7 @@ private:
     void point(const InstancePointer &target);
     void unlink(const InstancePointer &from);
     void leave(HierarchyNodeInstance &oldParent) const;
-    bool askForEntry(HierarchyNodeInstance &target);
+    bool askForEntry(HierarchyNodeInstance &target, const std::shared_ptr<HierarchyNode> &me) const;
     Entered enter(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
     bool enterAndNotify(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
     void warnAboutExisting(const QString &childId) const;

@@ -12,7 +12,7 @@
 
 namespace Shared { namespace Hierarchy {
 
-/*!
+/**
  * A place in a tree of texts: an own id, a separator and the path above. The full text is put together when
  * it is read, and again only after something above has moved, so that a move costs the same however much lies
  * below.
@@ -27,7 +27,7 @@ template <class Value, class List, class Separator, class Extra>
 class HierarchyPath : public Synchronization::Lockable
 {
 public:
-    /*! Holds the two texts of a path and knows how to join them. */
+    /** Holds the two texts of a path and knows how to join them. */
     class PathAccessWrapper
     {
     public:
@@ -65,7 +65,7 @@ public:
     HierarchyPath &operator=(const HierarchyPath &) = delete;
     ~HierarchyPath() override = default;
 
-    /*! The text from the root down to this path. */
+    /** The text from the root down to this path. */
     Value getFullPath() const
     {
         const Synchronization::ScopedLock lock(this);
@@ -91,7 +91,7 @@ public:
         return pathAbove;
     }
 
-    /*! The sum of the own versions from here to the root. */
+    /** The sum of the own versions from here to the root. */
     quint64 getPathVersion() const
     {
         const Synchronization::ScopedLock lock(this);
@@ -100,7 +100,7 @@ public:
 
     Separator getSeparator() const { return ownSeparator; }
 
-    /*! Hangs this path below \a newParent, or makes it a root where that is empty. A path must not be hung
+    /** Hangs this path below \a newParent, or makes it a root where that is empty. A path must not be hung
      * below itself. */
     void setPathParent(const std::shared_ptr<HierarchyPath> &newParent)
     {
@@ -176,15 +176,15 @@ private:
     virtual Value getId() const { return getPathId(); }
 
 public:
-    /*! The element at \a index, an empty one outside 0 to size() - 1. */
+    /** The element at \a index, an empty one outside 0 to size() - 1. */
     virtual Value at(const int &index) const = 0;
-    /*! The number of elements. */
+    /** The number of elements. */
     virtual int size() const = 0;
-    /*! The elements from the root downward. */
+    /** The elements from the root downward. */
     virtual List split() const = 0;
-    /*! Whether each element is a word. */
+    /** Whether each element is a word. */
     virtual bool isValid() const = 0;
-    /*! Whether there is no element at all. An empty text is one empty element. */
+    /** Whether there is no element at all. An empty text is one empty element. */
     virtual bool isEmpty() const = 0;
 
 private:

@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 
 namespace Shared::Logging {
@@ -24,7 +25,7 @@ std::atomic<LogHandler *> handler{nullptr}; // set while the guard is alive
 thread_local bool insideSection = false;
 
 constexpr LogMessageType defaultThreshold = LogMessageType::log;
-constexpr int closeTimeout = 5000; // milliseconds
+constexpr std::chrono::milliseconds closeTimeout{2000}; // for each of the two locks
 
 /// Stands in whenever the shared settings could not be reached.
 LogContext DefaultLogContext()
@@ -433,14 +434,23 @@ bool LogHandler::setLogIdentifier(const QString &identification)
 void LogHandler::close()
 {
     UninstallQtMessageHandler();
-    const bool inside = isInsideSection(); // exit() inside a filter
-    if (!inside && !processMutex.tryLock(closeTimeout))
+    // exit() inside a filter comes here from within the section, of this copy or of another.
+    const bool inside = insideSection;
+    const bool insideOther = !inside && isInsideSection();
+    if (!inside && !processMutex.tryLock(int(closeTimeout.count())))
         return; // a thread hangs inside: the system takes back what it holds
     insideSection = true;
     closed = true;
-    for (utils::LogSegment *segment : {&sinkSegment, &filterSegment, &contextSegment})
-        segment->close();
-    semaphore.close();
+    if (inside || insideOther || semaphore.acquire(closeTimeout)) {
+        bool last = true;
+        for (utils::LogSegment *segment : {&sinkSegment, &filterSegment, &contextSegment})
+            last = segment->close() && last;
+        // Inside the section: whoever is about to attach waits for it, and has to make a new semaphore.
+        if (last)
+            semaphore.remove();
+        else if (!insideOther)
+            semaphore.release();
+    }
     insideSection = inside;
     if (!inside)
         processMutex.unlock();

@@ -23,8 +23,10 @@ int Lockable::lock() const
         lockMutex.lock();
         lockOwner.store(self, std::memory_order_relaxed);
     }
-    // Only the holder writes the count: a plain read and write, atomic for those who look on.
-    const int depth = lockCount.load(std::memory_order_relaxed) + 1;
+    // Only the holder writes the count: a plain read and write, atomic for those who look on. That the read
+    // acquires what the last holder released says again what the mutex says, to tools that cannot look into
+    // it.
+    const int depth = lockCount.load(std::memory_order_acquire) + 1;
     lockCount.store(depth, std::memory_order_release);
     if (depth == 1 && hasListener.load(std::memory_order_relaxed))
         Q_EMIT locked();

@@ -10,7 +10,7 @@
 
 namespace Shared { namespace Synchronization {
 
-/*!
+/**
  * An object that can be locked from outside, also through a const reference.
  *
  * Threads: every function may be called from any thread. The lock guards whatever the derived class says.
@@ -22,27 +22,27 @@ class TESSELLUM_EXPORT Lockable : public QObject
     Q_OBJECT
 
 public:
-    /*! With QMutex::Recursive the holder may lock again; with QMutex::NonRecursive it would wait for ever. */
+    /** With QMutex::Recursive the holder may lock again; with QMutex::NonRecursive it would wait for ever. */
     explicit Lockable(QObject *parent, const QMutex::RecursionMode &mode);
     ~Lockable() override;
 
-    /*! Whether any thread holds the lock. */
+    /** Whether any thread holds the lock. */
     virtual bool isLocked() const;
 
-    /*! Waits for the lock and returns the new depth. Emits locked() where the depth was 0. */
+    /** Waits for the lock and returns the new depth. Emits locked() where the depth was 0. */
     int lock() const;
 
-    /*! Gives one level back and returns the new depth. Emits unlocked() where the depth becomes 0.
+    /** Gives one level back and returns the new depth. Emits unlocked() where the depth becomes 0.
      *  Only the holder may call this. */
     int unlock() const;
 
-    /*! The depth of the lock as any thread may read it: a snapshot. */
+    /** The depth of the lock as any thread may read it: a snapshot. */
     int lockLevel() const;
 
 Q_SIGNALS:
-    /*! Emitted by the holder, under the lock: a slot connected directly runs with the lock held. */
+    /** Emitted by the holder, under the lock: a slot connected directly runs with the lock held. */
     void locked() const;
-    /*! Emitted by the holder just before the mutex is free: a slot connected directly runs with the lock
+    /** Emitted by the holder just before the mutex is free: a slot connected directly runs with the lock
      * held. */
     void unlocked() const;
 
@@ -50,7 +50,7 @@ protected:
     void connectNotify(const QMetaMethod &signal) override;
 
 private:
-    mutable QMutex lockMutex;
+    mutable QBasicMutex lockMutex;
     mutable std::atomic<std::thread::id> lockOwner{std::thread::id()};
     mutable std::atomic<int> lockCount{0};
     const bool isRecursive;

@@ -6,7 +6,7 @@ class QObject;
 
 namespace Shared { namespace Synchronization {
 
-/*! An empty base that keeps its place in the layout of the shared objects. It moves nothing anywhere: objects
+/** An empty base that keeps its place in the layout of the shared objects. It moves nothing anywhere: objects
  * that must live on a particular thread are moved there by whoever makes them. */
 class TESSELLUM_EXPORT QApplicationMainThreadMover
 {

@@ -6,7 +6,7 @@
 
 namespace Shared { namespace Synchronization {
 
-/*! Holds the lock of a Lockable for a scope. Made from a shared pointer it also keeps the object alive; made
+/** Holds the lock of a Lockable for a scope. Made from a shared pointer it also keeps the object alive; made
  * from a raw pointer it leaves that to the caller. A null target is accepted and locks nothing. */
 class TESSELLUM_EXPORT ScopedLock
 {

@@ -6,7 +6,7 @@
 
 namespace Shared { namespace Synchronization {
 
-/*! A Lockable that lives in a std::shared_ptr<T> and can hand it out. T is the class that derives from this.
+/** A Lockable that lives in a std::shared_ptr<T> and can hand it out. T is the class that derives from this.
  */
 template <class T>
 class TESSELLUM_EXPORT SharedLockable : public Lockable,

@@ -58,10 +58,10 @@ void HierarchyChildTable::append(const QString &id, const Node &node)
 {
     slots.push_back({id, node, hashOf(id)});
     ++live;
-    // At most half of the index is in use, holes included.
+    // At most two thirds of the index are in use, holes included.
     if (slots.size() <= Handful)
         return;
-    if (slots.size() * 2 > index.size())
+    if (slots.size() * 3 > index.size() * 2)
         rebuildIndex();
     else
         enter(quint32(slots.size() - 1));
@@ -132,9 +132,8 @@ void HierarchyChildTable::closeHoles()
 {
     const auto isHole = [](const Slot &slot) { return !slot.node; };
     slots.erase(std::remove_if(slots.begin(), slots.end(), isHole), slots.end());
-    if (slots.size() <= Handful / 2)
-        std::vector<Slot>(std::make_move_iterator(slots.begin()), std::make_move_iterator(slots.end()))
-            .swap(slots);
+    if (slots.capacity() > 64 && slots.capacity() > 4 * slots.size())
+        slots.shrink_to_fit();
     if (!index.empty())
         rebuildIndex();
 }
@@ -145,8 +144,8 @@ void HierarchyChildTable::rebuildIndex()
         std::vector<quint32>().swap(index);
         return;
     }
-    uint bits = 5;
-    while ((size_t(1) << bits) < slots.size() * 3)
+    uint bits = 4;
+    while ((size_t(1) << bits) < slots.size() * 2)
         ++bits;
     shift = 32 - bits;
     index.assign(size_t(1) << bits, NoPosition);

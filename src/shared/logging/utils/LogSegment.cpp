@@ -10,43 +10,45 @@ namespace {
 // The last process to detach removes a segment; one that comes in between finds it gone and tries again.
 constexpr int attempts = 20;
 
-bool IsDenied(const QSharedMemory &memory)
+/// The system's name of what QSharedMemory finds under a key. Under that name it takes no lock of its own.
+QString NativeKey(const QString &key)
 {
-    return memory.error() == QSharedMemory::PermissionDenied || memory.error() == QSharedMemory::LockError;
+    return QSharedMemory(key).nativeKey();
 }
 
 } // namespace
 
 LogSegment::LogSegment(const QString &key_)
     : key(key_)
-    , memory(std::make_unique<QSharedMemory>(key_))
 { }
 
 bool LogSegment::open()
 {
-    bool opened = attachOrCreate();
-    if (!opened && IsDenied(*memory)) {
-        memory = std::make_unique<QSharedMemory>(key + Foundation::Platform::UserKeySuffix());
-        opened = attachOrCreate();
-    }
-    return opened && memory->size() >= int(sizeof(SegmentRecord));
+    bool opened = attachOrCreate(key);
+    if (!opened && memory.error() == QSharedMemory::PermissionDenied)
+        opened = attachOrCreate(key + Foundation::Platform::UserKeySuffix());
+    return opened && memory.size() >= int(sizeof(SegmentRecord));
 }
 
-void LogSegment::close()
+bool LogSegment::close()
 {
-    memory.reset();
+    const QString name = memory.nativeKey();
+    memory.detach();
+    QSharedMemory others;
+    others.setNativeKey(name);
+    return !others.attach(QSharedMemory::ReadOnly);
 }
 
-bool LogSegment::attachOrCreate()
+bool LogSegment::attachOrCreate(const QString &name)
 {
-    // Both lock the segment themselves, so the caller's lock comes afterwards.
+    memory.setNativeKey(NativeKey(name));
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        if (memory->attach(QSharedMemory::ReadWrite))
+        if (memory.attach(QSharedMemory::ReadWrite))
             return true;
-        if (memory->error() == QSharedMemory::NotFound
-            && memory->create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
+        if (memory.error() == QSharedMemory::NotFound
+            && memory.create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
             return true;
-        if (IsDenied(*memory))
+        if (memory.error() == QSharedMemory::PermissionDenied)
             return false;
     }
     return false;
@@ -55,13 +57,13 @@ bool LogSegment::attachOrCreate()
 SegmentRecord LogSegment::read() const
 {
     SegmentRecord record;
-    std::memcpy(&record, memory->constData(), sizeof(record));
+    std::memcpy(&record, memory.constData(), sizeof(record));
     return record;
 }
 
 void LogSegment::write(const SegmentRecord &record)
 {
-    std::memcpy(memory->data(), &record, sizeof(record));
+    std::memcpy(memory.data(), &record, sizeof(record));
 }
 
 } // namespace Shared::Logging::utils

@@ -3,8 +3,6 @@
 #include <QSharedMemory>
 #include <QString>
 
-#include <memory>
-
 namespace Shared::Logging::utils {
 
 /// What a segment holds: 16 bytes in native layout. The address means something to that process alone.
@@ -16,8 +14,9 @@ struct SegmentRecord
 static_assert(sizeof(SegmentRecord) == 16);
 
 /**
- * A named piece of shared memory with one record. Used inside the log section alone.
- * Where another user owns the name, a name with this user's number takes its place.
+ * A named piece of shared memory with one record. Used inside the log section alone, which does for the lock
+ * that comes with QSharedMemory: that one's semaphore may stay at 0 for ever when processes come and go at
+ * the same time. Where another user owns the name, a name with this user's number takes its place.
  */
 class LogSegment
 {
@@ -26,33 +25,30 @@ public:
 
     /// Attaches to the segment or creates it. False: there is none for this process.
     bool open();
-    /// Lets go of the segment, which ends with its last user. Nothing else may be called afterwards.
-    void close();
+    /// Lets go of the segment, which ends with its last user. True when this was the last.
+    bool close();
 
     /// Follows the record if accept(record) yields an object, otherwise enters the address of what make()
     /// yields. Null when the segment could not be locked. open() came before.
     template <typename Object, typename Accept, typename Make>
     Object *findOrMake(qint64 processId, const Accept &accept, const Make &make)
     {
-        if (!memory->lock())
-            return nullptr;
         const SegmentRecord record = read();
         Object *object = record.processId == processId ? accept(record.address) : nullptr;
         if (!object) {
             object = make();
             write({processId, static_cast<quint64>(reinterpret_cast<quintptr>(object))});
         }
-        memory->unlock();
         return object;
     }
 
 private:
-    bool attachOrCreate();
+    bool attachOrCreate(const QString &name);
     SegmentRecord read() const;
     void write(const SegmentRecord &record);
 
     QString key;
-    std::unique_ptr<QSharedMemory> memory;
+    QSharedMemory memory;
 };
 
 } // namespace Shared::Logging::utils

@@ -3,39 +3,32 @@
 
 namespace Shared::Logging::utils {
 
-namespace {
-
-// The process that made the semaphore removes it at its end; who waits then finds it gone and makes a new
-// one, which fails for moments while several do so at once.
-constexpr int attempts = 20;
-
-} // namespace
-
 LogSemaphore::LogSemaphore(const QString &key_)
     : key(key_)
-    , semaphore(std::make_unique<QSystemSemaphore>(key_, 1, QSystemSemaphore::Open))
+    , semaphore(key_)
 { }
 
-bool LogSemaphore::acquire()
+bool LogSemaphore::acquire(std::chrono::milliseconds timeout)
 {
-    for (int attempt = 0; attempt < attempts && semaphore; ++attempt) {
-        if (absent || semaphore->acquire())
-            return true;
-        if (semaphore->error() == QSystemSemaphore::PermissionDenied)
-            fallBack();
+    while (!absent) {
+        const SystemSemaphore::Result result = semaphore.acquire(timeout);
+        if (result != SystemSemaphore::Result::Denied)
+            return result == SystemSemaphore::Result::Acquired;
+        fallBack();
     }
-    return false;
+    return true;
 }
 
 void LogSemaphore::release()
 {
-    if (semaphore && !absent)
-        semaphore->release();
+    if (!absent)
+        semaphore.release();
 }
 
-void LogSemaphore::close()
+void LogSemaphore::remove()
 {
-    semaphore.reset();
+    if (!absent)
+        semaphore.remove();
 }
 
 void LogSemaphore::fallBack()
@@ -44,8 +37,7 @@ void LogSemaphore::fallBack()
         absent = true;
     } else {
         ownName = true;
-        semaphore = std::make_unique<QSystemSemaphore>(key + Foundation::Platform::UserKeySuffix(), 1,
-                                                       QSystemSemaphore::Open);
+        semaphore = SystemSemaphore(key + Foundation::Platform::UserKeySuffix());
     }
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QString>
-#include <QSystemSemaphore>
+#include <shared/foundation/platform/SystemSemaphore.h>
 
-#include <memory>
+#include <QString>
+
+#include <chrono>
 
 namespace Shared::Logging::utils {
 
@@ -17,17 +18,19 @@ class LogSemaphore
 public:
     explicit LogSemaphore(const QString &key);
 
-    /// False when the system refuses.
-    bool acquire();
+    /// False when the system refuses, or when the time is over.
+    bool acquire(std::chrono::milliseconds timeout = std::chrono::milliseconds::max());
     void release();
-    /// Gives the semaphore back to the system; acquire() fails from now on.
-    void close();
+    /// Takes the semaphore from the system; other processes make a new one.
+    void remove();
 
 private:
+    using SystemSemaphore = Foundation::Platform::SystemSemaphore;
+
     void fallBack();
 
     QString key;
-    std::unique_ptr<QSystemSemaphore> semaphore;
+    SystemSemaphore semaphore;
     bool ownName = false; ///< the name with the user's number is in use
     bool absent = false; ///< not even that one
 };

@@ -1,0 +1,10 @@
+#include <appconfig/validation/AttributeValidationInterface.h>
+
+namespace Tessellum::AppConfig::Validation {
+
+AttributeValidationInterface::AttributeValidationInterface(const QString &validationId)
+    : HierarchyNodeInstance(validationId)
+    , AppConfigRepositoryEventThreadUser(this)
+{ }
+
+} // namespace Tessellum::AppConfig::Validation

@@ -1,0 +1,121 @@
+#include <appconfig/utils/RepositoryProvider.h>
+#include <appconfig/validation/AttributeValidationRepository.h>
+#include <appconfig/validation/LimitsValidation.h>
+#include <notification/utils/MakeNode.h>
+#include <shared/hierarchy/HierarchyStringPathLink.h>
+
+#include <QMetaType>
+#include <QReadLocker>
+#include <QRegularExpression>
+#include <QWriteLocker>
+
+namespace Tessellum::AppConfig::Validation {
+
+namespace {
+
+using ValidationPtr = std::shared_ptr<AttributeValidationInterface>;
+
+template <class T>
+ValidationPtr makeLimits(const QString &id)
+{
+    return Notification::utils::MakeNode<LimitsValidation<T>>(id);
+}
+
+template <class T>
+QString keyWithType(const QString &key)
+{
+    QString type = QString::fromLatin1(QMetaType::typeName(qMetaTypeId<T>()));
+    type.replace(QRegularExpression(QStringLiteral("\\s")), QStringLiteral("_"));
+    return key + QLatin1Char('_') + type;
+}
+
+template <class... Ts>
+void registerWithTypes(AttributeValidationRepository &repository, const QString &key)
+{
+    (repository.registerProduct(keyWithType<Ts>(key), &makeLimits<Ts>), ...);
+}
+
+} // namespace
+
+AttributeValidationRepository::AttributeValidationRepository()
+{
+    for (const QString &key : {QStringLiteral("limits"), QStringLiteral("limit")}) {
+        registerProduct(key, &makeLimits<double>);
+        registerWithTypes<double, float, signed char, short, int, long long>(*this, key);
+    }
+}
+
+ValidationPtr AttributeValidationRepository::createValidation(const QString &type, const QString &id)
+{
+    const auto internalSettings = settings();
+    const bool ignoreCase = internalSettings
+        && internalSettings->readSetting<bool>(QStringLiteral("repository"),
+                                               QStringLiteral("names_ignore_case"), false);
+    const auto creator = getRegisteredProducts().value(ignoreCase ? type.toLower() : type);
+    return creator ? creator(id) : nullptr;
+}
+
+ValidationPtr AttributeValidationRepository::getValidation(const QString &id) const
+{
+    QReadLocker locker(&lock);
+    return validations.value(id);
+}
+
+bool AttributeValidationRepository::registerValidation(const ValidationPtr &validation)
+{
+    return insert(validation, false);
+}
+
+bool AttributeValidationRepository::registerBackendValidation(const ValidationPtr &validation)
+{
+    return insert(validation, true);
+}
+
+bool AttributeValidationRepository::unregisterValidation(const QString &id)
+{
+    ValidationPtr removed; // may be the last pointer, and dies after the lock
+    QWriteLocker locker(&lock);
+    removed = validations.take(id);
+    backendIds.remove(id);
+    return removed != nullptr;
+}
+
+void AttributeValidationRepository::unregisterBackendValidations()
+{
+    QList<ValidationPtr> removed; // die after the lock
+    QWriteLocker locker(&lock);
+    for (const QString &id : qAsConst(backendIds))
+        removed.append(validations.take(id));
+    backendIds.clear();
+}
+
+QStringList AttributeValidationRepository::getValidationIds() const
+{
+    QReadLocker locker(&lock);
+    return validations.keys();
+}
+
+bool AttributeValidationRepository::insert(const ValidationPtr &validation, bool fromBackend)
+{
+    const QString id = validation ? validation->getValidationId() : QString();
+    if (id.isEmpty())
+        return false;
+    {
+        QWriteLocker locker(&lock);
+        if (validations.contains(id))
+            return false;
+        validations.insert(id, validation);
+        if (fromBackend)
+            backendIds.insert(id);
+    }
+    // The list starts a task, so it is told with no lock held.
+    const auto list = AppConfig::utils::RepositoryProvider::getInstance()->getListPattern(
+        QStringLiteral("names"), QStringLiteral("validations"));
+    if (list) {
+        const Shared::Hierarchy::HierarchyStringPathLink place(validation->getNodePath());
+        list->addElementToList(id, QVariant::fromValue(place), true);
+    }
+    return true;
+}
+
+} // namespace Tessellum::AppConfig::Validation
