@@ -1,12 +1,12 @@
-#include <appconfig/HierarchyListPattern.h>
 #include <appconfig/attributes/AttributeCreation.h>
-#include <support/AttributeTree.h>
-#include <support/LogCapture.h>
+#include <appconfig/HierarchyListPattern.h>
 
 #include <QSemaphore>
 #include <QtTest>
 
 #include <random>
+#include <support/AttributeTree.h>
+#include <support/LogCapture.h>
 
 using namespace Tessellum::AppConfig::Attributes;
 using namespace Tessellum::Notification;
@@ -103,11 +103,12 @@ void HierarchyListPatternTest::refusesEmptyNames()
     const TestSupport::LogCapture log;
     QVERIFY(!tree.list->addElementToList(QString(), 1, true));
     QVERIFY(!tree.list->removeElementFromList(QString()));
-    QCOMPARE(log.lines(),
-             (QStringList{QStringLiteral("WARNING HierarchyListPattern::addElementToList() adding elements with "
-                                         "empty name is not supported"),
-                          QStringLiteral("WARNING HierarchyListPattern::removeElementFromList() removing "
-                                         "elements without name is not supported")}));
+    QCOMPARE(
+        log.lines(),
+        (QStringList{QStringLiteral("WARNING HierarchyListPattern::addElementToList() adding elements with "
+                                    "empty name is not supported"),
+                     QStringLiteral("WARNING HierarchyListPattern::removeElementFromList() removing "
+                                    "elements without name is not supported")}));
     tree.settle();
     QVERIFY(!tree.list->hasValue());
 }
@@ -126,9 +127,10 @@ void HierarchyListPatternTest::failedAddition()
     tree.root->addChild(list);
     const TestSupport::LogCapture log;
     QVERIFY(list->addElementToList(QStringLiteral("a"), 1, false));
-    QCOMPARE(log.lines(),
-             QStringList{QStringLiteral(
-                 "WARNING HierarchyListPattern::addElementToList() failed to add list entry a to the list full")});
+    QCOMPARE(
+        log.lines(),
+        QStringList{QStringLiteral(
+            "WARNING HierarchyListPattern::addElementToList() failed to add list entry a to the list full")});
 }
 
 void HierarchyListPatternTest::removalAndAdditionAtOnce()
@@ -176,7 +178,8 @@ void HierarchyListPatternTest::settlesUnderThreads()
                 } else {
                     const QStringList names = tree.list->getElements();
                     if (!names.isEmpty())
-                        removals += tree.list->removeElementFromList(names.at(random() % names.size())) ? 1 : 0;
+                        removals
+                            += tree.list->removeElementFromList(names.at(random() % names.size())) ? 1 : 0;
                 }
             }
         }));

@@ -79,11 +79,10 @@ QList<typename Task::ResultType> RunAndRecord(Task &task)
 {
     QList<typename Task::ResultType> reports;
     const auto observer = task.getObserver();
-    observer->onResult
-        = [&reports, next = observer->onResult](const typename Task::ResultType &report) {
-              reports.append(report);
-              next(report);
-          };
+    observer->onResult = [&reports, next = observer->onResult](const typename Task::ResultType &report) {
+        reports.append(report);
+        next(report);
+    };
     task.run();
     return reports;
 }

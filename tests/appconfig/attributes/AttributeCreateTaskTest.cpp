@@ -1,17 +1,18 @@
 #include <shared/hierarchy/HierarchyNodeLink.h>
-#include <support/AttributeTree.h>
-#include <support/LogCapture.h>
 
 #include <QSemaphore>
 #include <QtTest>
 
+#include <support/AttributeTree.h>
+#include <support/LogCapture.h>
+
 using namespace Tessellum::AppConfig::Attributes;
 using namespace Tessellum::Notification;
 using Reports = QList<CreateObserver::ResultType>;
-using Tessellum::Notification::utils::MakeNode;
-using TestSupport::AttributeTree;
 using Shared::Hierarchy::HierarchyNodeInstance;
 using Shared::Hierarchy::HierarchyNodeLink;
+using Tessellum::Notification::utils::MakeNode;
+using TestSupport::AttributeTree;
 
 namespace {
 
@@ -140,19 +141,21 @@ void AttributeCreateTaskTest::badPayloads()
     {
         const TestSupport::LogCapture log;
         QCOMPARE(create(tree, 5), notBegun);
-        QCOMPARE(log.lines(),
-                 (QStringList{QStringLiteral("WARNING AttributeCreateTask::runCreate() failed to convert the data "
-                                             "into AttributeCreateData or AttributesCreateData, no "
-                                             "attribute(s) created"),
-                              nothingToTell}));
+        QCOMPARE(
+            log.lines(),
+            (QStringList{QStringLiteral("WARNING AttributeCreateTask::runCreate() failed to convert the data "
+                                        "into AttributeCreateData or AttributesCreateData, no "
+                                        "attribute(s) created"),
+                         nothingToTell}));
     }
     const TestSupport::LogCapture log;
     QCOMPARE(create(tree, QVariant::fromValue(AttributesCreateData())), notCreated);
-    QCOMPARE(log.lines(),
-             (QStringList{nothingToTell,
-                          QStringLiteral("WARNING AttributesCreateTask::createAttributesInHierarchy() supplied "
-                                         "creation data is empty, no data entries created"),
-                          nothingToTell}));
+    QCOMPARE(
+        log.lines(),
+        (QStringList{nothingToTell,
+                     QStringLiteral("WARNING AttributesCreateTask::createAttributesInHierarchy() supplied "
+                                    "creation data is empty, no data entries created"),
+                     nothingToTell}));
 }
 
 void AttributeCreateTaskTest::parentGone()
@@ -195,10 +198,10 @@ void AttributeCreateTaskTest::notifiesEachPathOfAList()
     QVERIFY(calls.tryAcquire(6, 20000));
     const QMutexLocker locker(&mutex);
     heard.sort();
-    QCOMPARE(heard,
-             (QStringList{QStringLiteral("a 1 1"), QStringLiteral("a 2 1"), QStringLiteral("b.c 1 1"),
-                          QStringLiteral("b.c 2 1"), QStringLiteral("p.b.c 1 1"),
-                          QStringLiteral("p.b.c 2 1")}));
+    QCOMPARE(
+        heard,
+        (QStringList{QStringLiteral("a 1 1"), QStringLiteral("a 2 1"), QStringLiteral("b.c 1 1"),
+                     QStringLiteral("b.c 2 1"), QStringLiteral("p.b.c 1 1"), QStringLiteral("p.b.c 2 1")}));
 }
 
 void AttributeCreateTaskTest::simultaneousCreationsShareTheWay()
@@ -210,7 +213,8 @@ void AttributeCreateTaskTest::simultaneousCreationsShareTheWay()
         for (const char *leaf : {"x.b", "x.c", "x.d", "x.b"})
             observers.append(tree.pool.startCreateTask(
                 tree.root, QString(),
-                QVariant::fromValue(AttributeTree::data(parent + QLatin1String(leaf), round)), CreatePoint::Done));
+                QVariant::fromValue(AttributeTree::data(parent + QLatin1String(leaf), round)),
+                CreatePoint::Done));
         for (const auto &observer : qAsConst(observers)) {
             observer->wait();
             QCOMPARE(observer->getResult(), created.last());

@@ -1,17 +1,18 @@
 #include <shared/hierarchy/HierarchyNodeLink.h>
-#include <support/AttributeTree.h>
 
 #include <QSemaphore>
 #include <QtTest>
 
+#include <support/AttributeTree.h>
+
 using namespace Tessellum::AppConfig::Attributes;
 using namespace Tessellum::Notification;
 using Reports = QList<DeleteObserver::ResultType>;
+using Shared::Hierarchy::HierarchyNodeInstance;
+using Shared::Hierarchy::HierarchyNodeLink;
 using Tessellum::AppConfig::utils::GlobalPoolJobs;
 using Tessellum::Notification::utils::MakeNode;
 using TestSupport::AttributeTree;
-using Shared::Hierarchy::HierarchyNodeInstance;
-using Shared::Hierarchy::HierarchyNodeLink;
 
 namespace {
 

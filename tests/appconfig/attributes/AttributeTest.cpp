@@ -19,8 +19,8 @@ public:
         : AttributeValidationInterface(QStringLiteral("any"))
     { }
     QString getValidationId() const override { return getId(); }
-    Validation::ValidationResult
-    validate(const std::shared_ptr<Tessellum::Core::CoreLocalizationInterface> &, QVariant &) override
+    Validation::ValidationResult validate(const std::shared_ptr<Tessellum::Core::CoreLocalizationInterface> &,
+                                          QVariant &) override
     {
         return Validation::ValidationResult::Valid;
     }
@@ -149,7 +149,8 @@ void AttributeTest::referenceReadsUnderItsLocalization()
     const auto plain = std::make_shared<Shared::Localization::LocalizationInterfaceProvider>(locale);
     const auto attribute = MakeNode<Attribute>(QStringLiteral("a"), QStringLiteral("1,5"));
     const std::weak_ptr<const Attribute> readable = attribute;
-    const AttributeReference reference(readable, std::weak_ptr<Shared::Localization::LocalizationInterface>(german));
+    const AttributeReference reference(readable,
+                                       std::weak_ptr<Shared::Localization::LocalizationInterface>(german));
 
     QVariant value;
     QVERIFY(reference.getValue(value, QMetaType::Double));

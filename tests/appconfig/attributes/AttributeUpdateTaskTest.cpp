@@ -1,9 +1,10 @@
 #include <appconfig/validation/AttributeValidationInterface.h>
-#include <support/AttributeTree.h>
-#include <support/LogCapture.h>
 
 #include <QSemaphore>
 #include <QtTest>
+
+#include <support/AttributeTree.h>
+#include <support/LogCapture.h>
 
 using namespace Tessellum::AppConfig;
 using namespace Tessellum::AppConfig::Attributes;
@@ -134,11 +135,11 @@ void AttributeUpdateTaskTest::validationsRunInTheirOrder()
         QCOMPARE(update(tree, attribute, 11), refused);
         QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
         QCOMPARE(log.lines(),
-                 (QStringList{adjusted.arg(QStringLiteral("QVariant(int, 10)")),
-                              QStringLiteral(
-                                  "WARNING AttributeUpdateTask::runUpdate() pre check: failed validation"),
-                              QStringLiteral("WARNING AttributeUpdateTask::runUpdate() update failed for "
-                                             "attribute: a pre check even failed")}));
+                 (QStringList{
+                     adjusted.arg(QStringLiteral("QVariant(int, 10)")),
+                     QStringLiteral("WARNING AttributeUpdateTask::runUpdate() pre check: failed validation"),
+                     QStringLiteral("WARNING AttributeUpdateTask::runUpdate() update failed for "
+                                    "attribute: a pre check even failed")}));
     }
     const TestSupport::LogCapture log;
     QCOMPARE(update(tree, attribute, 5), applied);
