@@ -1,4 +1,5 @@
 #include <appconfig/attributes/AttributeReference.h>
+#include <appconfig/validation/AttributeValidationInterface.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/localization/LocalizationInterfaceProvider.h>
 #include <shared/localization/TessellumLocalizationInterfaceProvider.h>
