@@ -21,8 +21,8 @@ class FunctionValidation : public Validation::AttributeValidationInterface
 public:
     using Function = std::function<ValidationResult(QVariant &)>;
 
-    FunctionValidation(const QString &nodeId, const Function &function)
-        : AttributeValidationInterface(nodeId)
+    FunctionValidation(const QString &validationId, const Function &function)
+        : AttributeValidationInterface(validationId)
         , judge(function)
     { }
     QString getValidationId() const override { return getId(); }
