@@ -124,7 +124,7 @@ void StressWorker::doSomething()
 
 QString StressWorker::randomOwnPath()
 {
-    return model.isEmpty() ? QString() : (model.cbegin() + random.bounded(model.size())).key();
+    return model.isEmpty() ? QString() : std::next(model.cbegin(), random.bounded(model.size())).key();
 }
 
 void StressWorker::create()
