@@ -10,6 +10,7 @@
 #include <notification/TaskPoints.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
+#include <shared/hierarchy/HierarchyNodeLink.h>
 
 #include <QThread>
 
@@ -73,6 +74,24 @@ NodePtr findOrCreateParent(const NodePtr &root, const QString &id)
     return root->addChild(made) ? NodePtr(made) : root->getChildById(id);
 }
 
+/*! A failed start leaves its lists: the next one must not take its own entries for a clash. */
+bool holdsValue(const HierarchyListPattern &list, const QString &name, const QString &expected)
+{
+    const auto element = list.getElement(name);
+    QVariant value;
+    return element && element->getValue(value, QMetaType::QString) && value.toString() == expected;
+}
+
+bool linkInternalSettings(RepositoryProvider &provider, const NodePtr &target)
+{
+    const QString name = QStringLiteral("internal");
+    const NodePtr root = provider.getRoot();
+    // A failed start leaves its link.
+    const auto present
+        = std::dynamic_pointer_cast<Shared::Hierarchy::HierarchyNodeLink>(root->getChildById(name));
+    return (present && present->isLinked()) || provider.addRootLink(name, target, true);
+}
+
 bool addMissingTypes(const QString &list, const QStringList &keys, const QString &description)
 {
     const auto pattern = RepositoryProvider::getInstance()->getListPattern(QStringLiteral("types"), list);
@@ -96,7 +115,8 @@ bool registerMetatypes()
     if (list) {
         for (const int type : types) {
             const QString name = QString::fromLatin1(QMetaType::typeName(type));
-            result = list->addElementToList(QString::number(type), name, true) && result;
+            if (!holdsValue(*list, QString::number(type), name))
+                result = list->addElementToList(QString::number(type), name, true) && result;
         }
     }
     return result;
@@ -118,7 +138,7 @@ bool registerInternalSettings()
     bool result = true;
     for (const auto &[key, value] : entries)
         result = writeSetting(*settings, root, key, value) && result;
-    return provider->addRootLink(QStringLiteral("internal"), root, true) && result;
+    return linkInternalSettings(*provider, root) && result;
 }
 
 bool attachListNodes()
