@@ -75,7 +75,7 @@ NodePtr findOrCreateParent(const NodePtr &root, const QString &id)
 }
 
 /*! A failed start leaves its lists: the next one must not take its own entries for a clash. */
-bool holdsValue(const HierarchyListPattern &list, const QString &name, const QString &expected)
+bool holdsValue(HierarchyListPattern &list, const QString &name, const QString &expected)
 {
     const auto element = list.getElement(name);
     QVariant value;
