@@ -2,11 +2,14 @@
 #include "LogSegments.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QProcess>
 #include <QtTest>
 
 #include <csignal>
 #include <memory>
+#include <sys/ipc.h>
+#include <sys/sem.h>
 #include <unistd.h>
 #include <vector>
 
@@ -63,7 +66,6 @@ class LogProcessTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { LogSegments::RemoveAll(); }
     void cleanup();
 
     void linesOnStandardError();
@@ -75,6 +77,8 @@ private Q_SLOTS:
     void aClosedPipeDoesNotKill();
     void noUseNoObjects();
     void aProcessKilledInsideTheSectionLetsOthersOn();
+    void theSemaphoreIsTheOneThatQtFinds();
+    void aSemaphoreWithoutItsCountGetsIt();
     void recordsOfOtherProcessesAreOverwritten();
     void recordsWithoutProofAreNotFollowed_data();
     void recordsWithoutProofAreNotFollowed();
@@ -161,6 +165,30 @@ void LogProcessTest::aProcessKilledInsideTheSectionLetsOthersOn()
     LogSegments::RemoveAll();
 }
 
+void LogProcessTest::theSemaphoreIsTheOneThatQtFinds()
+{
+    QSystemSemaphore semaphore(LogSegments::semaphoreKey, 1, QSystemSemaphore::Create);
+    QVERIFY(semaphore.acquire());
+    const std::unique_ptr<QProcess> child = Start(QStringLiteral("lines"));
+    QVERIFY(child->waitForStarted(patience));
+    QVERIFY(!child->waitForFinished(300));
+    QVERIFY(semaphore.release());
+    QCOMPARE(Finish(*child).exitCode, 0);
+}
+
+void LogProcessTest::aSemaphoreWithoutItsCountGetsIt()
+{
+    // What a process leaves that dies between making the semaphore and giving it its count.
+    const QSystemSemaphore maker(LogSegments::semaphoreKey, 1, QSystemSemaphore::Create);
+    const QDir directory(QDir::tempPath());
+    const QStringList files = directory.entryList({QStringLiteral("qipc_systemsem_*")}, QDir::Files);
+    QCOMPARE(files.size(), 1);
+    const key_t key = ftok(QFile::encodeName(directory.filePath(files.first())).constData(), 'Q');
+    QVERIFY(semctl(semget(key, 1, 0600), 0, IPC_RMID) == 0);
+    QVERIFY(semget(key, 1, 0600 | IPC_CREAT | IPC_EXCL) >= 0);
+    QCOMPARE(Run(QStringLiteral("lines")).lines.count(QLatin1Char('\n')), 3);
+}
+
 void LogProcessTest::recordsOfOtherProcessesAreOverwritten()
 {
     LogSegments::Segment segment(LogSegments::sinkKey);
@@ -244,6 +272,7 @@ int main(int argc, char *argv[])
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == QStringLiteral("--child"))
         return RunLogProcessChild(arguments.value(2));
+    const LogSegments::OwnObjects ownObjects;
     LogProcessTest test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QFile>
 #include <QSharedMemory>
 #include <QStringList>
 #include <QSystemSemaphore>
+#include <QTemporaryDir>
 
 #include <cstring>
 
@@ -16,6 +18,22 @@ inline const QString filterKey
     = QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomFilterRepository");
 inline const QString contextKey = QStringLiteral("Shared::Logging::LogHandler::LogContext");
 inline const QStringList segmentKeys{sinkKey, filterKey, contextKey};
+
+/// The objects belong to files in the directory for temporary files. With one of its own, this process and
+/// its children have objects that no other process on the machine touches. To be made before the first
+/// message.
+class OwnObjects
+{
+public:
+    OwnObjects()
+    {
+        QFile::setPermissions(directory.path(), QFile::Permissions(0x7777)); // for children of other users
+        qputenv("TMPDIR", QFile::encodeName(directory.path()));
+    }
+
+private:
+    QTemporaryDir directory;
+};
 
 struct Record
 {

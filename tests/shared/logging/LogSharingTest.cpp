@@ -40,6 +40,7 @@ private:
         resolve<void(int, const char *)>("pluginLog")(int(level), text);
     }
 
+    const LogSegments::OwnObjects ownObjects;
     QLibrary plugin{QStringLiteral(PLUGIN_FILE)};
     QString sink;
     QString filter;
