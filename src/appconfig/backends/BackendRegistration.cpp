@@ -1,4 +1,5 @@
 #include <appconfig/backends/BackendRegistration.h>
+#include <appconfig/backends/ConstraintsBackend.h>
 #include <appconfig/backends/JsonBackend.h>
 #include <appconfig/backends/MemoryBackend.h>
 
@@ -6,7 +7,8 @@ namespace Tessellum::AppConfig::Backends {
 
 int RegisterBackends(BackendFactory &factory)
 {
-    return RegisterBackend<MemoryBackend>(factory) + RegisterBackend<JsonBackend>(factory);
+    return RegisterBackend<MemoryBackend>(factory) + RegisterBackend<JsonBackend>(factory)
+        + RegisterBackend<ConstraintsBackend>(factory);
 }
 
 } // namespace Tessellum::AppConfig::Backends
