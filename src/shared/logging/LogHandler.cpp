@@ -3,11 +3,11 @@
 #include <shared/logging/utils/LogLine.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QMutexLocker>
 #include <QThread>
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 
 namespace Shared::Logging {
@@ -25,7 +25,7 @@ std::atomic<LogHandler *> handler{nullptr}; // set while the guard is alive
 thread_local bool insideSection = false;
 
 constexpr LogMessageType defaultThreshold = LogMessageType::log;
-constexpr std::chrono::milliseconds closeTimeout{2000}; // for each of the two locks
+constexpr int closeTimeout = 2000; // milliseconds, for each of the two locks
 
 /// Stands in whenever the shared settings could not be reached.
 LogContext DefaultLogContext()
@@ -437,11 +437,11 @@ void LogHandler::close()
     // exit() inside a filter comes here from within the section, of this copy or of another.
     const bool inside = insideSection;
     const bool insideOther = !inside && isInsideSection();
-    if (!inside && !processMutex.tryLock(int(closeTimeout.count())))
+    if (!inside && !processMutex.tryLock(closeTimeout))
         return; // a thread hangs inside: the system takes back what it holds
     insideSection = true;
     closed = true;
-    if (inside || insideOther || semaphore.acquire(closeTimeout)) {
+    if (inside || insideOther || semaphore.acquire(QDeadlineTimer(closeTimeout))) {
         bool last = true;
         for (utils::LogSegment *segment : {&sinkSegment, &filterSegment, &contextSegment})
             last = segment->close() && last;

@@ -171,7 +171,7 @@ void LogProcessTest::theSemaphoreIsTheOneThatQtFinds()
     QVERIFY(semaphore.acquire());
     const std::unique_ptr<QProcess> child = Start(QStringLiteral("lines"));
     QVERIFY(child->waitForStarted(patience));
-    QVERIFY(!child->waitForFinished(300));
+    QVERIFY(!child->waitForFinished(600));
     QVERIFY(semaphore.release());
     QCOMPARE(Finish(*child).exitCode, 0);
 }

@@ -15,8 +15,6 @@ namespace Shared::Foundation::Platform {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int accessMode = 0600;
 // How often the semaphore may vanish while it is opened; each time another process has just ended.
 constexpr int attempts = 100;
@@ -60,9 +58,8 @@ SystemSemaphore::SystemSemaphore(const QString &key)
     : keyFile(KeyFile(key))
 { }
 
-SystemSemaphore::Result SystemSemaphore::acquire(std::chrono::milliseconds timeout)
+SystemSemaphore::Result SystemSemaphore::acquire(QDeadlineTimer deadline)
 {
-    const Clock::time_point begin = Clock::now();
     for (int attempt = 0; attempt < attempts;) {
         if (id == -1 && !open()) {
             if (errno == EACCES || errno == EPERM)
@@ -73,7 +70,7 @@ SystemSemaphore::Result SystemSemaphore::acquire(std::chrono::milliseconds timeo
         if (ChangeCount(id, -1, &slice))
             return Result::Acquired;
         if (errno == EAGAIN) {
-            if (Clock::now() - begin >= timeout)
+            if (deadline.hasExpired())
                 return Result::Failed;
             initializeOrphan();
         } else if (IsGone(errno)) {

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QString>
-
-#include <chrono>
 
 namespace Shared::Foundation::Platform {
 
@@ -24,7 +23,7 @@ public:
     explicit SystemSemaphore(const QString &key);
 
     /// Waits for its turn, without end by default.
-    Result acquire(std::chrono::milliseconds timeout = std::chrono::milliseconds::max());
+    Result acquire(QDeadlineTimer deadline = QDeadlineTimer::Forever);
     void release();
     /// Takes the semaphore from the system. Whoever waits for it, or comes later, makes a new one.
     void remove();

@@ -8,10 +8,10 @@ LogSemaphore::LogSemaphore(const QString &key_)
     , semaphore(key_)
 { }
 
-bool LogSemaphore::acquire(std::chrono::milliseconds timeout)
+bool LogSemaphore::acquire(QDeadlineTimer deadline)
 {
     while (!absent) {
-        const SystemSemaphore::Result result = semaphore.acquire(timeout);
+        const SystemSemaphore::Result result = semaphore.acquire(deadline);
         if (result != SystemSemaphore::Result::Denied)
             return result == SystemSemaphore::Result::Acquired;
         fallBack();

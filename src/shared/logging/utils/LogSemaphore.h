@@ -2,9 +2,8 @@
 
 #include <shared/foundation/platform/SystemSemaphore.h>
 
+#include <QDeadlineTimer>
 #include <QString>
-
-#include <chrono>
 
 namespace Shared::Logging::utils {
 
@@ -19,7 +18,7 @@ public:
     explicit LogSemaphore(const QString &key);
 
     /// False when the system refuses, or when the time is over.
-    bool acquire(std::chrono::milliseconds timeout = std::chrono::milliseconds::max());
+    bool acquire(QDeadlineTimer deadline = QDeadlineTimer::Forever);
     void release();
     /// Takes the semaphore from the system; other processes make a new one.
     void remove();
