@@ -1,0 +1,62 @@
+#pragma once
+
+#include <notification/TaskPoints.h>
+#include <shared/logging/LogLevel.h>
+
+#include <QJsonObject>
+#include <QStringList>
+#include <QVector>
+
+namespace Tessellum::Tool {
+
+/*! One enumerator under its name in the code. */
+template <typename Enum>
+struct NamedValue
+{
+    const char *name;
+    Enum value;
+};
+
+QVector<NamedValue<Notification::CreatePoint>> NamedValues(Notification::CreatePoint);
+QVector<NamedValue<Notification::UpdatePoint>> NamedValues(Notification::UpdatePoint);
+QVector<NamedValue<Notification::DeletePoint>> NamedValues(Notification::DeletePoint);
+QVector<NamedValue<Notification::UpdateResult>> NamedValues(Notification::UpdateResult);
+QVector<NamedValue<Shared::Logging::LogMessageType>> NamedValues(Shared::Logging::LogMessageType);
+
+/*! Name and number of \a value. */
+template <typename Enum>
+QJsonObject EnumJson(Enum value)
+{
+    QString name;
+    for (const auto &named : NamedValues(value)) {
+        if (named.value == value)
+            name = QString::fromLatin1(named.name);
+    }
+    return {{QStringLiteral("name"), name}, {QStringLiteral("number"), static_cast<int>(value)}};
+}
+
+/*! Reads a name in any case, or a number; false, with \a value untouched, for anything else. */
+template <typename Enum>
+bool ParseEnum(const QString &text, Enum &value)
+{
+    for (const auto &named : NamedValues(Enum())) {
+        if (text.compare(QLatin1String(named.name), Qt::CaseInsensitive) == 0
+            || text == QString::number(static_cast<int>(named.value))) {
+            value = named.value;
+            return true;
+        }
+    }
+    return false;
+}
+
+/*! The names, for a message. */
+template <typename Enum>
+QString EnumNames(Enum)
+{
+    QStringList names;
+    for (const auto &named : NamedValues(Enum()))
+        names.append(QString::fromLatin1(named.name));
+    return names.join(QStringLiteral(", "));
+}
+
+} // namespace Tessellum::Tool

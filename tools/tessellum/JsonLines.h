@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QMutex>
+
+namespace Tessellum::Tool {
+
+/*! Writes one JSON object a line to standard output, whole and at once, from any thread. */
+class JsonLines
+{
+public:
+    void write(const QJsonObject &object);
+
+private:
+    QMutex mutex; ///< keeps the lines of several threads apart
+};
+
+} // namespace Tessellum::Tool

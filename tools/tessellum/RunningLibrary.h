@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ToolError.h"
+
+#include <appconfig/interfaces/RepositoryInterface.h>
+#include <core/Library.h>
+
+#include <memory>
+
+namespace Tessellum::Tool {
+
+/*! The configuration of the running library; fails the command if it does not run. */
+inline std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> Configuration()
+{
+    const Core::CoreInterface *const core = getCoreInterface();
+    const auto repository = core ? core->getAppConfigRepository() : nullptr;
+    if (!repository)
+        Fail(QStringLiteral("the library does not run"));
+    return repository;
+}
+
+/*! Starts the library for the length of a scope; fails the command if it does not start. */
+class RunningLibrary
+{
+public:
+    RunningLibrary()
+    {
+        if (initializeLibrary() != 0)
+            Fail(QStringLiteral("the library does not start"));
+    }
+    ~RunningLibrary() { uninitializeLibrary(); }
+    Q_DISABLE_COPY_MOVE(RunningLibrary)
+};
+
+} // namespace Tessellum::Tool

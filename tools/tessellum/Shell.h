@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Arguments.h"
+#include "JsonLines.h"
+#include "Watches.h"
+
+#include <QVector>
+
+#include <istream>
+
+namespace Tessellum::Tool {
+
+/*!
+ * Runs the commands that it reads, one a line, and answers each by one object: {"ok":true,...} or
+ * {"error":"text",...}. Leaves the library stopped.
+ */
+class Shell
+{
+public:
+    Shell();
+    ~Shell();
+    Q_DISABLE_COPY_MOVE(Shell)
+
+    /*! Reads \a input to its end, or to "quit". The gravest exit code that a command gave. */
+    int run(std::istream &input);
+
+    /*! The commands with their arguments, one a line. */
+    static QString Help();
+
+private:
+    struct Entry
+    {
+        const char *name;
+        const char *usage;
+        int least; ///< how many arguments it takes
+        int most;
+        QJsonObject (Shell::*run)(const Arguments &arguments);
+    };
+    static const QVector<Entry> &Entries();
+
+    int answer(const ShellCommand &command);
+    QJsonObject execute(const ShellCommand &command);
+
+    QJsonObject help(const Arguments &arguments);
+    QJsonObject start(const Arguments &arguments);
+    QJsonObject stop(const Arguments &arguments);
+    QJsonObject createBackend(const Arguments &arguments);
+    QJsonObject listBackends(const Arguments &arguments);
+    QJsonObject saveBackend(const Arguments &arguments);
+    QJsonObject query(const Arguments &arguments);
+    QJsonObject get(const Arguments &arguments);
+    QJsonObject create(const Arguments &arguments);
+    QJsonObject update(const Arguments &arguments);
+    QJsonObject remove(const Arguments &arguments);
+    QJsonObject watch(const Arguments &arguments);
+    QJsonObject unwatch(const Arguments &arguments);
+    QJsonObject listValidations(const Arguments &arguments);
+    QJsonObject assignValidation(const Arguments &arguments);
+    QJsonObject removeValidation(const Arguments &arguments);
+    QJsonObject setLogLevel(const Arguments &arguments);
+    QJsonObject locale(const Arguments &arguments);
+
+    JsonLines lines;
+    Watches watches;
+};
+
+} // namespace Tessellum::Tool

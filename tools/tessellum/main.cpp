@@ -1,0 +1,86 @@
+#include "FileCommands.h"
+#include "Shell.h"
+#include "ToolError.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <iostream>
+
+using namespace Tessellum::Tool;
+
+namespace {
+
+QString usage()
+{
+    return QStringLiteral("usage: tessellum tree FILE.json [PATTERN]   print the values of a file\n"
+                          "       tessellum get FILE PATH              print one value\n"
+                          "       tessellum set FILE PATH VALUE        set one value and save\n"
+                          "       tessellum shell                      read commands from standard input\n"
+                          "       tessellum --help\n");
+}
+
+QString help()
+{
+    return usage()
+        + QStringLiteral(
+               "\n"
+               "Values are JSON; on a command line a text needs quotes around its quotes: '\"text\"'.\n"
+               "A path is written with dots, a.b.c; the elements of an array \"a\" are <a>.0, <a>.1.\n"
+               "A pattern is a path with the wildcards * and ?; \"a.*\" is all that lies below a.\n"
+               "Exit codes: 0, 1 if an operation failed, 2 for a wrong usage. Log lines go to standard "
+               "error.\n"
+               "\n"
+               "The shell reads one command a line. Arguments stand between blanks; one in double quotes is\n"
+               "a JSON string, one that begins with a bracket a JSON array or object. It writes one JSON\n"
+               "object a line: {\"ok\":true,...} or {\"error\":\"text\",...} for each command, and\n"
+               "{\"notify\":...} for what a watch hears, as it comes. Points and levels are given by name "
+               "or\n"
+               "number; points are Done where none is given, and All for a watch. Its exit code is the\n"
+               "gravest of its commands.\n")
+        + Shell::Help();
+}
+
+void print(const QString &text, std::FILE *file)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+}
+
+int run(const QStringList &arguments)
+{
+    const QString command = arguments.value(1);
+    const int count = arguments.size() - 2;
+    QString text;
+    QTextStream out(&text);
+    if (command == QLatin1String("--help") && count == 0) {
+        out << help();
+    } else if (command == QLatin1String("tree") && (count == 1 || count == 2)) {
+        PrintTree(arguments.at(2), arguments.value(3, QStringLiteral("*")), out);
+    } else if (command == QLatin1String("get") && count == 2) {
+        PrintValue(arguments.at(2), arguments.at(3), out);
+    } else if (command == QLatin1String("set") && count == 3) {
+        SetValue(arguments.at(2), arguments.at(3), arguments.at(4));
+    } else if (command == QLatin1String("shell") && count == 0) {
+        return Shell().run(std::cin);
+    } else {
+        print(usage(), stderr);
+        return WrongUsage;
+    }
+    out.flush();
+    print(text, stdout);
+    return Success;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    try {
+        return run(QCoreApplication::arguments());
+    } catch (const ToolError &error) {
+        print(QStringLiteral("tessellum: %1\n").arg(error.text), stderr);
+        return error.code;
+    }
+}
