@@ -1,7 +1,8 @@
 // What an attribute costs, in time and in memory, when a list of many is created by one task.
 
 #include <appconfig/attributes/AttributeCreateTask.h>
-#include <appconfig/attributes/AttributeCreation.h>
+#include <appconfig/attributes/AttributeUpdateTask.h>
+#include <appconfig/HierarchyListPattern.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
@@ -98,5 +99,25 @@ void AttributeRead(benchmark::State &state)
     }
 }
 BENCHMARK(AttributeRead);
+
+/// Each addition brings a text of all names: this one grows with the square, by a small factor.
+void ListAddition(benchmark::State &state)
+{
+    const int count = int(state.range(0));
+    ThreadPool pool(
+        QStringLiteral("benchmark"), {},
+        [](const auto &node, const QVariant &value, auto waitPoint) {
+            return std::make_unique<AttributeUpdateTask>(nullptr, node, value, waitPoint);
+        },
+        {}, 2, false);
+    for (auto _ : state) {
+        const auto list = MakeNode<Tessellum::Core::HierarchyListPattern>(&pool, QStringLiteral("list"));
+        for (int i = 0; i < count; ++i)
+            list->addElementToList(QStringLiteral("element%1").arg(i), i, false);
+        pool.waitForDone();
+    }
+    state.counters["items"] = count;
+}
+BENCHMARK(ListAddition)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace

@@ -69,12 +69,12 @@ void AttributeDeleteTask::startDeletionOfChildren(const NodePtr &node) const
     // What a link shows beneath itself belongs to its target.
     if (qobject_cast<Shared::Hierarchy::HierarchyNodeLink *>(node.get()) || node->getNumberOfChildren() == 0)
         return;
-    AppConfig::utils::GlobalPoolJobs::start([node, &taskPool = pool, parentPath = path] {
+    const QString prefix = path.isEmpty() ? path : path + HierarchyNode::GetHierarchyNodePathSeparator();
+    AppConfig::utils::GlobalPoolJobs::start([node, &taskPool = pool, prefix] {
         for (const NodePtr &child : node->getChildren(false)) {
-            const QString childPath
-                = parentPath + HierarchyNode::GetHierarchyNodePathSeparator() + child->getId();
             // The task keeps the child, which nobody else may hold by the time it runs.
-            taskPool.startDeleteTask(child, childPath, QVariant::fromValue(child), DeletePoint::All);
+            taskPool.startDeleteTask(child, prefix + child->getId(), QVariant::fromValue(child),
+                                     DeletePoint::All);
         }
     });
 }
