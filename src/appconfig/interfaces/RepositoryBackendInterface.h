@@ -24,7 +24,8 @@ public:
     virtual bool saveBackend(const QString &name) = 0;
     virtual QStringList getBackendNames() const = 0;
     virtual bool hasBackend(const QString &name) const = 0;
-    /*! Empty if there is no such backend. */
+    /*! For a name that is not there a repository's front gives a reference that answers empty; empty after a
+     * stop. */
     virtual std::shared_ptr<BackendInterface> getBackend(const QString &name) const = 0;
     virtual ~RepositoryBackendInterface() = default;
 };
