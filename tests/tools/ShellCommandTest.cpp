@@ -1,8 +1,8 @@
+#include "../../tools/tessellum/ShellCommand.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QtTest>
-
-#include "../../tools/tessellum/ShellCommand.h"
 
 using namespace Tessellum::Tool;
 
