@@ -4,7 +4,6 @@
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
 
-#include <QMutex>
 #include <QSystemSemaphore>
 #include <QTextStream>
 
@@ -44,16 +43,53 @@ private:
 const QString text
     = QStringLiteral("HierarchyNodeInstance::addChild() called with an id that is there already");
 
-void FloorEmptyTextStream(benchmark::State &state)
+void BelowThreshold(benchmark::State &state)
+{
+    const LogStreamProvider provider = FrameworkLog();
+    for (auto _ : state)
+        LogHandler::LogMessage(provider, LogMessageType::debug, text);
+    state.counters["aim_ns"] = 20;
+}
+BENCHMARK(BelowThreshold)->UseRealTime();
+
+void StreamedBelowThreshold(benchmark::State &state)
+{
+    int value = 0;
+    for (auto _ : state)
+        FrameworkLog().debug() << "HierarchyNodeInstance::addChild() called for child " << ++value;
+    state.counters["aim"] = 8;
+}
+BENCHMARK(StreamedBelowThreshold)->UseRealTime();
+
+void StreamedBelowThreshold_Floor(benchmark::State &state)
 {
     for (auto _ : state) {
         QTextStream stream;
         benchmark::DoNotOptimize(&stream);
     }
 }
-BENCHMARK(FloorEmptyTextStream);
+BENCHMARK(StreamedBelowThreshold_Floor)->UseRealTime();
 
-void FloorSemaphorePair(benchmark::State &state)
+void StreamedBelowThreshold_Peer(benchmark::State &state)
+{
+    spdlog::logger logger("peer", std::make_shared<spdlog::sinks::null_sink_mt>());
+    int value = 0;
+    for (auto _ : state)
+        logger.debug("HierarchyNodeInstance::addChild() called for child {}", ++value);
+}
+BENCHMARK(StreamedBelowThreshold_Peer)->UseRealTime();
+
+void LineToStandardError(benchmark::State &state)
+{
+    const SilentStandardError silent;
+    const LogStreamProvider provider = FrameworkLog();
+    for (auto _ : state)
+        LogHandler::LogMessage(provider, LogMessageType::warning, text);
+    state.counters["aim"] = 3;
+}
+BENCHMARK(LineToStandardError)->UseRealTime();
+
+void LineToStandardError_Floor(benchmark::State &state)
 {
     QSystemSemaphore semaphore(QStringLiteral("Shared::Logging::LoggingBenchmark"), 1,
                                QSystemSemaphore::Create);
@@ -62,62 +98,16 @@ void FloorSemaphorePair(benchmark::State &state)
         semaphore.release();
     }
 }
-BENCHMARK(FloorSemaphorePair);
+BENCHMARK(LineToStandardError_Floor)->UseRealTime();
 
-void ReadyTextBelowThreshold(benchmark::State &state)
-{
-    const LogStreamProvider provider = FrameworkLog();
-    for (auto _ : state)
-        LogHandler::LogMessage(provider, LogMessageType::debug, text);
-}
-BENCHMARK(ReadyTextBelowThreshold)->ThreadRange(1, 2);
-
-void StreamedLineBelowThreshold(benchmark::State &state)
-{
-    int value = 0;
-    for (auto _ : state)
-        FrameworkLog().debug() << "HierarchyNodeInstance::addChild() called for child " << ++value;
-}
-BENCHMARK(StreamedLineBelowThreshold);
-
-void PeerBelowThreshold(benchmark::State &state)
-{
-    spdlog::logger logger("peer", std::make_shared<spdlog::sinks::null_sink_mt>());
-    int value = 0;
-    for (auto _ : state)
-        logger.debug("HierarchyNodeInstance::addChild() called for child {}", ++value);
-}
-BENCHMARK(PeerBelowThreshold);
-
-void ReadyTextToStandardError(benchmark::State &state)
-{
-    const SilentStandardError silent;
-    const LogStreamProvider provider = FrameworkLog();
-    for (auto _ : state)
-        LogHandler::LogMessage(provider, LogMessageType::warning, text);
-}
-BENCHMARK(ReadyTextToStandardError);
-
-void StreamedLineToStandardError(benchmark::State &state)
-{
-    const SilentStandardError silent;
-    int value = 0;
-    for (auto _ : state)
-        FrameworkLog().warning() << "HierarchyNodeInstance::addChild() called for child " << ++value;
-}
-BENCHMARK(StreamedLineToStandardError);
-
-void PeerToStandardError(benchmark::State &state)
+void LineToStandardError_Peer(benchmark::State &state)
 {
     const SilentStandardError silent;
     spdlog::logger logger("peer", std::make_shared<spdlog::sinks::stderr_sink_mt>());
     logger.set_pattern("[%n %l] %v");
-    int value = 0;
     for (auto _ : state)
-        logger.warn("HierarchyNodeInstance::addChild() called for child {}", ++value);
+        logger.warn("HierarchyNodeInstance::addChild() called with an id that is there already");
 }
-BENCHMARK(PeerToStandardError);
+BENCHMARK(LineToStandardError_Peer)->UseRealTime();
 
 } // namespace
-
-BENCHMARK_MAIN();

@@ -1,6 +1,8 @@
 #include <shared/foundation/platform/DebugOutput.h>
 #include <shared/logging/LogHandler.h>
+#include <shared/logging/utils/Callbacks.h>
 #include <shared/logging/utils/LogLine.h>
+#include <shared/logging/utils/QtMessageHandler.h>
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -45,52 +47,6 @@ void WriteInsideSection(const LogMessageContext &context, const LogLevel &level,
 QString DetachedText(const QString &text)
 {
     return QString(text.constData(), text.size());
-}
-
-void HandleQtMessage(QtMsgType type, const QMessageLogContext &, const QString &message)
-{
-    LogHandler::LogMessage(LogMessageContext(), LogLevel(type), message);
-}
-
-/// Takes over Qt's messages unless the application did. Qt names its own default handler where none is
-/// installed.
-void InstallQtMessageHandler()
-{
-    const QtMessageHandler current = qInstallMessageHandler(nullptr);
-    const QtMessageHandler none = qInstallMessageHandler(nullptr);
-    qInstallMessageHandler(current == none ? HandleQtMessage : current);
-}
-
-/// The code of this copy may be unloaded after its end, so Qt must not call it any more.
-void UninstallQtMessageHandler()
-{
-    const QtMessageHandler current = qInstallMessageHandler(nullptr);
-    if (current != HandleQtMessage)
-        qInstallMessageHandler(current);
-}
-
-bool AnyVote(const QList<LogFilter> &filters, const LogMessageContext &context, const LogLevel &level,
-             const QString &message, const QString &line)
-{
-    for (const LogFilter &filter : filters) {
-        try {
-            if (filter(context, level, message, line))
-                return true;
-        } catch (...) { // no vote
-        }
-    }
-    return false;
-}
-
-void CallSinks(const QList<LogSink> &sinks, const LogMessageContext &context, const LogLevel &level,
-               const QString &message)
-{
-    for (const LogSink &sink : sinks) {
-        try {
-            sink(context, level, message);
-        } catch (...) { // messages also come from destructors, which nothing may leave
-        }
-    }
 }
 
 template <typename T, typename... Arguments>
@@ -273,7 +229,7 @@ void LogHandler::initializeLogSinkRepository()
     if (!section)
         return;
     sinks = FindShared<LogSinkRepository>(sinkSegment);
-    InstallQtMessageHandler();
+    utils::InstallQtMessageHandler();
 }
 
 void LogHandler::initializeLogFilterRepository()
@@ -282,7 +238,7 @@ void LogHandler::initializeLogFilterRepository()
     if (!section)
         return;
     filters = FindShared<LogFilterRepository>(filterSegment);
-    InstallQtMessageHandler();
+    utils::InstallQtMessageHandler();
 }
 
 void LogHandler::initializeLogContext()
@@ -350,10 +306,10 @@ void LogHandler::onCustomLogMessage(const LogMessageContext &context, const LogL
             askedFilters = filters->value.getMessageFilter();
         }
         QString line = utils::FormatLine(context, level, message, effective.identification) + trace;
-        if (askedFilters.isEmpty() || AnyVote(askedFilters, context, level, message, line))
+        if (askedFilters.isEmpty() || utils::AnyVote(askedFilters, context, level, message, line))
             Foundation::Platform::WriteDebugOutput(line + QLatin1Char('\n'));
     }
-    CallSinks(calledSinks, context, level, message);
+    utils::CallSinks(calledSinks, context, level, message);
     if (level.getLogLevel() == LogMessageType::fatal)
         std::abort();
 }
@@ -433,7 +389,7 @@ bool LogHandler::setLogIdentifier(const QString &identification)
 
 void LogHandler::close()
 {
-    UninstallQtMessageHandler();
+    utils::UninstallQtMessageHandler();
     // exit() inside a filter comes here from within the section, of this copy or of another.
     const bool inside = insideSection;
     const bool insideOther = !inside && isInsideSection();
