@@ -1,6 +1,7 @@
 #include "common/ProgressLine.h"
 #include "Instrument.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonValue>

@@ -29,15 +29,16 @@ public:
 
 LateStop lateStop;
 
-std::shared_ptr<Notification::Interfaces::NotificationHandleInterface> handle;
-
 void callOnHandlerThread(const std::function<void()> &function)
 {
     const auto repository = getCoreInterface()->getAppConfigRepository();
-    handle = repository->getNotificationInterface()->registerCreateHandler(
-        QStringLiteral("a"),
-        [function](const QString &, const Notification::CreatePoint &, const bool &) { function(); },
-        Notification::CreatePoint::Done);
+    // Never dropped: that would wait for the handler.
+    static auto *const handle
+        = new std::shared_ptr(repository->getNotificationInterface()->registerCreateHandler(
+            QStringLiteral("a"),
+            [function](const QString &, const Notification::CreatePoint &, const bool &) { function(); },
+            Notification::CreatePoint::Done));
+    Q_UNUSED(handle)
     repository->getManipulationInterface()->createAttribute(QStringLiteral("a"), 1,
                                                             Notification::CreatePoint::Done, 3);
 }
