@@ -57,8 +57,8 @@ QString StressRecord::findDifference() const
         const QHash<QString, int> counts = countHeard(*handler, difference);
         QHash<QString, int> expected;
         for (const StressOperation &operation : operations) {
-            const bool inside = operation.begun > handler->registered && operation.ended < handler->ending;
-            if (operation.kind != handler->kind || !inside
+            if (operation.kind != handler->kind || operation.begun < handler->registered
+                || handler->endedEarly
                 || !Shared::WildcardStringCompare(operation.path.constData(), handler->pattern.constData()))
                 continue;
             for (const int point : operation.points) {

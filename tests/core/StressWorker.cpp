@@ -84,13 +84,6 @@ void StressWorker::beginRun()
     registrations.clear();
 }
 
-void StressWorker::endHandlers()
-{
-    for (const Registration &registration : qAsConst(registrations))
-        registration.handler->ending = StressClock::next();
-    registrations.clear();
-}
-
 qlonglong StressWorker::nextValue()
 {
     static std::atomic<qlonglong> last{0};
@@ -137,16 +130,11 @@ void StressWorker::create()
     const quint64 begun = StressClock::next();
     const bool created
         = found->getManipulationInterface()->createAttribute(path, value, CreatePoint::Done, 3);
-    const quint64 ended = StressClock::next();
     if (!created || stopping)
         return;
     model.insert(path, value);
-    record.add({StressKind::Create,
-                path,
-                0,
-                begun,
-                ended,
-                {numberOf(CreatePoint::Begin), numberOf(CreatePoint::Done)}});
+    record.add(
+        {StressKind::Create, path, 0, begun, {numberOf(CreatePoint::Begin), numberOf(CreatePoint::Done)}});
 }
 
 void StressWorker::update(const QString &path, bool own)
@@ -158,7 +146,6 @@ void StressWorker::update(const QString &path, bool own)
     const quint64 begun = StressClock::next();
     const UpdateResult result
         = found->getManipulationInterface()->updateAttribute(path, value, UpdatePoint::Done);
-    const quint64 ended = StressClock::next();
     if (result != UpdateResult::Ok || stopping)
         return;
     if (own)
@@ -167,7 +154,7 @@ void StressWorker::update(const QString &path, bool own)
     QVector<int> points{numberOf(UpdatePoint::Check), numberOf(UpdatePoint::Apply)};
     if (own)
         points.append(numberOf(UpdatePoint::Done));
-    record.add({StressKind::Update, path, value, begun, ended, points});
+    record.add({StressKind::Update, path, value, begun, points});
 }
 
 void StressWorker::updateRefused()
@@ -180,9 +167,8 @@ void StressWorker::updateRefused()
     const quint64 begun = StressClock::next();
     const UpdateResult result
         = found->getManipulationInterface()->updateAttribute(path, value, UpdatePoint::Done);
-    const quint64 ended = StressClock::next();
     if (result == UpdateResult::CheckFailed && !stopping)
-        record.add({StressKind::Update, path, value, begun, ended, {numberOf(UpdatePoint::Check)}});
+        record.add({StressKind::Update, path, value, begun, {numberOf(UpdatePoint::Check)}});
 }
 
 void StressWorker::remove()
@@ -193,16 +179,11 @@ void StressWorker::remove()
         return;
     const quint64 begun = StressClock::next();
     const bool deleted = found->getManipulationInterface()->deleteAttribute(path, DeletePoint::Done);
-    const quint64 ended = StressClock::next();
     if (!deleted || stopping)
         return;
     model.remove(path);
-    record.add({StressKind::Delete,
-                path,
-                0,
-                begun,
-                ended,
-                {numberOf(DeletePoint::Begin), numberOf(DeletePoint::Done)}});
+    record.add(
+        {StressKind::Delete, path, 0, begun, {numberOf(DeletePoint::Begin), numberOf(DeletePoint::Done)}});
 }
 
 void StressWorker::move()
@@ -243,7 +224,7 @@ void StressWorker::toggleHandler()
         return;
     if (registrations.size() >= most || (!registrations.isEmpty() && random.bounded(3) == 0)) {
         const Registration registration = registrations.takeAt(random.bounded(registrations.size()));
-        registration.handler->ending = StressClock::next();
+        registration.handler->endedEarly = true;
         return;
     }
     const auto notifications = found->getNotificationInterface();

@@ -44,7 +44,6 @@ public:
 
     /*! For the main thread, with the gate closed. */
     void beginRun();
-    void endHandlers();
     QString findDifference() const;
     QString prefix() const { return QStringLiteral("stress.w%1").arg(number); }
     /*! Set before a stop begins: what ends later is not taken for acknowledged. */
