@@ -42,6 +42,15 @@ void StressRecord::add(const std::shared_ptr<StressHandler> &handler)
     handlers.append(handler);
 }
 
+void StressRecord::forgetLastPoints(const QString &path)
+{
+    const QMutexLocker locker(&mutex);
+    for (StressOperation &operation : operations) {
+        if (operation.kind == StressKind::Update && operation.path == path)
+            operation.points.removeOne(static_cast<int>(Tessellum::Notification::UpdatePoint::Done));
+    }
+}
+
 void StressRecord::clear()
 {
     const QMutexLocker locker(&mutex);

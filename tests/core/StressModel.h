@@ -82,6 +82,11 @@ class StressRecord
 public:
     void add(const StressOperation &operation);
     void add(const std::shared_ptr<StressHandler> &handler);
+    /*!
+     * The caller of an update goes on before the last point is told, so a node that moves then may be told of
+     * under its new path: the last points of updates at \a path count no more.
+     */
+    void forgetLastPoints(const QString &path);
     void clear();
 
     /*! Empty if what was heard agrees with what was done; otherwise the first difference. */

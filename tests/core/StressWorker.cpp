@@ -198,6 +198,7 @@ void StressWorker::move()
     // A refused move leaves a node without a parent, so a taken place is not tried.
     if (!node || !parent || model.contains(moved))
         return;
+    record.forgetLastPoints(path);
     if (node->setParent(parent, false) && !stopping)
         model.insert(moved, model.take(path));
 }
