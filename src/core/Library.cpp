@@ -65,7 +65,8 @@ void runStop()
 class ExitHook
 {
 public:
-    ExitHook() = default;
+    // The log shall close after the stop, which still writes to it.
+    ExitHook() { Shared::Logging::LogHandler::PrepareExit(); }
     Q_DISABLE_COPY_MOVE(ExitHook)
     ~ExitHook()
     {
