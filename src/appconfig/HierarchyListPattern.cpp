@@ -19,6 +19,9 @@ using Shared::Synchronization::ScopedLock;
 namespace {
 
 constexpr int MinimumToForget = 64;
+// From here on a text under way is not joined at its start: it would cost the list at each change, and one
+// of those behind it is stored in its place.
+constexpr int ManyTexts = 16;
 
 /*! A copy that shares its buffer with no other text, not even where it is empty. */
 QString UniqueText(const QString &text)
@@ -136,10 +139,15 @@ QString HierarchyListPattern::getListSeparator() const
 
 void HierarchyListPattern::startTextUpdate()
 {
-    const QString text = UniqueText(getElements().join(getListSeparator()));
+    bool isOneOfMany = false;
     {
         const QMutexLocker locker(&listMutex);
         forgetEndedTexts();
+        isOneOfMany = textsUnderWay.size() >= ManyTexts;
+    }
+    const QString text = UniqueText(isOneOfMany ? QString() : getElements().join(getListSeparator()));
+    {
+        const QMutexLocker locker(&listMutex);
         textsUnderWay.insert(text.constData(), {text, nullptr});
     }
     const auto observer = pool->startUpdateTask(self(), text, UpdatePoint::All);
@@ -152,6 +160,13 @@ void HierarchyListPattern::startTextUpdate()
         own->observer = observer;
     else
         textsUnderWay.erase(own);
+}
+
+bool HierarchyListPattern::hasTextUnderWay() const
+{
+    return std::any_of(textsUnderWay.cbegin(), textsUnderWay.cend(), [](const TextUnderWay &other) {
+        return !other.observer || !other.observer->isEnded();
+    });
 }
 
 void HierarchyListPattern::forgetEndedTexts()
@@ -171,13 +186,17 @@ void HierarchyListPattern::forgetEndedTexts()
 bool HierarchyListPattern::setValue(const QVariant &value)
 {
     bool isOwn = false;
+    bool isLast = false;
     if (value.userType() == QMetaType::QString) {
         const QString text = value.toString();
         const QMutexLocker locker(&listMutex);
         isOwn = textsUnderWay.remove(text.constData()) > 0;
+        isLast = isOwn && !hasTextUnderWay();
     }
     if (!isOwn)
         return Attribute::setValue(value);
+    if (!isLast)
+        return true; // the text is joined when the last one is applied
     const QString separator = getListSeparator();
     // One step, or a text that was joined earlier could be stored later.
     const ScopedLock lock(self());

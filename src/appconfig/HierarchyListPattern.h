@@ -63,6 +63,7 @@ private:
     Addition addChildOrFind(const QString &name, const QVariant &value, bool renameOnClash);
     QString freeName(const QString &name) const;
     void startTextUpdate();
+    bool hasTextUnderWay() const; // expects listMutex
     void forgetEndedTexts();
 
     Notification::ThreadPool *const pool;

@@ -317,7 +317,7 @@ void BackendCreateTaskTest::referenceOutlivesTheBackend()
 
 void BackendCreateTaskTest::finishesManyAtOnce()
 {
-    constexpr int Count = 1000;
+    constexpr int Count = 10000;
     auto &pool = fixture->repository().getThreadPool();
     pool.setMaxThreadCount(2);
     // Every second one waits on a thread of the pool for a task of the pool.
@@ -334,7 +334,7 @@ void BackendCreateTaskTest::finishesManyAtOnce()
     QVERIFY(pool.maxThreadCount() <= Tessellum::Notification::ThreadPool::MaximumThreadCount());
     QCOMPARE(fixture->backends().getBackendNames().size(), Count);
     QCOMPARE(fixture->repository().getRoot()->getNumberOfChildren(), quint64(Count));
-    QVERIFY(fixture->node("b999.a"));
+    QVERIFY(fixture->node("b9999.a"));
 }
 
 QTEST_GUILESS_MAIN(BackendCreateTaskTest)
