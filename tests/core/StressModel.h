@@ -83,8 +83,9 @@ public:
     void add(const StressOperation &operation);
     void add(const std::shared_ptr<StressHandler> &handler);
     /*!
-     * The caller of an update goes on before the last point is told, so a node that moves then may be told of
-     * under its new path: the last points of updates at \a path count no more.
+     * The caller of an update goes on before the last point is told, so a node that moves then is told of
+     * under its new path, and one that is deleted not at all: the last points of updates at \a path count no
+     * more.
      */
     void forgetLastPoints(const QString &path);
     void clear();

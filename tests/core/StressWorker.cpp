@@ -177,6 +177,7 @@ void StressWorker::remove()
     const QString path = randomOwnPath();
     if (!found || path.isEmpty())
         return;
+    record.forgetLastPoints(path);
     const quint64 begun = StressClock::next();
     const bool deleted = found->getManipulationInterface()->deleteAttribute(path, DeletePoint::Done);
     if (!deleted || stopping)
