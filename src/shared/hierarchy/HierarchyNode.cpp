@@ -143,8 +143,9 @@ void HierarchyNode::Release(HierarchyNode *node)
 {
     if (!node)
         return;
+    // A thread that has ended, or one without an application, delivers no deferred deletion.
     const QThread *const home = node->thread();
-    if (!home || home == QThread::currentThread() || !QCoreApplication::instance())
+    if (!home || home == QThread::currentThread() || !QCoreApplication::instance() || home->isFinished())
         delete node;
     else
         node->deleteLater();

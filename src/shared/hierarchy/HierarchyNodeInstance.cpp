@@ -104,6 +104,9 @@ bool HierarchyNodeInstance::setDeleteFlag()
     const std::shared_ptr<HierarchyNode> keepAlive = weak_from_this().lock();
     setParent(std::weak_ptr<HierarchyNode>(), true);
     deleteFlag.store(true, std::memory_order_release);
+    // Another thread may have moved the node in between.
+    if (instanceAbove())
+        setParent(std::weak_ptr<HierarchyNode>(), true);
     return isDeleteFlagSet();
 }
 

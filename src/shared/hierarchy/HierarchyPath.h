@@ -112,7 +112,7 @@ public:
         }
         // The sum must rise also where the new place has seen fewer moves than the old one.
         const quint64 before = LockedAncestors(pathAbove.get()).version();
-        const quint64 after = LockedAncestors(newParent.get()).version();
+        const quint64 after = before > 0 ? LockedAncestors(newParent.get()).version() : 0;
         version += 1 + (before > after ? before - after : 0);
         oldParent = std::move(pathAbove);
         pathAbove = newParent;

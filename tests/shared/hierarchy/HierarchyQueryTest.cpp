@@ -1,0 +1,86 @@
+#include "HierarchyTree.h"
+
+#include <QtTest>
+
+using namespace HierarchyTree;
+
+class HierarchyQueryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void query_data();
+    void query();
+    void findsByPath();
+    void costIsLinear();
+};
+
+void HierarchyQueryTest::query_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *pattern, const char *expected) {
+        QTest::newRow(name) << QString::fromLatin1(pattern) << QString::fromLatin1(expected);
+    };
+    row("one node", "a.b", "a.b");
+    row("one node has no subtree", "a", "a");
+    row("no such node", "a.x", "");
+    row("case counts", "A", "");
+    row("empty", "", "");
+    row("everything", "*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d;z[1]");
+    row("all below one", "a.*", "a.b;a.b.d;a.c");
+    row("star in the middle", "*.b.d", "a.b.d;aa.b.d");
+    row("star alone in the middle, named end", "a.*.d", "a.b.d");
+    row("star at the end", "a*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d");
+    row("star in front has no subtree", "*a", "a;aa");
+    row("question mark has a subtree", "?a", "aa;aa.b;aa.e;aa.b.d");
+    row("set of characters has no subtree", "[ab]", "a");
+    row("range in the middle", "a.[a-c].d", "a.b.d");
+    row("bracket that is no set", "z[1]", "");
+    row("separator at the end", "a.", "a");
+    row("separator at the end after a star", "a*.", "a;aa");
+    row("empty element ends the search", "a..b", "a");
+    row("separator in front", ".a", "");
+}
+
+void HierarchyQueryTest::query()
+{
+    const NodePointer root = make();
+    for (const char *path : {"a.b.d", "a.c", "aa.b.d", "aa.e", "z[1]"})
+        grow(root, QString::fromLatin1(path));
+    QFETCH(QString, pattern);
+    QTEST(pathsOf(root->queryChildren<HierarchyNode>(pattern)).join(QLatin1Char(';')), "expected");
+}
+
+void HierarchyQueryTest::findsByPath()
+{
+    const NodePointer root = make();
+    const NodePointer leaf = grow(root, QStringLiteral("a.b.c"));
+    QCOMPARE(root->findChildByRelativePath(QStringLiteral("a.b.c")), leaf);
+    QCOMPARE(root->findChildByRelativePath(QStringLiteral("a.b.c.")), leaf);
+    QCOMPARE(root->findChildByRelativePath(QString()), root);
+    for (const char *missing : {"a.b.x", "a.x.c", "a..b", ".a", "A", "a.b.c.d"})
+        QVERIFY2(!root->findChildByRelativePath(QString::fromLatin1(missing)), missing);
+}
+
+// The measure is generous: a square would show a ratio of about 400.
+void HierarchyQueryTest::costIsLinear()
+{
+    const auto time = [](int count) {
+        const NodePointer root = make();
+        const NodePointer parent = grow(root, QStringLiteral("a"));
+        for (int i = 0; i < count; ++i)
+            parent->addChild(make(QString::number(i)));
+        QElapsedTimer timer;
+        timer.start();
+        const auto found = root->queryChildren<HierarchyNode>(QStringLiteral("a.*"));
+        return found.size() == count ? std::max<qint64>(timer.nsecsElapsed(), 1) : -1;
+    };
+    const qint64 few = time(2000);
+    const qint64 many = time(40000);
+    QVERIFY(few > 0 && many > 0);
+    QVERIFY2(many < 150 * few, qPrintable(QStringLiteral("%1 ns, %2 ns").arg(few).arg(many)));
+}
+
+QTEST_GUILESS_MAIN(HierarchyQueryTest)
+#include "HierarchyQueryTest.moc"

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <shared/hierarchy/HierarchyNodeInstance.h>
+#include <shared/hierarchy/HierarchyStringPath.h>
+
+#include <QStringList>
+
+#include <memory>
+
+// What the tests of the tree share.
+namespace HierarchyTree {
+
+using Shared::Hierarchy::HierarchyNode;
+using Shared::Hierarchy::HierarchyNodeInstance;
+using NodePointer = std::shared_ptr<HierarchyNode>;
+
+template <class Node = HierarchyNodeInstance, class... Arguments>
+std::shared_ptr<Node> make(const Arguments &...arguments)
+{
+    return std::shared_ptr<Node>(new Node(arguments...), &HierarchyNode::Release);
+}
+
+// Makes the nodes of a path where they are missing and returns the last one.
+inline NodePointer grow(const NodePointer &root, const QString &path)
+{
+    NodePointer node = root;
+    const QStringList elements = path.split(QLatin1Char('.'));
+    for (const QString &id : elements) {
+        if (!node->hasChild(id))
+            node->addChild(make(id));
+        node = node->getChildById(id);
+    }
+    return node;
+}
+
+inline QString pathOf(const std::shared_ptr<const HierarchyNode> &node)
+{
+    return node->getNodePath()->getFullPath();
+}
+
+template <class Nodes>
+QStringList idsOf(const Nodes &nodes)
+{
+    QStringList ids;
+    for (const auto &node : nodes)
+        ids.append(node->getId());
+    return ids;
+}
+
+template <class Nodes>
+QStringList pathsOf(const Nodes &nodes)
+{
+    QStringList paths;
+    for (const auto &node : nodes)
+        paths.append(pathOf(node));
+    return paths;
+}
+
+} // namespace HierarchyTree

@@ -1,0 +1,152 @@
+#include <shared/synchronization/AtomicExchange.h>
+#include <shared/synchronization/ScopedLock.h>
+#include <shared/synchronization/SharedLockable.h>
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <atomic>
+#include <support/LogCapture.h>
+#include <thread>
+#include <vector>
+
+using namespace Shared::Synchronization;
+
+namespace {
+
+class Owned : public SharedLockable<Owned>
+{ };
+
+} // namespace
+
+class LockableTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void depthAndSignals();
+    void slotsRunUnderTheLock();
+    void keepsThreadsApart_data();
+    void keepsThreadsApart();
+    void scopedLock();
+    void sharedPointerOfItself();
+    void atomicExchange();
+};
+
+void LockableTest::depthAndSignals()
+{
+    const Lockable lockable(nullptr, QMutex::Recursive);
+    QCOMPARE(lockable.lock(), 1); // nobody listens yet
+    QCOMPARE(lockable.unlock(), 0);
+
+    QSignalSpy locked(&lockable, &Lockable::locked);
+    QSignalSpy unlocked(&lockable, &Lockable::unlocked);
+    QCOMPARE(lockable.lock(), 1);
+    QCOMPARE(lockable.lock(), 2);
+    QCOMPARE(locked.count(), 1);
+    QCOMPARE(lockable.lockLevel(), 2);
+    QCOMPARE(lockable.unlock(), 1);
+    QVERIFY(lockable.isLocked());
+    QCOMPARE(unlocked.count(), 0);
+    QCOMPARE(lockable.unlock(), 0);
+    QCOMPARE(unlocked.count(), 1);
+    QVERIFY(!lockable.isLocked());
+}
+
+void LockableTest::slotsRunUnderTheLock()
+{
+    const Lockable lockable(nullptr, QMutex::Recursive);
+    QList<int> levels;
+    const auto note = [&] {
+        // Whoever else asks for the lock now has to wait.
+        std::thread([&] { levels.append(lockable.lockLevel()); }).join();
+        lockable.lock(); // the slot may take the lock again
+        lockable.unlock();
+    };
+    connect(&lockable, &Lockable::locked, note);
+    lockable.lock();
+    lockable.unlock();
+    QCOMPARE(levels, QList<int>{1});
+}
+
+void LockableTest::keepsThreadsApart_data()
+{
+    QTest::addColumn<QMutex::RecursionMode>("mode");
+    QTest::addColumn<int>("depth");
+    QTest::newRow("recursive, taken once") << QMutex::Recursive << 1;
+    QTest::newRow("recursive, taken three times") << QMutex::Recursive << 3;
+    QTest::newRow("not recursive") << QMutex::NonRecursive << 1;
+}
+
+void LockableTest::keepsThreadsApart()
+{
+    QFETCH(QMutex::RecursionMode, mode);
+    QFETCH(int, depth);
+    constexpr int rounds = 20000;
+    const Lockable lockable(nullptr, mode);
+    int counter = 0; // guarded by the lock
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < rounds; ++round) {
+                for (int level = 0; level < depth; ++level)
+                    lockable.lock();
+                ++counter;
+                for (int level = 0; level < depth; ++level)
+                    lockable.unlock();
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(counter, 4 * rounds);
+    QCOMPARE(lockable.lockLevel(), 0);
+}
+
+void LockableTest::scopedLock()
+{
+    {
+        const ScopedLock nothing(static_cast<const Lockable *>(nullptr));
+        const ScopedLock nothingShared{std::shared_ptr<const Lockable>()};
+    }
+    auto shared = std::make_shared<Lockable>(nullptr, QMutex::Recursive);
+    const std::weak_ptr<Lockable> watch = shared;
+    {
+        const ScopedLock lock{std::shared_ptr<const Lockable>(shared)};
+        QVERIFY(shared->isLocked());
+        shared.reset();
+        QVERIFY(!watch.expired());
+    }
+    QVERIFY(watch.expired());
+}
+
+void LockableTest::sharedPointerOfItself()
+{
+    const auto owned = std::make_shared<Owned>();
+    QCOMPARE(owned->getSharedFromThis(), owned);
+
+    const TestSupport::LogCapture log;
+    const Owned alone;
+    QCOMPARE(alone.getSharedFromThis(), nullptr);
+    QCOMPARE(
+        log.lines(),
+        QStringList{QStringLiteral("WARNING Shareable::getSharedFromThis() smart pointer already deleted: ")
+                    + QLatin1String(std::bad_weak_ptr().what())});
+}
+
+void LockableTest::atomicExchange()
+{
+    Shared::AtomicExchange<bool> exchange(false);
+    QVERIFY(!exchange.commit());
+    exchange.stage(true);
+    QVERIFY(exchange.commit());
+    exchange.stage(false);
+    exchange.stage(true);
+    QVERIFY(exchange.commit());
+    QVERIFY(!exchange.isLocked());
+}
+
+Q_DECLARE_METATYPE(QMutex::RecursionMode)
+
+QTEST_GUILESS_MAIN(LockableTest)
+#include "LockableTest.moc"
