@@ -339,7 +339,8 @@ void HierarchyNodeTest::removalInAnyOrderIsLinear_data()
     QTest::newRow("at random") << 2;
 }
 
-// The measure is generous: a square would show a ratio of about 400.
+// The same number of removals, from few children each time and from all at once: with a square in it the
+// second would take 20 times as long.
 void HierarchyNodeTest::removalInAnyOrderIsLinear()
 {
     QFETCH(int, order);
@@ -352,16 +353,17 @@ void HierarchyNodeTest::removalInAnyOrderIsLinear()
             std::reverse(nodes.begin(), nodes.end());
         else if (order == 2)
             std::shuffle(nodes.begin(), nodes.end(), std::mt19937(1));
-        QElapsedTimer timer;
-        timer.start();
+        const CpuTimer timer;
         for (const NodePointer &node : qAsConst(nodes))
             node->setDeleteFlag();
-        return root->getNumberOfChildren() == 0 ? std::max<qint64>(timer.nsecsElapsed(), 1) : -1;
+        return root->getNumberOfChildren() == 0 ? timer.elapsed() : 0.0;
     };
-    const qint64 few = time(2000);
-    const qint64 many = time(40000);
+    double few = 0;
+    for (int i = 0; i < 20; ++i)
+        few += time(2000);
+    const double many = time(40000);
     QVERIFY(few > 0 && many > 0);
-    QVERIFY2(many < 150 * few, qPrintable(QStringLiteral("%1 ns, %2 ns").arg(few).arg(many)));
+    QVERIFY2(many < 8 * few, qPrintable(QStringLiteral("%1 s, %2 s").arg(few).arg(many)));
 }
 
 QTEST_GUILESS_MAIN(HierarchyNodeTest)

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <ctime>
 #include <memory>
 
 // What the tests of the tree share.
@@ -19,6 +20,16 @@ std::shared_ptr<Node> make(const Arguments &...arguments)
 {
     return std::shared_ptr<Node>(new Node(arguments...), &HierarchyNode::Release);
 }
+
+// Measures what this process computes, whatever else the machine does meanwhile. In seconds, never 0.
+class CpuTimer
+{
+public:
+    double elapsed() const { return double(std::clock() - begin + 1) / CLOCKS_PER_SEC; }
+
+private:
+    const std::clock_t begin = std::clock();
+};
 
 // Makes the nodes of a path where they are missing and returns the last one.
 inline NodePointer grow(const NodePointer &root, const QString &path)
