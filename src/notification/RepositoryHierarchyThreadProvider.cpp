@@ -29,10 +29,7 @@ QThread *RepositoryHierarchyThreadProvider::getThread()
     if (m_state.load(std::memory_order_acquire) != State::Running) {
         const QMutexLocker locker(&m_mutex);
         m_wantedAgain = true; // quitAndJoin() sees to it where the thread is just ending
-        if (m_state == State::Ended) {
-            m_thread->start(QThread::InheritPriority);
-            m_state.store(State::Running, std::memory_order_release);
-        }
+        startLocked();
     }
     return m_thread.get();
 }
@@ -89,11 +86,18 @@ bool RepositoryHierarchyThreadProvider::quitAndJoin(int milliseconds)
     if (m_state != State::Ending || !joined)
         return joined;
     m_state = State::Ended;
-    if (m_wantedAgain) {
-        m_thread->start(QThread::InheritPriority);
-        m_state = State::Running;
-    }
+    if (m_wantedAgain)
+        startLocked();
     return true;
+}
+
+void RepositoryHierarchyThreadProvider::startLocked()
+{
+    // Without an application object an event loop ends at once.
+    if (m_state != State::Ended || !QCoreApplication::instance())
+        return;
+    m_thread->start(QThread::InheritPriority);
+    m_state.store(State::Running, std::memory_order_release);
 }
 
 void RepositoryHierarchyThreadProvider::CountRelease()

@@ -22,7 +22,8 @@ class TESSELLUM_EXPORT RepositoryHierarchyThreadProvider
     : public Shared::Singleton<RepositoryHierarchyThreadProvider>
 {
 public:
-    /*! The thread, running. Owned by the provider; the same object for the whole process. */
+    /*! The thread, running if there is a QCoreApplication. Owned by the provider; the same object for the
+     * whole process. */
     QThread *getThread();
     /*! Moves \a object, which lives on the calling thread and has no parent, to the event thread. Null is
      * fine. */
@@ -48,6 +49,7 @@ protected:
 
 private:
     enum class State { Ended, Running, Ending };
+    void startLocked();
     bool waitForRound(const QDeadlineTimer &deadline);
 
     QMutex m_mutex;

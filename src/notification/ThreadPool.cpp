@@ -1,5 +1,6 @@
 #include "ThreadPool.h"
 
+#include <notification/utils/CurrentPool.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QDeadlineTimer>
@@ -121,14 +122,96 @@ std::shared_ptr<typename Task::ObserverType> ThreadPool::startTask(const Factory
 bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
 {
     utils::RunnableChain finished; // freed behind the lock
-    const QMutexLocker locker(&m_runnables.mutex());
-    finished = m_runnables.takeFinishedLocked();
-    if (!isRunning())
-        return false;
-    utils::TrackedRunnable *const item = wrapper.release();
-    m_runnables.addLocked(item);
-    QThreadPool::start(item, 0);
+    bool wantsWorker = false;
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        finished = m_runnables.takeFinished();
+        if (!isRunning())
+            return false;
+        m_runnables.add(std::move(wrapper));
+        wantsWorker = wantsWorkerLocked();
+        m_workers += wantsWorker;
+    }
+    // Behind the lock, which is the first thing that the woken thread takes. A stop waits for the worker.
+    if (wantsWorker)
+        QThreadPool::start(&m_worker, 0);
     return true;
+}
+
+bool ThreadPool::wantsWorkerLocked() const
+{
+    return m_workers < maxThreadCount() + m_lentPlaces;
+}
+
+void ThreadPool::startWantedWorkers()
+{
+    int further = 0;
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        for (int queued = getQueuedCount(); queued > 0 && wantsWorkerLocked(); --queued) {
+            ++m_workers;
+            ++further;
+        }
+    }
+    for (; further > 0; --further)
+        QThreadPool::start(&m_worker, 0);
+}
+
+ThreadPool::Worker::Worker(ThreadPool &pool)
+    : m_pool(pool)
+{
+    setAutoDelete(false);
+}
+
+void ThreadPool::Worker::run()
+{
+    const utils::CurrentPool current(&m_pool);
+    utils::TrackedRunnable *item = nullptr;
+    while ((item = m_pool.exchangeItem(item)))
+        item->run();
+}
+
+/*! Gives a finished item (or null) back and takes the next one; null ends the worker. */
+utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finished)
+{
+    utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
+    const QMutexLocker locker(&m_runnables.mutex());
+    if (finished)
+        m_runnables.finish(finished, leftovers);
+    const bool isTooMany = m_workers > maxThreadCount() + m_lentPlaces;
+    utils::TrackedRunnable *const next = isTooMany ? nullptr : m_runnables.takeNext();
+    if (!next) {
+        --m_workers;
+        if (m_waiting > 0)
+            m_nothingRuns.wakeAll();
+    }
+    return next;
+}
+
+void ThreadPool::lendPlace()
+{
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        ++m_lentPlaces;
+    }
+    releaseThread();
+    startWantedWorkers();
+}
+
+void ThreadPool::takePlaceBack()
+{
+    reserveThread();
+    const QMutexLocker locker(&m_runnables.mutex());
+    --m_lentPlaces;
+}
+
+void ThreadPool::setMaxThreadCount(int threads)
+{
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        QThreadPool::setMaxThreadCount(threads);
+    }
+    startWantedWorkers();
 }
 
 void ThreadPool::adjustThreadCount()
@@ -140,7 +223,7 @@ void ThreadPool::adjustThreadCount()
         current = maxThreadCount();
         wanted = wantedThreadCountLocked(current);
         if (wanted < current)
-            setMaxThreadCount(wanted);
+            QThreadPool::setMaxThreadCount(wanted);
     }
     if (wanted > current)
         raiseMaxThreadCount(current, wanted);
@@ -169,9 +252,15 @@ int ThreadPool::wantedThreadCountLocked(int current)
 void ThreadPool::raiseMaxThreadCount(int current, int wanted)
 {
     const int further = ProbeThreads(wanted - current);
-    const QMutexLocker locker(&m_runnables.mutex());
-    if (further > 0 && maxThreadCount() == current)
-        setMaxThreadCount(current + further);
+    if (further <= 0)
+        return;
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        if (maxThreadCount() != current) // somebody else was faster
+            return;
+        QThreadPool::setMaxThreadCount(current + further);
+    }
+    startWantedWorkers();
 }
 
 int ThreadPool::ProbeThreads(int wanted)
@@ -199,7 +288,7 @@ void ThreadPool::clear()
 {
     utils::RunnableChain discarded; // ended and freed behind the lock
     const QMutexLocker locker(&m_runnables.mutex());
-    discarded = m_runnables.takeUnfinishedLocked([this](QRunnable *item) { return tryTake(item); });
+    discarded = m_runnables.takeQueued();
 }
 
 bool ThreadPool::stopAndWait(int milliseconds)
@@ -214,18 +303,41 @@ bool ThreadPool::stopAndWait(int milliseconds)
         return deadline.isForever() ? StopReportMilliseconds
                                     : int(qMin<qint64>(deadline.remainingTime(), StopReportMilliseconds));
     };
-    // What a waiting thread of another pool took over runs outside of this pool's threads.
-    while (!waitForDone(slice()) || !m_runnables.waitForFinished(slice())) {
+    while (!waitForWorkers(slice())) {
         if (deadline.hasExpired())
             return false;
-        const auto descriptions = m_runnables.runningDescriptions(StopReportLines);
-        for (const auto &description : descriptions) {
-            Shared::Logging::FrameworkLog().warning()
-                << "ThreadPool::stopAndWait(" << m_name << ") still waiting for " << description;
-        }
+        logRunning();
     }
+    if (!waitForDone(deadline.isForever() ? -1
+                                          : int(deadline.remainingTime()))) // some free what their task held
+        return false;
     cleanUp(true);
     return true;
+}
+
+bool ThreadPool::waitForWorkers(int milliseconds)
+{
+    const QDeadlineTimer deadline(milliseconds);
+    const QMutexLocker locker(&m_runnables.mutex());
+    // What a waiting thread of another pool took over runs without a worker.
+    const auto isOver = [this] { return m_workers == 0 && !m_runnables.hasRunning(); };
+    ++m_waiting;
+    while (!isOver() && m_nothingRuns.wait(&m_runnables.mutex(), deadline)) { }
+    --m_waiting;
+    return isOver();
+}
+
+void ThreadPool::logRunning() const
+{
+    QList<utils::TaskDescription> descriptions;
+    {
+        const QMutexLocker locker(&m_runnables.mutex());
+        descriptions = m_runnables.runningDescriptions(StopReportLines);
+    }
+    for (const auto &description : qAsConst(descriptions)) {
+        Shared::Logging::FrameworkLog().warning()
+            << "ThreadPool::stopAndWait(" << m_name << ") still waiting for " << description.text();
+    }
 }
 
 std::unique_ptr<ThreadPool> ThreadPool::clone(const QString &name) const
@@ -237,11 +349,11 @@ std::unique_ptr<ThreadPool> ThreadPool::clone(const QString &name) const
 void ThreadPool::cleanUp(bool all)
 {
     utils::RunnableChain finished;
-    utils::RunnableChain unfinished;
+    utils::RunnableChain queued;
     const QMutexLocker locker(&m_runnables.mutex());
-    finished = m_runnables.takeFinishedLocked();
+    finished = m_runnables.takeFinished();
     if (all)
-        unfinished = m_runnables.takeUnfinishedLocked([](QRunnable *) { return true; });
+        queued = m_runnables.takeQueued();
 }
 
 bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
@@ -249,11 +361,19 @@ bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
     utils::TrackedRunnable *item = nullptr;
     {
         const QMutexLocker locker(&m_runnables.mutex());
-        item = m_runnables.queuedItemLocked(observer);
-        if (!item || !tryTake(item))
-            return false;
+        item = m_runnables.take(observer);
     }
-    item->run();
+    if (!item)
+        return false;
+    {
+        const utils::CurrentPool current(this);
+        item->run();
+    }
+    utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
+    const QMutexLocker locker(&m_runnables.mutex());
+    m_runnables.finish(item, leftovers);
+    if (m_waiting > 0)
+        m_nothingRuns.wakeAll();
     return true;
 }
 

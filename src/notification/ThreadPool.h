@@ -3,10 +3,12 @@
 #include <notification/CreateTask.h>
 #include <notification/DeleteTask.h>
 #include <notification/UpdateTask.h>
+#include <notification/utils/RunnableTracker.h>
 #include <notification/utils/RunnableWrapper.h>
 
 #include <QElapsedTimer>
 #include <QThreadPool>
+#include <QWaitCondition>
 
 #include <functional>
 #include <memory>
@@ -23,9 +25,12 @@ namespace Tessellum::Notification {
  * Any thread may call. Ownership: the pool owns its tasks; who starts one gets the observer alone. Failure: a
  * stopped pool, an empty factory or a factory without a task gives an empty observer.
  *
- * Lock: the mutex of the record of runnables also guards the idle timer and makes the test of the stop flag
- * and the start of a task one step. It is taken before QThreadPool's own and never held while a factory, a
- * task or a destructor of one runs.
+ * The pool queues by itself and gives QThreadPool one worker for each thread that it wants; a worker goes on
+ * until nothing is queued. So a start among many costs no more than one among few, as it does in QThreadPool.
+ *
+ * Lock: the mutex of the record of runnables also guards the workers' number and the idle timer, and makes
+ * the test of the stop flag and the entry of a task one step. It is never held while a factory, a task or a
+ * destructor of one runs.
  */
 class TESSELLUM_EXPORT ThreadPool : public QThreadPool
 {
@@ -82,10 +87,17 @@ public:
     /*! Frees the runnables that are over, with \a all also those that are not: for a pool at rest alone. */
     void cleanUp(bool all);
 
+    /*! Sets the most threads for the work of this pool; hides QThreadPool::setMaxThreadCount(). */
+    void setMaxThreadCount(int threads);
+
     /*! Runs the task that reports to \a observer on the calling thread if it is still queued here. */
     bool takeAndRun(const utils::ObserverCore &observer);
     /*! True if a thread of this pool may lend its place to another one while it waits. */
     virtual bool lendsPlaces() const { return true; }
+    /*! Lets one more thread work while the calling one, which is of this pool, waits. */
+    void lendPlace();
+    /*! Ends what lendPlace() began. */
+    void takePlaceBack();
 
     /*! The larger of 2 and the number of cores. */
     static int MinimumThreadCount();
@@ -103,7 +115,7 @@ protected:
     bool launch(std::unique_ptr<Runnable> runnable, std::shared_ptr<utils::ObserverCore> observer = {})
     {
         return launchWrapper(std::make_unique<utils::RunnableWrapper<Runnable>>(
-            this, std::move(runnable), std::move(observer), m_counter));
+            std::move(runnable), std::move(observer), m_counter));
     }
 
     /*! Raises the maximum from \a current to \a wanted, or by as many threads as the system gives now. */
@@ -113,11 +125,26 @@ protected:
     utils::RunnableTracker m_runnables;
 
 private:
+    class Worker : public QRunnable
+    {
+    public:
+        explicit Worker(ThreadPool &pool);
+        void run() override;
+
+    private:
+        ThreadPool &m_pool;
+    };
+
     template <class Task, class Factory, class... Arguments>
     std::shared_ptr<typename Task::ObserverType> startTask(const Factory &factory,
                                                            const Arguments &...arguments);
     bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
+    utils::TrackedRunnable *exchangeItem(utils::TrackedRunnable *finished);
+    bool wantsWorkerLocked() const;
+    void startWantedWorkers();
     int wantedThreadCountLocked(int current);
+    bool waitForWorkers(int milliseconds);
+    void logRunning() const;
     static int ProbeThreads(int wanted);
 
     QElapsedTimer m_idleTimer;
@@ -126,6 +153,11 @@ private:
     const UpdateFactory m_updateFactory;
     const DeleteFactory m_deleteFactory;
     std::atomic<bool> m_stopped;
+    Worker m_worker{*this}; // one object for all workers
+    int m_workers = 0; // that run or are about to
+    int m_lentPlaces = 0;
+    int m_waiting = 0; // threads that wait for m_nothingRuns
+    QWaitCondition m_nothingRuns;
 };
 
 } // namespace Tessellum::Notification

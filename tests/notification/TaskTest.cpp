@@ -103,7 +103,7 @@ void TaskTest::judgesTheReportThatEndedTheWait()
             reports.report({UpdatePoint::Done, UpdateResult::NodeGone});
         },
         UpdatePoint::Check);
-    pool.stopAndWait();
+    QTRY_VERIFY_WITH_TIMEOUT(observer->isEnded(), Patience);
     const auto report = WaitForTask(pool, observer);
     QVERIFY(report);
     QCOMPARE(report->first, UpdatePoint::Check);

@@ -35,7 +35,7 @@ void HandlerPool::adjustThreadCount()
     const QMutexLocker locker(&m_runnables.mutex());
     if (maxThreadCount() > MinimumThreadCount() && getQueuedCount() == 0
         && activeThreadCount() < MinimumThreadCount())
-        setMaxThreadCount(MinimumThreadCount());
+        QThreadPool::setMaxThreadCount(MinimumThreadCount());
 }
 
 void HandlerPool::watch()

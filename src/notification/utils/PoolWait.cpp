@@ -8,14 +8,14 @@ PlaceLender::PlaceLender(ThreadPool &pool, const ObserverCore &observer)
     if (!own || !own->lendsPlaces() || observer.isFinished() || observer.isEnded()
         || pool.takeAndRun(observer))
         return;
-    own->releaseThread();
+    own->lendPlace();
     m_lent = own;
 }
 
 PlaceLender::~PlaceLender()
 {
     if (m_lent)
-        m_lent->reserveThread();
+        m_lent->takePlaceBack();
 }
 
 } // namespace Tessellum::Notification::utils

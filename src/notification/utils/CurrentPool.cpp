@@ -1,4 +1,4 @@
-#include "RunnableWrapper.h"
+#include "CurrentPool.h"
 
 namespace Tessellum::Notification::utils {
 
