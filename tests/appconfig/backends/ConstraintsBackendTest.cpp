@@ -1,0 +1,152 @@
+#include <appconfig/attributes/Attribute.h>
+#include <appconfig/backends/ConstraintsBackend.h>
+#include <appconfig/utils/RepositoryProvider.h>
+#include <appconfig/validation/AttributeValidationRepository.h>
+#include <notification/utils/MakeNode.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <support/LogCapture.h>
+
+using namespace Tessellum::AppConfig;
+using Backends::ConstraintsBackend;
+using Tessellum::Notification::CreatePoint;
+using Validation::AttributeValidationRepository;
+using Validation::ValidationResult;
+
+class ConstraintsBackendTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup();
+    void makesRegistersAndHangsValidations();
+    void badSectionsStopNoOther();
+    void failsWithoutAnyValidation_data();
+    void failsWithoutAnyValidation();
+    void firstFileKeepsTheId();
+    void nestedSection();
+    void savesNothing();
+
+private:
+    std::shared_ptr<ConstraintsBackend> backend(const QString &file) const;
+    std::shared_ptr<ConstraintsBackend> backendOf(const QByteArray &content);
+    static bool load(const std::shared_ptr<ConstraintsBackend> &backend);
+
+    AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
+    QTemporaryDir directory;
+    int files = 0;
+};
+
+void ConstraintsBackendTest::cleanup()
+{
+    repository->unregisterBackendValidations();
+}
+
+std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backend(const QString &file) const
+{
+    return Tessellum::Notification::utils::MakeNode<ConstraintsBackend>(Backends::BackendCreateData(
+        QStringLiteral("constraints"), QStringLiteral("limits"), {file, QString(), 3}));
+}
+
+std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backendOf(const QByteArray &content)
+{
+    QFile file(directory.filePath(QString::number(++files)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write the test's file");
+    return backend(file.fileName());
+}
+
+bool ConstraintsBackendTest::load(const std::shared_ptr<ConstraintsBackend> &backend)
+{
+    return backend->loadAttributes(
+        Tessellum::AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(), CreatePoint::Done);
+}
+
+void ConstraintsBackendTest::makesRegistersAndHangsValidations()
+{
+    TestSupport::LogCapture log;
+    const auto constraints = backendOf("[volume]\nType=limit_int\nMinimum=0\nMaximum=100\nClipping=true\n"
+                                       "[note]\nMinimum=3\n"
+                                       "[ratio]\nType=limits\nMaximum=\"1.5\"\n");
+    QVERIFY(load(constraints));
+    QCOMPARE(repository->getValidationIds(), QStringList({"ratio", "volume"}));
+    QCOMPARE(constraints->getNumberOfChildren(), quint64(2));
+
+    const auto volume = repository->getValidation(QStringLiteral("volume"));
+    QCOMPARE(std::static_pointer_cast<Shared::Hierarchy::HierarchyNode>(volume),
+             constraints->getChildById("volume"));
+    QCOMPARE(volume->getNodePath()->getFullPath(), QStringLiteral("limits.volume"));
+    QCOMPARE(volume->getNumberOfChildren(), quint64(4));
+    QVariant value(700);
+    QCOMPARE(volume->validate(nullptr, value), ValidationResult::Adjusted);
+    QCOMPARE(value, QVariant(100));
+
+    const auto ratio = repository->getValidation(QStringLiteral("ratio"));
+    QCOMPARE(ratio->validate(nullptr, value = 1.5), ValidationResult::Valid);
+    QCOMPARE(ratio->validate(nullptr, value = 1.6), ValidationResult::Failed);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void ConstraintsBackendTest::badSectionsStopNoOther()
+{
+    const auto constraints = backendOf("[extra]\nType=limit\nUnit=V\n"
+                                       "[empty key]\nType=limit\n=V\n"
+                                       "[limit]\nType=limit\nMinimum=few\n"
+                                       "[type]\nType=pattern\n"
+                                       "[]\nType=limit\n"
+                                       "[good]\nType=limit\n");
+    QVERIFY(load(constraints));
+    QCOMPARE(repository->getValidationIds(), QStringList("good"));
+    QCOMPARE(constraints->getNumberOfChildren(), quint64(1));
+}
+
+void ConstraintsBackendTest::failsWithoutAnyValidation_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("skipped") << QByteArray("[a]\nMinimum=1\n[b]\nUnit=V\n");
+    QTest::newRow("failed") << QByteArray("[a]\nType=none\n");
+}
+
+void ConstraintsBackendTest::failsWithoutAnyValidation()
+{
+    QFETCH(QByteArray, content);
+    TestSupport::LogCapture log;
+    QVERIFY(!load(backendOf(content)));
+    QVERIFY(!load(backend(directory.filePath(QStringLiteral("absent.ini")))));
+    QVERIFY(repository->getValidationIds().isEmpty());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void ConstraintsBackendTest::firstFileKeepsTheId()
+{
+    const auto first = backendOf("[a]\nType=limit\nMaximum=1\n");
+    const auto second = backendOf("[a]\nType=limit\nMaximum=2\n[b]\nType=limit\n");
+    QVERIFY(load(first));
+    QVERIFY(load(second));
+    QVERIFY(first->hasChild(QStringLiteral("a")) && !second->hasChild(QStringLiteral("a")));
+    QVariant value(2);
+    QCOMPARE(repository->getValidation(QStringLiteral("a"))->validate(nullptr, value),
+             ValidationResult::Failed);
+}
+
+void ConstraintsBackendTest::nestedSection()
+{
+    const auto constraints = backendOf("[a.b]\nType=limit\nMaximum=1\n");
+    QVERIFY(load(constraints));
+    QCOMPARE(repository->getValidationIds(), QStringList("b"));
+    QVERIFY(constraints->hasChild(QStringLiteral("b")));
+}
+
+void ConstraintsBackendTest::savesNothing()
+{
+    const auto constraints = backendOf("[a]\nType=limit\n");
+    QVERIFY(load(constraints));
+    QVERIFY(!constraints->saveAttributes());
+    QCOMPARE(constraints->getTypeKeys(), QStringList({"constraint", "constraints"}));
+}
+
+QTEST_GUILESS_MAIN(ConstraintsBackendTest)
+#include "ConstraintsBackendTest.moc"
