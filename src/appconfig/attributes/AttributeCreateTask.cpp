@@ -69,10 +69,7 @@ bool AttributeCreateTask::createAttributesInHierarchy(const std::shared_ptr<Hier
                                     "data is empty, no data entries created";
         return false;
     }
-    int created = 0;
-    for (const AttributeCreateData &element : list)
-        created += CreateAttributeInHierarchy(parent, element) ? 1 : 0;
-    return created > 0;
+    return CreateAttributesInHierarchy(parent, list) > 0;
 }
 
 void AttributeCreateTask::handleCreateNotification(const ResultType &result) const

@@ -59,31 +59,71 @@ bool HasGone(const NodePtr &node)
     return node->isDeleteFlagSet();
 }
 
+/*! The nodes from the parent of a create down to that of a leaf. */
+struct Way
+{
+    QString path; // of the last node, relative to the first
+    QList<NodePtr> nodes;
+};
+
+/*! False where a node on the way cannot be. */
+bool MakeWay(const NodePtr &parent, const QString &path, Way &way)
+{
+    const QStringList elements = path.isEmpty()
+        ? QStringList()
+        : HierarchyStringPath::SplitPath(path, HierarchyNode::GetHierarchyNodePathSeparator());
+    if (elements.contains(QString()))
+        return false; // no node can have that name, so nothing is made on the way to it
+    way = {path, {parent}};
+    for (const QString &element : elements) {
+        const NodePtr next = FindOrAddParent(way.nodes.constLast(), element);
+        if (!next) {
+            way = {};
+            return false;
+        }
+        way.nodes.append(next);
+    }
+    return true;
+}
+
+/*! \a way is that of the last element; lists have many elements beneath one node. */
+bool CreateAlong(const NodePtr &parent, const AttributeCreateData &data, bool keepExisting, Way &way)
+{
+    const QString separator = HierarchyNode::GetHierarchyNodePathSeparator();
+    const int end = data.name.lastIndexOf(separator);
+    const QString leaf = end < 0 ? data.name : data.name.mid(end + separator.size());
+    const QStringRef path = data.name.leftRef(qMax(end, 0));
+    if (leaf.isEmpty() || end == 0)
+        return false;
+
+    for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
+        if ((way.nodes.isEmpty() || way.path != path) && !MakeWay(parent, path.toString(), way))
+            return false;
+        const bool created = OverwriteOrAddLeaf(way.nodes.constLast(), leaf, data.details, keepExisting);
+        if (HasGone(parent))
+            return false;
+        // What was hung beneath a node that another thread took off the tree meanwhile is lost with it.
+        if (std::none_of(way.nodes.cbegin(), way.nodes.cend(), HasGone))
+            return created;
+        way = {};
+    }
+    return false;
+}
+
 } // namespace
 
 bool CreateAttributeInHierarchy(const NodePtr &parent, const AttributeCreateData &data, bool keepExisting)
 {
-    QStringList elements
-        = HierarchyStringPath::SplitPath(data.name, HierarchyNode::GetHierarchyNodePathSeparator());
-    if (elements.contains(QString()))
-        return false; // no node can have that name, so nothing is made on the way to it
-    const QString leaf = elements.takeLast();
+    Way way;
+    return CreateAlong(parent, data, keepExisting, way);
+}
 
-    for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
-        QList<NodePtr> way{parent};
-        for (const QString &element : qAsConst(elements)) {
-            const NodePtr next = FindOrAddParent(way.constLast(), element);
-            if (!next)
-                return false;
-            way.append(next);
-        }
-        if (!OverwriteOrAddLeaf(way.constLast(), leaf, data.details, keepExisting) || HasGone(parent))
-            return false;
-        // What was hung beneath a node that another thread took off the tree meanwhile is lost with it.
-        if (std::none_of(way.cbegin(), way.cend(), HasGone))
-            return true;
-    }
-    return false;
+int CreateAttributesInHierarchy(const NodePtr &parent, const AttributesCreateData &list)
+{
+    Way way;
+    return int(std::count_if(list.cbegin(), list.cend(), [&](const AttributeCreateData &data) {
+        return CreateAlong(parent, data, false, way);
+    }));
 }
 
 } // namespace Tessellum::AppConfig::Attributes

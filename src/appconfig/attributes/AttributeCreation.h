@@ -13,4 +13,8 @@ namespace Tessellum::AppConfig::Attributes {
 bool CreateAttributeInHierarchy(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent,
                                 const AttributeCreateData &data, bool keepExisting = false);
 
+/*! The same for each element of \a list in its order; the number of those that were created. */
+int CreateAttributesInHierarchy(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent,
+                                const AttributesCreateData &list);
+
 } // namespace Tessellum::AppConfig::Attributes
