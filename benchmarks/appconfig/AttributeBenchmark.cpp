@@ -100,7 +100,7 @@ void AttributeRead(benchmark::State &state)
 }
 BENCHMARK(AttributeRead);
 
-/// Each addition brings a text of all names: this one grows with the square, by a small factor.
+/// Each addition starts an update of the text of all names; those that wait share one text.
 void ListAddition(benchmark::State &state)
 {
     const int count = int(state.range(0));

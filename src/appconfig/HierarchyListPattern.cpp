@@ -1,3 +1,4 @@
+#include <appconfig/attributes/AttributeUpdateTask.h>
 #include <appconfig/HierarchyListPattern.h>
 #include <appconfig/InternalSettingsProvider.h>
 #include <appconfig/utils/LiveNode.h>
@@ -11,17 +12,13 @@
 namespace Tessellum::Core {
 
 using AppConfig::Attributes::Attribute;
+using AppConfig::Attributes::DeferredUpdateValue;
 using Notification::DeletePoint;
 using Notification::UpdatePoint;
 using Shared::Logging::FrameworkLog;
 using Shared::Synchronization::ScopedLock;
 
 namespace {
-
-constexpr int MinimumToForget = 64;
-// From here on a text under way is not joined at its start: it would cost the list at each change, and one
-// of those behind it is stored in its place.
-constexpr int ManyTexts = 16;
 
 /*! A copy that shares its buffer with no other text, not even where it is empty. */
 QString UniqueText(const QString &text)
@@ -37,7 +34,6 @@ QString UniqueText(const QString &text)
 HierarchyListPattern::HierarchyListPattern(Notification::ThreadPool *taskPool, const QString &listId)
     : Attribute(listId)
     , pool(taskPool)
-    , forgetAt(MinimumToForget)
 { }
 
 bool HierarchyListPattern::addElementToList(const QString &name, const QVariant &value,
@@ -73,6 +69,8 @@ HierarchyListPattern::Addition HierarchyListPattern::addChildOrFind(const QStrin
         addition.added = addChild(Notification::utils::MakeNode<Attribute>(addition.name, value));
         // A create task that knows nothing of the list may have been quicker: then choose again.
     } while (!addition.added && HierarchyNodeInstance::hasChild(addition.name));
+    if (addition.added)
+        ++changes;
     return addition;
 }
 
@@ -101,6 +99,7 @@ bool HierarchyListPattern::removeElementFromList(const QString &name)
         if (!child)
             return false;
         child->setParent(std::weak_ptr<HierarchyNode>(), true);
+        ++changes;
     }
     startTextUpdate();
     // Nobody but the task holds the child any more.
@@ -116,10 +115,7 @@ bool HierarchyListPattern::hasElement(const QString &name) const
 
 QStringList HierarchyListPattern::getElements() const
 {
-    QStringList names;
-    for (const auto &child : getChildren(false))
-        names.append(child->getId());
-    return names;
+    return getChildIds();
 }
 
 std::shared_ptr<Attribute> HierarchyListPattern::getElement(const QString &name)
@@ -139,68 +135,67 @@ QString HierarchyListPattern::getListSeparator() const
 
 void HierarchyListPattern::startTextUpdate()
 {
-    bool isOneOfMany = false;
+    const std::weak_ptr<HierarchyNode> me = self();
+    const DeferredUpdateValue present{[me] {
+        const auto list = std::static_pointer_cast<HierarchyListPattern>(me.lock());
+        return list ? QVariant(list->takePresentText()) : QVariant();
+    }};
+    pool->startUpdateTask(me, QVariant::fromValue(present), UpdatePoint::All);
+}
+
+QString HierarchyListPattern::takePresentText()
+{
+    quint64 change = 0;
     {
         const QMutexLocker locker(&listMutex);
-        forgetEndedTexts();
-        isOneOfMany = textsUnderWay.size() >= ManyTexts;
+        if (!texts.empty() && texts.back().change == changes) {
+            ++texts.back().underWay;
+            return texts.back().text;
+        }
+        change = changes; // before the names are read: they hold this change, and maybe later ones
     }
-    const QString text = UniqueText(isOneOfMany ? QString() : getElements().join(getListSeparator()));
-    {
-        const QMutexLocker locker(&listMutex);
-        textsUnderWay.insert(text.constData(), {text, nullptr});
-    }
-    const auto observer = pool->startUpdateTask(self(), text, UpdatePoint::All);
+    const QString text = UniqueText(getElements().join(getListSeparator()));
 
     const QMutexLocker locker(&listMutex);
-    const auto own = textsUnderWay.find(text.constData());
-    if (own == textsUnderWay.end())
-        return; // applied already
-    if (observer)
-        own->observer = observer;
-    else
-        textsUnderWay.erase(own);
+    texts.erase(std::remove_if(texts.begin(), texts.end(), HasEnded), texts.end());
+    texts.push_back({text, change, 1});
+    return text;
 }
 
-bool HierarchyListPattern::hasTextUnderWay() const
+bool HierarchyListPattern::HasEnded(const ListText &text)
 {
-    return std::any_of(textsUnderWay.cbegin(), textsUnderWay.cend(), [](const TextUnderWay &other) {
-        return !other.observer || !other.observer->isEnded();
-    });
+    // Nobody else holds the text of a task that ended before it wrote: one that was refused or discarded.
+    return text.underWay == 0 || text.text.isDetached();
 }
 
-void HierarchyListPattern::forgetEndedTexts()
+quint64 HierarchyListPattern::changeOfText(const QVariant &value)
 {
-    // Few are left over: those of tasks that were discarded, or whose text a validation refused or changed.
-    if (textsUnderWay.size() < forgetAt)
-        return;
-    for (auto entry = textsUnderWay.begin(); entry != textsUnderWay.end();) {
-        if (entry->observer && entry->observer->isEnded())
-            entry = textsUnderWay.erase(entry);
-        else
-            ++entry;
+    if (value.userType() != QMetaType::QString)
+        return 0;
+    const QString text = value.toString();
+    const QMutexLocker locker(&listMutex);
+    for (ListText &own : texts) {
+        if (own.underWay > 0 && own.text.constData() == text.constData()) {
+            --own.underWay;
+            return own.change;
+        }
     }
-    forgetAt = std::max(MinimumToForget, 2 * textsUnderWay.size());
+    return 0;
 }
 
 bool HierarchyListPattern::setValue(const QVariant &value)
 {
-    bool isOwn = false;
-    bool isLast = false;
-    if (value.userType() == QMetaType::QString) {
-        const QString text = value.toString();
-        const QMutexLocker locker(&listMutex);
-        isOwn = textsUnderWay.remove(text.constData()) > 0;
-        isLast = isOwn && !hasTextUnderWay();
-    }
-    if (!isOwn)
+    const quint64 change = changeOfText(value);
+    if (change == 0)
         return Attribute::setValue(value);
-    if (!isLast)
-        return true; // the text is joined when the last one is applied
-    const QString separator = getListSeparator();
-    // One step, or a text that was joined earlier could be stored later.
+    // Test and storing are one step, or a text of fewer changes could be stored last.
     const ScopedLock lock(self());
-    return Attribute::setValue(getElements().join(separator));
+    if (change < storedChange)
+        return true;
+    if (!Attribute::setValue(value))
+        return false;
+    storedChange = change;
+    return true;
 }
 
 } // namespace Tessellum::Core

@@ -3,22 +3,25 @@
 #include <appconfig/attributes/Attribute.h>
 #include <notification/ThreadPool.h>
 
-#include <QHash>
 #include <QMutex>
+
+#include <vector>
 
 namespace Tessellum::Core {
 
 /*!
  * A list kept in the tree twice over: as the attribute's own text, the names joined by the separator, and as
- * one child attribute for each element. Children are right at once, the text follows by a task, which joins
- * what is there when it is applied: however the tasks overtake each other, the last one brings the text of
- * all changes. An update that does not come from the list writes the attribute like any other.
+ * one child attribute for each element. Children are right at once, the text follows by a task for each
+ * change. A task joins the names that are there when it begins, so that many changes in a row cost few texts,
+ * and a text of fewer changes never replaces one of more: however the tasks overtake each other, in the end
+ * the text has all names. An update that does not come from the list writes the attribute like any other.
  *
  * A name with a path separator is found by hasElement() and getElement() alone, not by a path; one with the
  * list separator reads as two names in the text.
  *
- * Threads: any. listMutex makes each addition and removal one step and guards the texts that are under way;
- * the node's lock is taken inside it, no task is started under it, and none is waited for.
+ * Threads: any. listMutex makes each addition and removal one step and guards the count of changes and the
+ * texts that are under way; the node's lock is taken inside it, no task is started under it, and none is
+ * waited for. The node's lock guards storedChange.
  */
 class HierarchyListPattern : public AppConfig::Attributes::Attribute
 {
@@ -39,18 +42,20 @@ public:
     /*! The setting "list_separators", read anew at each call. */
     QString getListSeparator() const;
 
-    /*! As Attribute, but the text of one of the list's own tasks gives way to that of the present children.
-     */
+    /*! As Attribute, but the text of one of the list's own tasks is dropped (still true) where one of more
+     * changes is stored. */
     bool setValue(const QVariant &value) override;
 
 private:
     using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
 
-    /*! A text that a task of the list carries. */
-    struct TextUnderWay
+    /*! A text that tasks of the list carry. Its buffer is shared with their values and with no other text,
+     * which tells them from updates of others. */
+    struct ListText
     {
         QString text;
-        std::shared_ptr<Notification::UpdateObserver> observer;
+        quint64 change; ///< the number of the last change that is in it for certain
+        int underWay; ///< the tasks that have not come to write it
     };
     /*! What an addition came to. */
     struct Addition
@@ -63,15 +68,15 @@ private:
     Addition addChildOrFind(const QString &name, const QVariant &value, bool renameOnClash);
     QString freeName(const QString &name) const;
     void startTextUpdate();
-    bool hasTextUnderWay() const; // expects listMutex
-    void forgetEndedTexts();
+    QString takePresentText();
+    quint64 changeOfText(const QVariant &value);
+    static bool HasEnded(const ListText &text);
 
     Notification::ThreadPool *const pool;
     QMutex listMutex;
-    // By the buffer of the text, which the value of a task shares; the observer is set once the task is
-    // started.
-    QHash<const QChar *, TextUnderWay> textsUnderWay;
-    int forgetAt;
+    quint64 changes = 0;
+    std::vector<ListText> texts;
+    quint64 storedChange = 0;
 };
 
 } // namespace Tessellum::Core

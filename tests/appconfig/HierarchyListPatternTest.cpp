@@ -42,6 +42,7 @@ private Q_SLOTS:
     void failedAddition();
     void removalAndAdditionAtOnce();
     void foreignUpdateIsAPlainOne();
+    void everyChangeIsToldWithItsText();
     void settlesUnderThreads();
 };
 
@@ -158,6 +159,36 @@ void HierarchyListPatternTest::foreignUpdateIsAPlainOne()
     tree.list->addElementToList(QStringLiteral("b"), 1, false);
     tree.settle();
     QCOMPARE(tree.text(), QStringLiteral("a;b"));
+    // Also where it brings back a text that was the list's own.
+    const QVariant own = tree.value(QStringLiteral("list"));
+    tree.list->addElementToList(QStringLiteral("c"), 1, false);
+    tree.settle();
+    tree.pool.startUpdateTask(tree.list, own, UpdatePoint::Done)->wait();
+    QCOMPARE(tree.text(), QStringLiteral("a;b"));
+}
+
+void HierarchyListPatternTest::everyChangeIsToldWithItsText()
+{
+    constexpr int additions = 10000;
+    ListInTree tree;
+    QSemaphore calls;
+    std::atomic<int> wrong{0};
+    const auto handle = tree.notifications.registerUpdateHandler(
+        QStringLiteral("list"),
+        [&](const QString &, const UpdatePoint &, const UpdateResult &result, const QVariant &,
+            const QVariant &text) {
+            if (result != UpdateResult::Ok || !text.toString().startsWith(QStringLiteral("n0")))
+                ++wrong;
+            calls.release();
+        },
+        UpdatePoint::All);
+    for (int i = 0; i < additions; ++i)
+        tree.list->addElementToList(QStringLiteral("n%1").arg(i), i, false);
+    QVERIFY(calls.tryAcquire(3 * additions, 60000));
+    QCOMPARE(wrong.load(), 0);
+    tree.settle();
+    QCOMPARE(tree.text(), tree.joined());
+    QCOMPARE(tree.list->getElements().size(), additions);
 }
 
 void HierarchyListPatternTest::settlesUnderThreads()

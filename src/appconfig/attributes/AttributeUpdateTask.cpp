@@ -79,6 +79,8 @@ UpdateObserver::ResultType AttributeUpdateTask::runUpdate()
         observer->report({UpdatePoint::Check, UpdateResult::NodeGone});
         return observer->getResult();
     }
+    if (value.userType() == qMetaTypeId<DeferredUpdateValue>())
+        value = value.value<DeferredUpdateValue>().make();
     if (!reference.getValue(previousValue, QMetaType::UnknownType))
         previousValue = QVariant();
     if (!preCheck(reference)) {

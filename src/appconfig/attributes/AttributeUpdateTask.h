@@ -6,7 +6,19 @@
 
 namespace Tessellum::AppConfig::Attributes {
 
-/*! Validates and applies a new value. See UpdateTask for threads and reports. */
+/*!
+ * The value of an update that is made when the update begins, on the thread that runs it: what the update
+ * is to tell can be known by then alone.
+ */
+struct DeferredUpdateValue
+{
+    std::function<QVariant()> make; ///< never empty
+};
+
+/*!
+ * Validates and applies a new value, which may be a DeferredUpdateValue. See UpdateTask for threads and
+ * reports.
+ */
 class AttributeUpdateTask : public Notification::UpdateTask
 {
 public:
@@ -30,3 +42,5 @@ private:
 };
 
 } // namespace Tessellum::AppConfig::Attributes
+
+Q_DECLARE_METATYPE(Tessellum::AppConfig::Attributes::DeferredUpdateValue)

@@ -130,6 +130,17 @@ QList<std::shared_ptr<HierarchyNode>> HierarchyNodeInstance::children() const
     return nodes;
 }
 
+QStringList HierarchyNodeInstance::getChildIds() const
+{
+    QStringList ids;
+    const ScopedLock lock(this);
+    if (childNodes) {
+        ids.reserve(int(childNodes->size()));
+        childNodes->forEachId([&ids](const QString &id) { ids.append(id); });
+    }
+    return ids;
+}
+
 bool HierarchyNodeInstance::hasChild(const std::shared_ptr<const HierarchyNode> &node, quint64 *index) const
 {
     if (!node)

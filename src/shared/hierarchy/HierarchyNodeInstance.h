@@ -63,6 +63,8 @@ public:
     std::shared_ptr<const HierarchyNode> getChildByIndex(const quint64 &index) const;
     /** The children, in no promised order. */
     QList<std::shared_ptr<HierarchyNode>> children() const;
+    /** The ids of the children in the order in which they came. */
+    QStringList getChildIds() const;
 
 Q_SIGNALS:
     /** A child has been entered. Emitted by the thread that added it, with no lock held. */

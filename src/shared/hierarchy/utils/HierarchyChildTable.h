@@ -47,6 +47,15 @@ public:
                 visit(slot.node);
         }
     }
+    /** Calls \a visit with the id of each child in order. */
+    template <class Visitor>
+    void forEachId(const Visitor &visit) const
+    {
+        for (const Slot &slot : slots) {
+            if (slot.node)
+                visit(slot.id);
+        }
+    }
 
 private:
     struct Slot
