@@ -75,9 +75,7 @@ quint32 AttributeReference::getAccess() const
 bool AttributeReference::markForDeletion()
 {
     const auto attribute = writable.lock();
-    if (attribute)
-        return attribute->markForDeletion();
-    return readable.expired();
+    return attribute ? attribute->markForDeletion() : isDeleteFlagSet();
 }
 
 QList<std::shared_ptr<Validation::AttributeValidationInterface>> AttributeReference::getValidations() const

@@ -31,6 +31,7 @@ public:
     QString getId() const override;
     QString getPath() const override;
     quint32 getAccess() const override;
+    /*! False on a read-only reference to an attribute that is not on its way out. */
     virtual bool markForDeletion();
 
     QList<std::shared_ptr<Validation::AttributeValidationInterface>> getValidations() const override;

@@ -198,10 +198,14 @@ void AttributeTest::readOnlyReference()
     QVariant value;
     QVERIFY(attribute->getValue(value, 0));
     QCOMPARE(value, QVariant(1));
+    QVERIFY(!reference.markForDeletion());
+    QVERIFY(!attribute->isDeleteFlagSet());
     // Validations are no part of what it protects.
     QVERIFY(reference.addValidation(MakeNode<AnyValueIsFine>()));
     QVERIFY(attribute->hasValidation(QStringLiteral("any")));
     QVERIFY(reference.removeValidation(QStringLiteral("any")));
+    attribute->markForDeletion();
+    QVERIFY(reference.markForDeletion());
 }
 
 void AttributeTest::payloadsAreMetaTypes()
