@@ -38,7 +38,7 @@ public:
     ~AttributeTree()
     {
         pool.stopAndWait();
-        Tessellum::AppConfig::utils::GlobalPoolJobs::endRunAndWait(); // its jobs know the pool
+        Tessellum::AppConfig::utils::GlobalPoolJobs::EndRunAndWait(); // its jobs know the pool
     }
     AttributeTree(const AttributeTree &) = delete;
     AttributeTree &operator=(const AttributeTree &) = delete;

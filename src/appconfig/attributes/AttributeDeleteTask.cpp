@@ -18,7 +18,7 @@ using NodePtr = std::shared_ptr<HierarchyNode>;
 namespace {
 
 /*! Takes a node off the tree, and the name of a backend off the list of names. */
-void markForDeletion(HierarchyNode &node)
+void MarkForDeletion(HierarchyNode &node)
 {
     if (auto *const attribute = dynamic_cast<Attribute *>(&node)) {
         attribute->markForDeletion();
@@ -50,7 +50,7 @@ DeleteObserver::ResultType AttributeDeleteTask::runDelete()
     observer->report({DeletePoint::Begin, node != nullptr});
     if (!node)
         return observer->getResult();
-    markForDeletion(*node);
+    MarkForDeletion(*node);
     // Not before the mark: whoever hangs a child beneath the node later sees it, and knows that it came too
     // late.
     startDeletionOfChildren(node);
@@ -70,7 +70,7 @@ void AttributeDeleteTask::startDeletionOfChildren(const NodePtr &node) const
     if (qobject_cast<Shared::Hierarchy::HierarchyNodeLink *>(node.get()) || node->getNumberOfChildren() == 0)
         return;
     const QString prefix = path.isEmpty() ? path : path + HierarchyNode::GetHierarchyNodePathSeparator();
-    AppConfig::utils::GlobalPoolJobs::start([node, &taskPool = pool, prefix] {
+    AppConfig::utils::GlobalPoolJobs::Start([node, &taskPool = pool, prefix] {
         for (const NodePtr &child : node->getChildren(false)) {
             // The task keeps the child, which nobody else may hold by the time it runs.
             taskPool.startDeleteTask(child, prefix + child->getId(), QVariant::fromValue(child),

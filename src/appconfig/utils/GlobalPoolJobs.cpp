@@ -40,7 +40,7 @@ void RunJob(quint64 run, const std::function<void()> &job)
     try {
         job();
     } catch (...) {
-        Shared::Logging::FrameworkLog().critical() << "GlobalPoolJobs::start() catched exception";
+        Shared::Logging::FrameworkLog().critical() << "GlobalPoolJobs::Start() catched exception";
     }
 }
 
@@ -59,24 +59,24 @@ GlobalPoolJobs::Token::~Token()
         TheRuns().noneRunning.wakeAll();
 }
 
-void GlobalPoolJobs::start(std::function<void()> job)
+void GlobalPoolJobs::Start(std::function<void()> job)
 {
-    QThreadPool::globalInstance()->start([run = currentRun(), work = std::move(job)] { RunJob(run, work); });
+    QThreadPool::globalInstance()->start([run = CurrentRun(), work = std::move(job)] { RunJob(run, work); });
 }
 
-quint64 GlobalPoolJobs::currentRun()
+quint64 GlobalPoolJobs::CurrentRun()
 {
     const QMutexLocker locker(&TheRuns().mutex);
     return TheRuns().number;
 }
 
-void GlobalPoolJobs::beginRun()
+void GlobalPoolJobs::BeginRun()
 {
     const QMutexLocker locker(&TheRuns().mutex);
     ++TheRuns().number;
 }
 
-void GlobalPoolJobs::endRunAndWait()
+void GlobalPoolJobs::EndRunAndWait()
 {
     const QMutexLocker locker(&TheRuns().mutex);
     ++TheRuns().number;

@@ -17,11 +17,11 @@ class GlobalPoolJobs
 {
 public:
     /*! Puts \a job there for the present run. An exception in it is logged and ends there. */
-    static void start(std::function<void()> job);
+    static void Start(std::function<void()> job);
     /*! Opens a new run: what was put there before does nothing any more. */
-    static void beginRun();
+    static void BeginRun();
     /*! Closes the run and waits for the jobs that run; not to be called by one of them. */
-    static void endRunAndWait();
+    static void EndRunAndWait();
 
     /*! What a job holds while it works. */
     class Token
@@ -38,7 +38,7 @@ public:
     };
 
     /*! The number of the present run. */
-    static quint64 currentRun();
+    static quint64 CurrentRun();
 };
 
 } // namespace Tessellum::AppConfig::utils

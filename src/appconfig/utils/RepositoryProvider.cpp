@@ -188,7 +188,7 @@ void RepositoryProvider::start()
     next->validations = std::make_shared<RepositoryAttributeValidationProvider>(root);
     next->manipulation = std::make_shared<AttributesManipulationProvider>(root, &pool);
     exchangeRun(next);
-    GlobalPoolJobs::beginRun();
+    GlobalPoolJobs::BeginRun();
     pool.start();
 }
 
@@ -196,7 +196,7 @@ void RepositoryProvider::stop(const NodePtr &keeper)
 {
     // The tasks end first and with no lock held, since what they run may call the fronts that lock.
     pool.stopAndWait();
-    GlobalPoolJobs::endRunAndWait();
+    GlobalPoolJobs::EndRunAndWait();
     // The next run loads them anew, under the same ids.
     Validation::AttributeValidationRepository::getInstance()->unregisterBackendValidations();
 

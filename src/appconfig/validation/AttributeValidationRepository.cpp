@@ -16,13 +16,13 @@ namespace {
 using ValidationPtr = std::shared_ptr<AttributeValidationInterface>;
 
 template <class T>
-ValidationPtr makeLimits(const QString &id)
+ValidationPtr MakeLimits(const QString &id)
 {
     return Notification::utils::MakeNode<LimitsValidation<T>>(id);
 }
 
 template <class T>
-QString keyWithType(const QString &key)
+QString KeyWithType(const QString &key)
 {
     QString type = QString::fromLatin1(QMetaType::typeName(qMetaTypeId<T>()));
     type.replace(QRegularExpression(QStringLiteral("\\s")), QStringLiteral("_"));
@@ -30,9 +30,9 @@ QString keyWithType(const QString &key)
 }
 
 template <class... Ts>
-void registerWithTypes(AttributeValidationRepository &repository, const QString &key)
+void RegisterWithTypes(AttributeValidationRepository &repository, const QString &key)
 {
-    (repository.registerProduct(keyWithType<Ts>(key), &makeLimits<Ts>), ...);
+    (repository.registerProduct(KeyWithType<Ts>(key), &MakeLimits<Ts>), ...);
 }
 
 } // namespace
@@ -40,8 +40,8 @@ void registerWithTypes(AttributeValidationRepository &repository, const QString 
 AttributeValidationRepository::AttributeValidationRepository()
 {
     for (const QString &key : {QStringLiteral("limits"), QStringLiteral("limit")}) {
-        registerProduct(key, &makeLimits<double>);
-        registerWithTypes<double, float, signed char, short, int, long long>(*this, key);
+        registerProduct(key, &MakeLimits<double>);
+        RegisterWithTypes<double, float, signed char, short, int, long long>(*this, key);
     }
 }
 
@@ -51,7 +51,7 @@ ValidationPtr AttributeValidationRepository::createValidation(const QString &typ
     const bool ignoreCase = internalSettings
         && internalSettings->readSetting<bool>(QStringLiteral("repository"),
                                                QStringLiteral("names_ignore_case"), false);
-    const auto creator = getRegisteredProducts().value(ignoreCase ? type.toLower() : type);
+    const auto creator = getCreator(ignoreCase ? type.toLower() : type);
     return creator ? creator(id) : nullptr;
 }
 

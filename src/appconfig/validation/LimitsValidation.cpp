@@ -14,15 +14,15 @@ using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
 
 namespace {
 
-const QLatin1String typeKey("Type");
-const QLatin1String minimumKey("Minimum");
-const QLatin1String maximumKey("Maximum");
-const QLatin1String clippingKey("Clipping");
+const QLatin1String TypeKey("Type");
+const QLatin1String MinimumKey("Minimum");
+const QLatin1String MaximumKey("Maximum");
+const QLatin1String ClippingKey("Clipping");
 
 // A limit is cut to T as an integer is, so that 300 is 44 as a signed char. A double that a long long cannot
 // hold is cut to its range first: the cast would be undefined.
 template <class T>
-T narrowed(double value)
+T Narrowed(double value)
 {
     if constexpr (std::is_floating_point_v<T>)
         return static_cast<T>(value);
@@ -32,16 +32,16 @@ T narrowed(double value)
 }
 
 template <class T>
-bool readLimit(const Interfaces::AttributeInterface &attribute, std::atomic<T> &limit)
+bool ReadLimit(const Interfaces::AttributeInterface &attribute, std::atomic<T> &limit)
 {
     QVariant value;
     if (!attribute.getValue(value, QMetaType::Double))
         return false;
-    limit = narrowed<T>(value.toDouble());
+    limit = Narrowed<T>(value.toDouble());
     return true;
 }
 
-bool readFlag(const Interfaces::AttributeInterface &attribute, std::atomic<bool> &flag)
+bool ReadFlag(const Interfaces::AttributeInterface &attribute, std::atomic<bool> &flag)
 {
     QVariant value;
     if (!attribute.getValue(value, QMetaType::Bool))
@@ -93,9 +93,9 @@ template <class T>
 bool LimitsValidation<T>::setParent(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &newParent,
                                     const bool &silent)
 {
-    return makeMissingChild(minimumKey, QVariant::fromValue(minimum.load()))
-        && makeMissingChild(maximumKey, QVariant::fromValue(maximum.load()))
-        && makeMissingChild(clippingKey, clipping.load())
+    return makeMissingChild(MinimumKey, QVariant::fromValue(minimum.load()))
+        && makeMissingChild(MaximumKey, QVariant::fromValue(maximum.load()))
+        && makeMissingChild(ClippingKey, clipping.load())
         && HierarchyNodeInstance::setParent(newParent, silent);
 }
 
@@ -106,13 +106,13 @@ bool LimitsValidation<T>::readChild(const NodePtr &child)
     if (!attribute)
         return false;
     const QString key = attribute->getId();
-    if (key == minimumKey)
-        return readLimit(*attribute, minimum);
-    if (key == maximumKey)
-        return readLimit(*attribute, maximum);
-    if (key == clippingKey)
-        return readFlag(*attribute, clipping);
-    return key == typeKey;
+    if (key == MinimumKey)
+        return ReadLimit(*attribute, minimum);
+    if (key == MaximumKey)
+        return ReadLimit(*attribute, maximum);
+    if (key == ClippingKey)
+        return ReadFlag(*attribute, clipping);
+    return key == TypeKey;
 }
 
 template <class T>

@@ -41,7 +41,7 @@ class AttributeDeleteTaskTest : public QObject
 private Q_SLOTS:
     void deletes();
     void everyNestedAttributeReportsItsEnd();
-    void spareWhatALinkShows();
+    void sparesWhatALinkShows();
     void jobsOfAnEndedRunDoNothing();
 };
 
@@ -88,7 +88,7 @@ void AttributeDeleteTaskTest::everyNestedAttributeReportsItsEnd()
     QCOMPARE(tree.root->getNumberOfChildren(), quint64(0));
 }
 
-void AttributeDeleteTaskTest::spareWhatALinkShows()
+void AttributeDeleteTaskTest::sparesWhatALinkShows()
 {
     AttributeTree tree;
     create(tree, {QStringLiteral("target.x"), QStringLiteral("a.b")});
@@ -120,25 +120,25 @@ void AttributeDeleteTaskTest::jobsOfAnEndedRunDoNothing()
     QVERIFY(started.tryAcquire(threads, 20000));
 
     std::atomic<int> ran{0};
-    GlobalPoolJobs::start([&ran] { ++ran; });
-    GlobalPoolJobs::endRunAndWait();
-    GlobalPoolJobs::beginRun();
-    GlobalPoolJobs::start([&ran] { ran += 10; });
+    GlobalPoolJobs::Start([&ran] { ++ran; });
+    GlobalPoolJobs::EndRunAndWait();
+    GlobalPoolJobs::BeginRun();
+    GlobalPoolJobs::Start([&ran] { ran += 10; });
     mayGoOn.release(threads);
     globalPool->waitForDone();
     QCOMPARE(ran.load(), 10);
 
     // The end of a run waits for the job that runs.
-    GlobalPoolJobs::start([&] {
+    GlobalPoolJobs::Start([&] {
         started.release();
         mayGoOn.acquire();
         ++ran;
     });
     QVERIFY(started.tryAcquire(1, 20000));
-    const std::unique_ptr<QThread> ender(QThread::create([] { GlobalPoolJobs::endRunAndWait(); }));
-    const quint64 run = GlobalPoolJobs::currentRun();
+    const std::unique_ptr<QThread> ender(QThread::create([] { GlobalPoolJobs::EndRunAndWait(); }));
+    const quint64 run = GlobalPoolJobs::CurrentRun();
     ender->start();
-    QTRY_VERIFY_WITH_TIMEOUT(GlobalPoolJobs::currentRun() != run, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(GlobalPoolJobs::CurrentRun() != run, 20000);
     QVERIFY(!ender->wait(50));
     mayGoOn.release();
     QVERIFY(ender->wait(20000));
