@@ -14,7 +14,7 @@ namespace Tessellum::AppConfig::Backends {
 
 namespace {
 
-/// Functions can only grant what they are there for.
+/*! Functions can only grant what they are there for. */
 bool CanTakeAccess(const AttributeCreateData::AttributeCreateDataDetails &details, quint32 access)
 {
     if (details.valueSource != AttributeValueSource::Functions)

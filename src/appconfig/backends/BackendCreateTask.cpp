@@ -21,9 +21,9 @@ namespace Tessellum::AppConfig::Backends {
 
 namespace {
 
-/// Orders the hanging in of a backend against the removal of plain parents that stayed empty, or a backend
-/// could land in a parent that another task takes away. Taken before the locks of nodes; nothing waits and no
-/// backend's function runs under it.
+/*! Orders the hanging in of a backend against the removal of plain parents that stayed empty, or a backend
+ * could land in a parent that another task takes away. Taken before the locks of nodes; nothing waits and no
+ * backend's function runs under it. */
 QBasicMutex parentsMutex;
 
 QString JoinedPath(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent, const QString &path)
@@ -35,7 +35,7 @@ QString JoinedPath(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &pare
 
 } // namespace
 
-/// What a task has hung into the tree. Takes it away again unless it is told to keep it.
+/*! What a task has hung into the tree. Takes it away again unless it is told to keep it. */
 class BackendCreateTask::Traces
 {
 public:

@@ -15,7 +15,7 @@ namespace {
 
 constexpr QIODevice::OpenMode WriteMode = QIODevice::WriteOnly | QIODevice::Text;
 
-/// A device may give bytes for ever.
+/*! A device may give bytes for ever. */
 constexpr int LargestDeviceText = 256 * 1024 * 1024;
 
 QByteArray ReadAll(QFile &file)
@@ -85,7 +85,7 @@ bool WriteDirectly(const QString &name, const QByteArray &text)
     return OpenFile(file) && WriteText(file, text);
 }
 
-/// A full disk or the end of the process on the way leaves the old file whole.
+/*! A full disk or the end of the process on the way leaves the old file whole. */
 bool ReplaceFile(const QString &name, const QByteArray &text)
 {
     QSaveFile file(name);

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -151,4 +151,4 @@ void HierarchyNode::Release(HierarchyNode *node)
         node->deleteLater();
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -8,7 +8,7 @@
 
 using Shared::Synchronization::ScopedLock;
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -185,13 +185,13 @@ HierarchyNodeInstance::findChildByRelativePath(const QString &relativePath) cons
 std::shared_ptr<HierarchyNode> HierarchyNodeInstance::getParent()
 {
     const ScopedLock lock(this);
-    return parentNode.lock();
+    return parent.lock();
 }
 
 std::shared_ptr<const HierarchyNode> HierarchyNodeInstance::getParent() const
 {
     const ScopedLock lock(this);
-    return parentNode.lock();
+    return parent.lock();
 }
 
 void HierarchyNodeInstance::onParentPathChanged()
@@ -200,8 +200,8 @@ void HierarchyNodeInstance::onParentPathChanged()
         return;
     {
         const ScopedLock lock(this);
-        if (nodePath)
-            nodePath->setPathParent(nodePath->getParent());
+        if (path)
+            path->setPathParent(path->getParent());
     }
     Q_EMIT pathChanged();
 }
@@ -240,7 +240,7 @@ std::shared_ptr<HierarchyNode> HierarchyNodeInstance::child(QStringView childId)
 HierarchyNodeInstance::InstancePointer HierarchyNodeInstance::instanceAbove() const
 {
     const ScopedLock lock(this);
-    return std::static_pointer_cast<HierarchyNodeInstance>(parentNode.lock());
+    return std::static_pointer_cast<HierarchyNodeInstance>(parent.lock());
 }
 
 // Expects the lock of this node.
@@ -262,4 +262,4 @@ void HierarchyNodeInstance::forwardPathChange()
     }
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -8,13 +8,13 @@
 #include <atomic>
 #include <memory>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace utils {
 class HierarchyChildTable;
 } // namespace utils
 
-/**
+/*!
  * A node that keeps its children and its path.
  *
  * Locks, in this order: the lock of the parent, the lock of a child (together only where a child is entered),
@@ -22,8 +22,10 @@ class HierarchyChildTable;
  * Parent and path are written under the mutex of the shape as well, so that whoever holds that sees a tree
  * that does not move; it is held for the few steps of a move only. No lock is held while a signal is emitted.
  *
- * A path text, a table of children and their locks are made when somebody asks for them: most nodes are
- * leaves that nobody asks.
+ * A path and a table of children are made when somebody asks for them: most nodes are leaves that nobody
+ * asks. The table keeps the children by id and in their order at once, so that no removal has to scan the
+ * order. The delete flag is one atomic: whoever asks for it needs no lock, and so cannot meet another who
+ * holds one.
  */
 class TESSELLUM_EXPORT HierarchyNodeInstance : public HierarchyNode
 {
@@ -31,7 +33,7 @@ class TESSELLUM_EXPORT HierarchyNodeInstance : public HierarchyNode
 
 public:
     HierarchyNodeInstance();
-    /** \a id stays for good; a node with an empty one is a root and cannot get a parent. */
+    /*! \a id stays for good; a node with an empty one is a root and cannot get a parent. */
     explicit HierarchyNodeInstance(const QString &id);
     ~HierarchyNodeInstance() override;
 
@@ -58,20 +60,20 @@ public:
     std::shared_ptr<HierarchyNode> getChildById(const QString &id) override;
     std::shared_ptr<const HierarchyNode> getChildById(const QString &id) const override;
 
-    /** The child with \a index children before it, or an empty pointer. Linear after removals. */
+    /*! The child with \a index children before it, or an empty pointer. Linear after removals. */
     std::shared_ptr<HierarchyNode> getChildByIndex(const quint64 &index);
     std::shared_ptr<const HierarchyNode> getChildByIndex(const quint64 &index) const;
-    /** The children, in no promised order. */
+    /*! The children, in no promised order. */
     QList<std::shared_ptr<HierarchyNode>> children() const;
     /** The ids of the children in the order in which they came. */
     QStringList getChildIds() const;
 
 Q_SIGNALS:
-    /** A child has been entered. Emitted by the thread that added it, with no lock held. */
+    /*! A child has been entered. Emitted by the thread that added it, with no lock held. */
     void notifyChildAdded(const QString &id);
 
 protected:
-    /** For a node that \a isForTarget: a node that is given it as parent goes below its target, which it
+    /*! For a node that \a isForTarget: a node that is given it as parent goes below its target, which it
      * hands out as the node at an empty path. */
     HierarchyNodeInstance(const QString &id, bool isForTarget);
 
@@ -98,13 +100,13 @@ private:
     void forwardPathChange();
 
     const QString nodeId;
-    std::weak_ptr<HierarchyNode> parentNode;
-    mutable HierarchyNodePathSynchronizer nodePath;
+    std::weak_ptr<HierarchyNode> parent;
+    mutable HierarchyNodePathSynchronizer path;
     std::unique_ptr<utils::HierarchyChildTable> childNodes;
     std::atomic<bool> deleteFlag{false};
     const bool standsForTarget;
-    bool wasParent
-        = false; // guarded by the mutex of the shape: nothing can lie below a node that never was one
+    // Guarded by the mutex of the shape: nothing can lie below a node that never was a parent.
+    bool wasParent = false;
 };
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

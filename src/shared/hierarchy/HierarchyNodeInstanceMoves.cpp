@@ -11,7 +11,7 @@
 
 using Shared::Synchronization::ScopedLock;
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -42,7 +42,7 @@ bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node,
         return enterAndNotify(node, *instance);
     }
     if (hasChild(node, nullptr)) {
-        warnAboutExisting(instance->nodeId);
+        warnAboutExisting(node->getId());
         return false;
     }
     const std::shared_ptr<HierarchyNode> me = self();
@@ -66,7 +66,7 @@ std::shared_ptr<const HierarchyStringPath> HierarchyNodeInstance::getNodePath() 
         std::for_each(above.crbegin(), above.crend(), [](const auto &node) { node->tryMakePath(); });
     }
     const ScopedLock lock(this);
-    return nodePath.get();
+    return path.get();
 }
 
 bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newParent, const bool &silent)
@@ -115,7 +115,7 @@ bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target,
 bool HierarchyNodeInstance::isParentOf(const HierarchyNodeInstance &node) const
 {
     const std::weak_ptr<const HierarchyNode> me = weak_from_this();
-    return !me.owner_before(node.parentNode) && !node.parentNode.owner_before(me);
+    return !me.owner_before(node.parent) && !node.parent.owner_before(me);
 }
 
 // Points this node, and its path if it is made, to another parent.
@@ -128,12 +128,12 @@ HierarchyNodeInstance::Relinked HierarchyNodeInstance::relink(const InstancePoin
         {
             const ScopedLock lock(this);
             const std::lock_guard<std::mutex> shape(shapeMutex());
-            oldParent = std::static_pointer_cast<HierarchyNodeInstance>(parentNode.lock());
+            oldParent = std::static_pointer_cast<HierarchyNodeInstance>(parent.lock());
             if (oldParent == target)
                 return Relinked::Unchanged;
             if (target && isOrLiesAbove(*target, ancestors))
                 return Relinked::Refused;
-            if (!nodePath || !target || target->nodePath) {
+            if (!path || !target || target->path) {
                 point(target);
                 return Relinked::Moved;
             }
@@ -151,7 +151,7 @@ bool HierarchyNodeInstance::isOrLiesAbove(const HierarchyNodeInstance &node, Anc
          current = static_cast<HierarchyNodeInstance *>(ancestors.back().get())) {
         if (current == this)
             return true;
-        ancestors.append(current->parentNode.lock());
+        ancestors.append(current->parent.lock());
     }
     return false;
 }
@@ -159,11 +159,11 @@ bool HierarchyNodeInstance::isOrLiesAbove(const HierarchyNodeInstance &node, Anc
 // Expects the lock of this node and the mutex of the shape; a path above a path that is made must be made.
 void HierarchyNodeInstance::point(const InstancePointer &target)
 {
-    parentNode = target;
+    parent = target;
     if (target)
         target->wasParent = true;
-    if (nodePath)
-        nodePath->setPathParent(target ? target->nodePath.get() : nullptr);
+    if (path)
+        path->setPathParent(target ? target->path.get() : nullptr);
 }
 
 // Takes the link to a parent back that did not take this node, unless somebody else has moved it meanwhile.
@@ -236,15 +236,15 @@ bool HierarchyNodeInstance::tryMakePath() const
 {
     InstancePointer above; // released after the locks
     const ScopedLock lock(this);
-    if (nodePath)
+    if (path)
         return true;
     const std::lock_guard<std::mutex> shape(shapeMutex());
-    above = std::static_pointer_cast<HierarchyNodeInstance>(parentNode.lock());
-    if (above && !above->nodePath)
+    above = std::static_pointer_cast<HierarchyNodeInstance>(parent.lock());
+    if (above && !above->path)
         return false;
-    nodePath = HierarchyNodePathSynchronizer(std::make_shared<HierarchyStringPath>(
-        above ? above->nodePath.get() : nullptr, GetHierarchyNodePathSeparator(), nodeId));
+    path = HierarchyNodePathSynchronizer(std::make_shared<HierarchyStringPath>(
+        above ? above->path.get() : nullptr, GetHierarchyNodePathSeparator(), nodeId));
     return true;
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

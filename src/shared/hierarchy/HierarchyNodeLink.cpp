@@ -1,6 +1,6 @@
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 HierarchyNodeLink::HierarchyNodeLink(const std::weak_ptr<HierarchyNode> &target, const QString &id,
                                      const bool &isReadOnlyLink)
@@ -17,16 +17,17 @@ QList<std::shared_ptr<const HierarchyNode>> HierarchyNodeLink::getChildren(const
     return target ? target->getChildren(recursive) : QList<std::shared_ptr<const HierarchyNode>>();
 }
 
-std::shared_ptr<HierarchyNode> HierarchyNodeLink::findChildByRelativePath(const QString &path)
+std::shared_ptr<HierarchyNode> HierarchyNodeLink::findChildByRelativePath(const QString &relativePath)
 {
     const auto target = getLink();
-    return target ? target->findChildByRelativePath(path) : nullptr;
+    return target ? target->findChildByRelativePath(relativePath) : nullptr;
 }
 
-std::shared_ptr<const HierarchyNode> HierarchyNodeLink::findChildByRelativePath(const QString &path) const
+std::shared_ptr<const HierarchyNode>
+HierarchyNodeLink::findChildByRelativePath(const QString &relativePath) const
 {
     const auto target = getLink();
-    return target ? target->findChildByRelativePath(path) : nullptr;
+    return target ? target->findChildByRelativePath(relativePath) : nullptr;
 }
 
 bool HierarchyNodeLink::addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index)
@@ -55,4 +56,4 @@ std::shared_ptr<const HierarchyNode> HierarchyNodeLink::getLink() const
     return link.lock();
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -2,9 +2,9 @@
 
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
-/**
+/*!
  * A node with an id and a place of its own whose subtree is that of a target.
  *
  * Searches, additions and the const list of children go to the target; all else, the non-const list of
@@ -22,13 +22,13 @@ public:
 
     using HierarchyNodeInstance::getChildren;
     QList<std::shared_ptr<const HierarchyNode>> getChildren(const bool &recursive) const override;
-    /** An empty pointer through a read-only link; the target for an empty path. */
+    /*! An empty pointer through a read-only link; the target for an empty path. */
     std::shared_ptr<HierarchyNode> findChildByRelativePath(const QString &path) override;
     std::shared_ptr<const HierarchyNode> findChildByRelativePath(const QString &path) const override;
-    /** False through a read-only link. */
+    /*! False through a read-only link. */
     bool addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index = nullptr) override;
 
-    /** Whether the target is still there. */
+    /*! Whether the target is still there. */
     bool isLinked() const;
     bool isReadOnly() const;
 
@@ -40,4 +40,4 @@ private:
     const bool readOnly;
 };
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -2,19 +2,19 @@
 
 #include <shared/hierarchy/HierarchyStringPath.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
-/** Holds the path of a node. Empty until somebody has asked the node for its path: most leaves are never
+/*! Holds the path of a node. Empty until somebody has asked the node for its path: most leaves are never
  * asked. Copies share the path. Not safe for concurrent change: the node guards it. */
 class TESSELLUM_EXPORT HierarchyNodePathSynchronizer
 {
 public:
     HierarchyNodePathSynchronizer() = default;
-    /** Holds a copy of \a source. */
+    /*! Holds a copy of \a source. */
     explicit HierarchyNodePathSynchronizer(const HierarchyStringPath &source)
         : path(std::make_shared<HierarchyStringPath>(source))
     { }
-    /** Takes over \a made. */
+    /*! Takes over \a made. */
     explicit HierarchyNodePathSynchronizer(std::shared_ptr<HierarchyStringPath> made)
         : path(std::move(made))
     { }
@@ -34,4 +34,4 @@ private:
     std::shared_ptr<HierarchyStringPath> path;
 };
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -1,6 +1,6 @@
 #include <shared/hierarchy/HierarchyNodeReference.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -52,15 +52,15 @@ bool HierarchyNodeReference::hasChild(const QString &id) const
     return ask(readable, [&](const auto &target) { return target.hasChild(id); });
 }
 
-std::shared_ptr<HierarchyNode> HierarchyNodeReference::findChildByRelativePath(const QString &path)
+std::shared_ptr<HierarchyNode> HierarchyNodeReference::findChildByRelativePath(const QString &relativePath)
 {
-    return ask(writable, [&](auto &target) { return target.findChildByRelativePath(path); });
+    return ask(writable, [&](auto &target) { return target.findChildByRelativePath(relativePath); });
 }
 
 std::shared_ptr<const HierarchyNode>
-HierarchyNodeReference::findChildByRelativePath(const QString &path) const
+HierarchyNodeReference::findChildByRelativePath(const QString &relativePath) const
 {
-    return ask(readable, [&](const auto &target) { return target.findChildByRelativePath(path); });
+    return ask(readable, [&](const auto &target) { return target.findChildByRelativePath(relativePath); });
 }
 
 bool HierarchyNodeReference::addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index)
@@ -99,4 +99,4 @@ bool HierarchyNodeReference::setReferenceDeleteFlag()
     return ask(writable, [](auto &target) { return target.setDeleteFlag(); });
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -2,9 +2,9 @@
 
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
-/**
+/*!
  * A node that shows itself as its target, id and path included, without owning it.
  *
  * Const operations reach the target through a const pointer, the others through a writable one, which a
@@ -33,11 +33,11 @@ public:
     std::shared_ptr<HierarchyNode> getParent() override;
     std::shared_ptr<const HierarchyNode> getParent() const override;
 
-    /** Whether the target has gone or never was. */
+    /*! Whether the target has gone or never was. */
     bool isEmpty() const;
-    /** Whether the target is off the tree for good; true also where it has gone. */
+    /*! Whether the target is off the tree for good; true also where it has gone. */
     bool isReferenceDeleteFlagSet() const;
-    /** Takes the target off the tree; false where it has gone or is const. */
+    /*! Takes the target off the tree; false where it has gone or is const. */
     bool setReferenceDeleteFlag();
 
 private:
@@ -45,4 +45,4 @@ private:
     const std::weak_ptr<const HierarchyNodeInstance> readable;
 };
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

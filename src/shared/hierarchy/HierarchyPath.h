@@ -10,9 +10,9 @@
 #include <functional>
 #include <memory>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
-/**
+/*!
  * A place in a tree of texts: an own id, a separator and the path above. The full text is put together when
  * it is read, and again only after something above has moved, so that a move costs the same however much lies
  * below.
@@ -27,7 +27,7 @@ template <class Value, class List, class Separator, class Extra>
 class HierarchyPath : public Synchronization::Lockable
 {
 public:
-    /** Holds the two texts of a path and knows how to join them. */
+    /*! Holds the two texts of a path and knows how to join them. */
     class PathAccessWrapper
     {
     public:
@@ -53,7 +53,7 @@ public:
     HierarchyPath(const std::shared_ptr<HierarchyPath> &parentPath, const Separator &separatorText,
                   const Value &id)
         : Lockable(nullptr, QMutex::Recursive)
-        , ownSeparator(separatorText)
+        , separator(separatorText)
         , access(Value(), id, standardCombine(separatorText))
     {
         setPathParent(parentPath);
@@ -65,11 +65,11 @@ public:
     HierarchyPath &operator=(const HierarchyPath &) = delete;
     ~HierarchyPath() override = default;
 
-    /** The text from the root down to this path. */
+    /*! The text from the root down to this path. */
     Value getFullPath() const
     {
         const Synchronization::ScopedLock lock(this);
-        if (pathAbove)
+        if (parent)
             syncToParentPath();
         return access;
     }
@@ -83,42 +83,42 @@ public:
     std::shared_ptr<HierarchyPath> getParent()
     {
         const Synchronization::ScopedLock lock(this);
-        return pathAbove;
+        return parent;
     }
     std::shared_ptr<const HierarchyPath> getParent() const
     {
         const Synchronization::ScopedLock lock(this);
-        return pathAbove;
+        return parent;
     }
 
-    /** The sum of the own versions from here to the root. */
+    /*! The sum of the own versions from here to the root. */
     quint64 getPathVersion() const
     {
         const Synchronization::ScopedLock lock(this);
-        return version + LockedAncestors(pathAbove.get()).version();
+        return version + LockedAncestors(parent.get()).version();
     }
 
-    Separator getSeparator() const { return ownSeparator; }
+    Separator getSeparator() const { return separator; }
 
-    /** Hangs this path below \a newParent, or makes it a root where that is empty. A path must not be hung
+    /*! Hangs this path below \a newParent, or makes it a root where that is empty. A path must not be hung
      * below itself. */
     void setPathParent(const std::shared_ptr<HierarchyPath> &newParent)
     {
         std::shared_ptr<HierarchyPath> oldParent;
         const Synchronization::ScopedLock lock(this);
-        if (newParent == pathAbove) {
+        if (newParent == parent) {
             ++version;
             return;
         }
         // The sum must rise also where the new place has seen fewer moves than the old one.
-        const quint64 before = LockedAncestors(pathAbove.get()).version();
+        const quint64 before = LockedAncestors(parent.get()).version();
         const quint64 after = before > 0 ? LockedAncestors(newParent.get()).version() : 0;
         version += 1 + (before > after ? before - after : 0);
-        oldParent = std::move(pathAbove);
-        pathAbove = newParent;
+        oldParent = std::move(parent);
+        parent = newParent;
         // No parent has the version 0: the text is made anew at the next read.
         syncedParentVersion = 0;
-        if (!pathAbove)
+        if (!parent)
             access.setParentPath(Value());
     }
 
@@ -129,7 +129,7 @@ private:
     public:
         explicit LockedAncestors(const HierarchyPath *first)
         {
-            for (auto path = first; path; path = path->pathAbove.get()) {
+            for (auto path = first; path; path = path->parent.get()) {
                 path->lock();
                 paths.append(path);
             }
@@ -166,8 +166,8 @@ private:
 
     HierarchyPath(const HierarchyPath &other, const Synchronization::ScopedLock &)
         : Lockable(nullptr, QMutex::Recursive)
-        , pathAbove(other.pathAbove)
-        , ownSeparator(other.ownSeparator)
+        , parent(other.parent)
+        , separator(other.separator)
         , version(other.version)
         , syncedParentVersion(other.syncedParentVersion)
         , access(other.access)
@@ -176,15 +176,15 @@ private:
     virtual Value getId() const { return getPathId(); }
 
 public:
-    /** The element at \a index, an empty one outside 0 to size() - 1. */
+    /*! The element at \a index, an empty one outside 0 to size() - 1. */
     virtual Value at(const int &index) const = 0;
-    /** The number of elements. */
+    /*! The number of elements. */
     virtual int size() const = 0;
-    /** The elements from the root downward. */
+    /*! The elements from the root downward. */
     virtual List split() const = 0;
-    /** Whether each element is a word. */
+    /*! Whether each element is a word. */
     virtual bool isValid() const = 0;
-    /** Whether there is no element at all. An empty text is one empty element. */
+    /*! Whether there is no element at all. An empty text is one empty element. */
     virtual bool isEmpty() const = 0;
 
 private:
@@ -198,24 +198,24 @@ private:
     // Expects the lock of this path and a parent.
     void syncToParentPath() const
     {
-        const LockedAncestors above(pathAbove.get());
+        const LockedAncestors above(parent.get());
         syncToVersion(above.sync());
     }
 
     // Expects the locks of this path and of all above, whose texts are up to date.
     void syncToVersion(const quint64 &parentVersion) const
     {
-        if (!pathAbove || parentVersion == syncedParentVersion)
+        if (!parent || parentVersion == syncedParentVersion)
             return;
-        access.setParentPath(pathAbove->access);
+        access.setParentPath(parent->access);
         syncedParentVersion = parentVersion;
     }
 
-    std::shared_ptr<HierarchyPath> pathAbove;
-    const Separator ownSeparator;
+    std::shared_ptr<HierarchyPath> parent;
+    const Separator separator;
     quint64 version = 1;
     mutable quint64 syncedParentVersion = 0;
     mutable PathAccessWrapper access;
 };
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

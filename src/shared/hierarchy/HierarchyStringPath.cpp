@@ -2,7 +2,7 @@
 
 using Shared::Synchronization::ScopedLock;
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -19,9 +19,9 @@ bool isWord(const QString &element)
 
 } // namespace
 
-HierarchyStringPath::HierarchyStringPath(const std::shared_ptr<Base> &parent, const QString &separator,
-                                         const QString &id)
-    : Base(parent, separator, id)
+HierarchyStringPath::HierarchyStringPath(const std::shared_ptr<Base> &parentPath,
+                                         const QString &separatorText, const QString &id)
+    : Base(parentPath, separatorText, id)
 { }
 
 HierarchyStringPath::HierarchyStringPath(const HierarchyStringPath &other)
@@ -108,4 +108,4 @@ QString HierarchyStringPath::RemoveFront(const HierarchyStringPath &path, const 
                                    : QString();
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

@@ -1,6 +1,6 @@
 #include <shared/hierarchy/HierarchyStringPathLink.h>
 
-namespace Shared { namespace Hierarchy {
+namespace Shared::Hierarchy {
 
 namespace {
 
@@ -89,4 +89,4 @@ bool HierarchyStringPathLink::isEmpty() const
     return targets.isEmpty();
 }
 
-}} // namespace Shared::Hierarchy
+} // namespace Shared::Hierarchy

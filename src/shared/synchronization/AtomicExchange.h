@@ -7,7 +7,7 @@
 
 namespace Shared {
 
-/**
+/*!
  * Hands a value from a writer to a reader: stage() lays it down, commit() publishes the last one laid down.
  *
  * Threads: any. The lock of this object, which is not recursive, guards both values.
@@ -23,7 +23,7 @@ public:
     { }
     ~AtomicExchange() override = default;
 
-    /** Lays \a next down for the next commit. */
+    /*! Lays \a next down for the next commit. */
     void stage(const T &next)
     {
         const Synchronization::ScopedLock lock(this);
@@ -33,7 +33,7 @@ public:
         dirty.store(true, std::memory_order_release);
     }
 
-    /** Publishes what was staged and returns the published value. */
+    /*! Publishes what was staged and returns the published value. */
     T commit()
     {
         commitLock = std::make_unique<Synchronization::ScopedLock>(this);

@@ -12,7 +12,7 @@
 
 namespace Shared {
 
-/**
+/*!
  * A table of creator functions by key.
  *
  * Threads: any. The mutex guards the table alone: creators are copied out and run without it, so that a
@@ -25,7 +25,7 @@ class TESSELLUM_EXPORT Factory
 public:
     virtual ~Factory() = default;
 
-    /** Enters \a creator; false, with nothing changed, where \a key is taken. */
+    /*! Enters \a creator; false, with nothing changed, where \a key is taken. */
     bool registerProduct(const Key &key, const Creator &creator)
     {
         const QMutexLocker lock(&mutex);
@@ -35,7 +35,7 @@ public:
         return true;
     }
 
-    /** Whether there was an entry to remove. */
+    /*! Whether there was an entry to remove. */
     bool unregisterProduct(const Key &key)
     {
         const QMutexLocker lock(&mutex);
@@ -48,21 +48,21 @@ public:
         return creators.contains(key);
     }
 
-    /** The keys, in no particular order. */
+    /*! The keys, in no particular order. */
     QList<Key> getRegisteredProductIdentifier() const
     {
         const QMutexLocker lock(&mutex);
         return creators.keys();
     }
 
-    /** The table as it stands now. */
+    /*! The table as it stands now. */
     QHash<Key, Creator> getRegisteredProducts() const
     {
         const QMutexLocker lock(&mutex);
         return creators;
     }
 
-    /** The creator of \a key for the caller to run, or an empty one. */
+    /*! The creator of \a key for the caller to run, or an empty one. */
     Creator getCreator(const Key &key) const
     {
         const QMutexLocker lock(&mutex);

@@ -2,7 +2,9 @@
 
 #include <QMetaMethod>
 
-namespace Shared { namespace Synchronization {
+#include <utility>
+
+namespace Shared::Synchronization {
 
 Lockable::Lockable(QObject *parent, const QMutex::RecursionMode &mode)
     : QObject(parent)
@@ -39,11 +41,21 @@ int Lockable::unlock() const
     lockCount.store(depth, std::memory_order_release);
     if (depth > 0)
         return depth;
-    if (hasListener.load(std::memory_order_relaxed))
-        Q_EMIT unlocked();
+    if (hasListener.load(std::memory_order_relaxed) && !announceRelease())
+        return depth;
     lockOwner.store(std::thread::id(), std::memory_order_relaxed);
     lockMutex.unlock();
     return depth;
+}
+
+// Emits unlocked(); false where the mutex must stay taken: a slot has kept a level, or this call comes from a
+// slot of an outer unlock() that has the mutex still to give back.
+bool Lockable::announceRelease() const
+{
+    const bool isNested = std::exchange(isReleasing, true);
+    Q_EMIT unlocked();
+    isReleasing = isNested;
+    return !isNested && lockCount.load(std::memory_order_relaxed) == 0;
 }
 
 int Lockable::lockLevel() const
@@ -58,4 +70,4 @@ void Lockable::connectNotify(const QMetaMethod &signal)
         hasListener.store(true, std::memory_order_relaxed);
 }
 
-}} // namespace Shared::Synchronization
+} // namespace Shared::Synchronization

@@ -4,7 +4,7 @@
 
 namespace Shared {
 
-/** The empty base of the records that describe a T to be made. */
+/*! The empty base of the records that describe a T to be made. */
 template <class T>
 class TESSELLUM_EXPORT PropertyContainer
 {

@@ -4,9 +4,9 @@
 
 class QObject;
 
-namespace Shared { namespace Synchronization {
+namespace Shared::Synchronization {
 
-/** An empty base that keeps its place in the layout of the shared objects. It moves nothing anywhere: objects
+/*! An empty base that keeps its place in the layout of the shared objects. It moves nothing anywhere: objects
  * that must live on a particular thread are moved there by whoever makes them. */
 class TESSELLUM_EXPORT QApplicationMainThreadMover
 {
@@ -15,4 +15,4 @@ public:
     virtual ~QApplicationMainThreadMover() = default;
 };
 
-}} // namespace Shared::Synchronization
+} // namespace Shared::Synchronization

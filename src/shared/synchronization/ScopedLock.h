@@ -4,9 +4,9 @@
 
 #include <memory>
 
-namespace Shared { namespace Synchronization {
+namespace Shared::Synchronization {
 
-/** Holds the lock of a Lockable for a scope. Made from a shared pointer it also keeps the object alive; made
+/*! Holds the lock of a Lockable for a scope. Made from a shared pointer it also keeps the object alive; made
  * from a raw pointer it leaves that to the caller. A null target is accepted and locks nothing. */
 class TESSELLUM_EXPORT ScopedLock
 {
@@ -37,4 +37,4 @@ private:
     const Lockable *const target;
 };
 
-}} // namespace Shared::Synchronization
+} // namespace Shared::Synchronization

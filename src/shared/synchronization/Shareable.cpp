@@ -1,7 +1,7 @@
 #include <shared/logging/FrameworkLog.h>
 #include <shared/synchronization/Shareable.h>
 
-namespace Shared { namespace Synchronization { namespace utils {
+namespace Shared::Synchronization::utils {
 
 void ReportMissingSharedPointer(const std::bad_weak_ptr &reason)
 {
@@ -9,4 +9,4 @@ void ReportMissingSharedPointer(const std::bad_weak_ptr &reason)
         << "Shareable::getSharedFromThis() smart pointer already deleted: " << reason.what();
 }
 
-}}} // namespace Shared::Synchronization::utils
+} // namespace Shared::Synchronization::utils

@@ -4,9 +4,9 @@
 #include <shared/synchronization/QApplicationMainThreadMover.h>
 #include <shared/synchronization/Shareable.h>
 
-namespace Shared { namespace Synchronization {
+namespace Shared::Synchronization {
 
-/** A Lockable that lives in a std::shared_ptr<T> and can hand it out. T is the class that derives from this.
+/*! A Lockable that lives in a std::shared_ptr<T> and can hand it out. T is the class that derives from this.
  */
 template <class T>
 class TESSELLUM_EXPORT SharedLockable : public Lockable,
@@ -24,4 +24,4 @@ public:
     ~SharedLockable() override = default;
 };
 
-}} // namespace Shared::Synchronization
+} // namespace Shared::Synchronization

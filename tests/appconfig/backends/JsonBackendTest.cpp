@@ -227,6 +227,8 @@ void JsonBackendTest::refusesOtherData()
     QCOMPARE(fixture->takeLog(LogMessageType::warning),
              QStringList("JsonBackend::loadAttributesCreateDataInternal() provided backend create data not "
                          "provided as file name (QString) or json data (QByteArray), received type=QPoint"));
+    QVERIFY(!load(QVariant()));
+    QVERIFY(fixture->takeLog(LogMessageType::warning).value(0).endsWith(QLatin1String("received type=")));
 }
 
 void JsonBackendTest::comesBackAsSaved()

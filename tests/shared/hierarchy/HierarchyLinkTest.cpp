@@ -6,6 +6,8 @@
 
 #include <QtTest>
 
+#include <support/LogCapture.h>
+
 using namespace HierarchyTree;
 using namespace Shared::Hierarchy;
 
@@ -133,7 +135,13 @@ void HierarchyLinkTest::reference()
     const NodePointer x = make(QStringLiteral("x"));
     QVERIFY(x->setParent(shown, false));
     QCOMPARE(x->getParent(), NodePointer(target));
-    QVERIFY(!root->addChild(shown)); // it has no place of its own
+    const TestSupport::LogCapture log;
+    QVERIFY(!root->addChild(shown));
+    QCOMPARE(
+        log.lines(),
+        QStringList{QStringLiteral("WARNING HierarchyNodeInstance::addChild() Trying to add existing child: "
+                                   "'target' to ''")});
+    QVERIFY(!make()->addChild(shown)); // it has no place of its own
 
     QVERIFY(!shown->isReferenceDeleteFlagSet());
     QVERIFY(shown->setReferenceDeleteFlag());

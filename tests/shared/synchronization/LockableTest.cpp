@@ -2,12 +2,14 @@
 #include <shared/synchronization/ScopedLock.h>
 #include <shared/synchronization/SharedLockable.h>
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <atomic>
 #include <support/LogCapture.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace Shared::Synchronization;
@@ -26,6 +28,7 @@ class LockableTest : public QObject
 private Q_SLOTS:
     void depthAndSignals();
     void slotsRunUnderTheLock();
+    void staysTakenWhileItsReleaseIsAnnounced();
     void keepsThreadsApart_data();
     void keepsThreadsApart();
     void scopedLock();
@@ -67,6 +70,50 @@ void LockableTest::slotsRunUnderTheLock()
     lockable.lock();
     lockable.unlock();
     QCOMPARE(levels, QList<int>{1});
+}
+
+void LockableTest::staysTakenWhileItsReleaseIsAnnounced()
+{
+    const Lockable lockable(nullptr, QMutex::Recursive);
+    QSemaphore entered;
+    std::thread other;
+    bool isFirst = true;
+    connect(
+        &lockable, &Lockable::unlocked, &lockable,
+        [&] {
+            if (!std::exchange(isFirst, false))
+                return;
+            lockable.lock();
+            lockable.unlock();
+            other = std::thread([&] {
+                const ScopedLock lock(&lockable);
+                entered.release();
+            });
+            QVERIFY(!entered.tryAcquire(1, 200));
+        },
+        Qt::DirectConnection);
+    lockable.lock();
+    lockable.unlock();
+    other.join();
+    QVERIFY(entered.tryAcquire());
+
+    // A slot may also keep the lock for its thread.
+    disconnect(&lockable, &Lockable::unlocked, nullptr, nullptr);
+    connect(&lockable, &Lockable::unlocked, &lockable, [&] {
+        if (!std::exchange(isFirst, true))
+            lockable.lock();
+    });
+    lockable.lock();
+    QCOMPARE(lockable.unlock(), 0);
+    QCOMPARE(lockable.lockLevel(), 1);
+    other = std::thread([&] {
+        const ScopedLock lock(&lockable);
+        entered.release();
+    });
+    const bool isHeld = !entered.tryAcquire(1, 200);
+    lockable.unlock();
+    other.join();
+    QVERIFY(isHeld);
 }
 
 void LockableTest::keepsThreadsApart_data()

@@ -17,7 +17,7 @@ bool IsArrayId(const QString &id)
     return id.size() > 1 && id.startsWith(QLatin1Char('<')) && id.endsWith(QLatin1Char('>'));
 }
 
-/// One read only: the function behind an attribute may be costly, or answer differently the second time.
+/*! One read only: the function behind an attribute may be costly, or answer differently the second time. */
 bool ReadValue(const Attribute *attribute, QVariant &out)
 {
     return attribute && attribute->getValue(out, 0) && out.isValid();

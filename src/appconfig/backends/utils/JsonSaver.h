@@ -25,7 +25,7 @@ public:
     bool isTooDeep() const { return tooDeep; }
 
 private:
-    /// Sorted before it becomes an object: an insert into the middle of a QJsonObject moves all behind it.
+    /*! Sorted before it becomes an object: an insert into the middle of a QJsonObject moves all behind it. */
     using Members = QMap<QString, QJsonValue>;
 
     int saveHierarchyIntoJsonObject(const NodePtr &node, Members &members, const QString &prefix, int depth);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace Shared { namespace Hierarchy { namespace utils {
+namespace Shared::Hierarchy::utils {
 
 namespace {
 
@@ -153,4 +153,4 @@ void HierarchyChildTable::rebuildIndex()
         enter(position);
 }
 
-}}} // namespace Shared::Hierarchy::utils
+} // namespace Shared::Hierarchy::utils

@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-namespace Shared { namespace Hierarchy { namespace utils {
+namespace Shared::Hierarchy::utils {
 
-/**
+/*!
  * The children of one node, by id and in the order in which they came.
  *
  * A removed child leaves a hole in the order; holes are closed when they are the greater part, so that
@@ -24,21 +24,21 @@ class HierarchyChildTable
 public:
     using Node = std::shared_ptr<HierarchyNode>;
 
-    /** The child with this id, or null. Valid until the table changes. */
+    /*! The child with this id, or null. Valid until the table changes. */
     const Node *find(QStringView id) const;
-    /** Appends \a node; its id must not be in the table. */
+    /*! Appends \a node; its id must not be in the table. */
     void append(const QString &id, const Node &node);
-    /** Takes the child with this id out and returns it. */
+    /*! Takes the child with this id out and returns it. */
     Node take(QStringView id);
     quint64 size() const { return live; }
-    /** The number of children before the one with this id, or the greatest number where there is none. */
+    /*! The number of children before the one with this id, or the greatest number where there is none. */
     quint64 position(QStringView id) const;
-    /** The child with \a index children before it, or null. */
+    /*! The child with \a index children before it, or null. */
     const Node *at(quint64 index) const;
-    /** Takes all children out, in their order. */
+    /*! Takes all children out, in their order. */
     std::vector<Node> takeAll();
 
-    /** Calls \a visit with each child in order. */
+    /*! Calls \a visit with each child in order. */
     template <class Visitor>
     void forEach(const Visitor &visit) const
     {
@@ -81,4 +81,4 @@ private:
     quint32 live = 0;
 };
 
-}}} // namespace Shared::Hierarchy::utils
+} // namespace Shared::Hierarchy::utils
