@@ -13,7 +13,7 @@ namespace {
 // A cast of a value that the target cannot hold is undefined, so the limits are settled before it. A limit
 // that a double cannot hold (2^63 - 1, 2^64 - 1) rounds up, hence "at least" and not "above".
 template <class T>
-T saturate(double value, T lowest, T highest)
+T Saturate(double value, T lowest, T highest)
 {
     if (std::isnan(value))
         return std::numeric_limits<T>::has_quiet_NaN ? std::numeric_limits<T>::quiet_NaN() : T(0);
@@ -25,11 +25,11 @@ T saturate(double value, T lowest, T highest)
 }
 
 template <class T>
-DoubleConversionFunctionWrapper conversion(T lowest = std::numeric_limits<T>::lowest(),
-                                           T highest = std::numeric_limits<T>::max())
+DoubleConversionFunctionWrapper MakeConversion(T lowest = std::numeric_limits<T>::lowest(),
+                                               T highest = std::numeric_limits<T>::max())
 {
     return DoubleConversionFunctionWrapper([lowest, highest](const double &value) {
-        return QVariant::fromValue<T>(saturate<T>(value, lowest, highest));
+        return QVariant::fromValue<T>(Saturate<T>(value, lowest, highest));
     });
 }
 
@@ -56,19 +56,19 @@ QVariant DoubleConversionFunctionWrapper::defaultConvert(const double &)
 
 DoubleConversionHelper::DoubleConversionHelper()
     : conversions{
-        {QMetaType::Char, conversion<char>(-128, 127)},
-        {QMetaType::UChar, conversion<unsigned char>()},
-        {QMetaType::Short, conversion<short>()},
-        {QMetaType::UShort, conversion<unsigned short>()},
-        {QMetaType::Int, conversion<int>()},
-        {QMetaType::UInt, conversion<unsigned int>()},
+        {QMetaType::Char, MakeConversion<char>(-128, 127)},
+        {QMetaType::UChar, MakeConversion<unsigned char>()},
+        {QMetaType::Short, MakeConversion<short>()},
+        {QMetaType::UShort, MakeConversion<unsigned short>()},
+        {QMetaType::Int, MakeConversion<int>()},
+        {QMetaType::UInt, MakeConversion<unsigned int>()},
         {QMetaType::Long,
-         conversion<long>(std::numeric_limits<qint32>::lowest(), std::numeric_limits<qint32>::max())},
-        {QMetaType::ULong, conversion<unsigned long>(0, std::numeric_limits<quint32>::max())},
-        {QMetaType::LongLong, conversion<long long>()},
-        {QMetaType::ULongLong, conversion<unsigned long long>()},
-        {QMetaType::Float, conversion<float>()},
-        {QMetaType::Double, conversion<double>()},
+         MakeConversion<long>(std::numeric_limits<qint32>::lowest(), std::numeric_limits<qint32>::max())},
+        {QMetaType::ULong, MakeConversion<unsigned long>(0, std::numeric_limits<quint32>::max())},
+        {QMetaType::LongLong, MakeConversion<long long>()},
+        {QMetaType::ULongLong, MakeConversion<unsigned long long>()},
+        {QMetaType::Float, MakeConversion<float>()},
+        {QMetaType::Double, MakeConversion<double>()},
     }
 { }
 

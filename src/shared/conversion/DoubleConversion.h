@@ -30,8 +30,8 @@ private:
 };
 
 /*!
- * A conversion for each number type from bool's neighbours int to float and double, found by QMetaType
- * number. The table is built by the constructor and only read afterwards, so that any thread may use it.
+ * A conversion for each number type, bool excepted, found by QMetaType number. The table is built by the
+ * constructor and only read afterwards, so that any thread may use it.
  *
  * A value beyond the limits of the type becomes the limit; anything else is truncated towards zero. "Not a
  * number" becomes 0 in an integral type and stays what it is in a floating one. The two long types have

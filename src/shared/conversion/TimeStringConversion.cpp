@@ -7,7 +7,7 @@ namespace Shared::Conversion {
 
 namespace {
 
-const QMap<QString, double> &secondsPerUnit()
+const QMap<QString, double> &SecondsPerUnit()
 {
     static const auto *const table = new QMap<QString, double>{
         {QStringLiteral("a"), 31557600.0},
@@ -42,7 +42,7 @@ const QMap<QString, int> &DateFormatNames()
 
 TimeStringConversion::TimeStringConversion(const QString &text)
     : expression(QStringLiteral("^(\\d+\\.?\\d*)(?:\\s*)(%1)?$")
-                     .arg(QStringList(secondsPerUnit().keys()).join(QLatin1Char('|'))))
+                     .arg(QStringList(SecondsPerUnit().keys()).join(QLatin1Char('|'))))
 {
     parseTimeString(text);
 }
@@ -63,13 +63,13 @@ bool TimeStringConversion::parseTimeString(const QString &text)
         return false;
     }
     const QString unit = expression.cap(2);
-    seconds = number * secondsPerUnit().value(unit.isEmpty() ? QStringLiteral("s") : unit);
+    seconds = number * SecondsPerUnit().value(unit.isEmpty() ? QStringLiteral("s") : unit);
     return true;
 }
 
 double TimeStringConversion::convertParsedSecondsToUnit(const QString &unit) const
 {
-    return valid ? seconds / secondsPerUnit().value(unit, 1.0) : 0.0;
+    return valid ? seconds / SecondsPerUnit().value(unit, 1.0) : 0.0;
 }
 
 double TimeStringConversion::toYears() const

@@ -5,14 +5,14 @@ namespace Shared {
 
 namespace {
 
-QString withoutQuotes(const QString &text)
+QString WithoutQuotes(const QString &text)
 {
     const QLatin1Char quote('"');
     const bool quoted = text.size() > 1 && text.startsWith(quote) && text.endsWith(quote);
     return quoted ? text.mid(1, text.size() - 2) : text;
 }
 
-void storeValue(QHash<QString, QVariant> &section, const QString &key, const QString &value)
+void StoreValue(QHash<QString, QVariant> &section, const QString &key, const QString &value)
 {
     if (section.contains(key)) {
         Logging::FrameworkLog().warning() << "Shared::ParseIniFile: The key '" << key
@@ -43,8 +43,8 @@ bool ParseIniFile(QTextStream &stream, IniContent &result, const QRegExp &separa
         if (position < 0)
             continue;
         // One character is left out whatever the length of the match.
-        storeValue(result[section], line.left(position).simplified(),
-                   withoutQuotes(line.mid(position + 1).trimmed()));
+        StoreValue(result[section], line.left(position).simplified(),
+                   WithoutQuotes(line.mid(position + 1).trimmed()));
     }
     return true;
 }

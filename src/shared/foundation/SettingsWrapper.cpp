@@ -3,7 +3,7 @@
 
 using Shared::Hierarchy::HierarchyNode;
 
-namespace Shared { namespace SettingsWrapper {
+namespace Shared::SettingsWrapper {
 
 SettingsWrapper::SettingsWrapper(QObject *parent, const std::shared_ptr<Node> &rootNode, const Reader &reader,
                                  const Writer &writer)
@@ -73,4 +73,4 @@ template TESSELLUM_EXPORT bool SettingsWrapper::writeSetting(const QString &, co
 template TESSELLUM_EXPORT bool SettingsWrapper::writeSetting(const QString &, const QString &,
                                                              const QString &);
 
-}} // namespace Shared::SettingsWrapper
+} // namespace Shared::SettingsWrapper

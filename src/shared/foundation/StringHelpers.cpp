@@ -1,17 +1,17 @@
-#include "StringHelpers.h"
+#include <shared/foundation/StringHelpers.h>
 
 namespace Shared {
 
 namespace {
 
-constexpr QChar AnyRun = QLatin1Char('*');
-constexpr QChar AnyCharacter = QLatin1Char('?');
+constexpr QChar anyRun = QLatin1Char('*');
+constexpr QChar anyCharacter = QLatin1Char('?');
 
 } // namespace
 
 bool IsWildcardString(const QString &text)
 {
-    return text.contains(AnyRun) || text.contains(AnyCharacter);
+    return text.contains(anyRun) || text.contains(anyCharacter);
 }
 
 bool WildcardStringCompare(const QChar *text, const QChar *pattern)
@@ -24,10 +24,10 @@ bool WildcardStringCompare(const QChar *text, const QChar *pattern)
     const QChar *behindStar = nullptr;
     const QChar *starText = nullptr;
     while (!text->isNull()) {
-        if (*pattern == AnyRun) {
+        if (*pattern == anyRun) {
             behindStar = ++pattern;
             starText = text;
-        } else if (*pattern == *text || *pattern == AnyCharacter) {
+        } else if (*pattern == *text || *pattern == anyCharacter) {
             ++pattern;
             ++text;
         } else if (behindStar) {
@@ -37,7 +37,7 @@ bool WildcardStringCompare(const QChar *text, const QChar *pattern)
             return false;
         }
     }
-    while (*pattern == AnyRun)
+    while (*pattern == anyRun)
         ++pattern;
     return pattern->isNull();
 }

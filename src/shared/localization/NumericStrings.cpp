@@ -6,7 +6,7 @@ namespace Shared::Localization {
 
 namespace {
 
-bool readNumber(const QLocale &locale, const QString &text, const int &type, QVariant &result)
+bool ReadNumber(const QLocale &locale, const QString &text, const int &type, QVariant &result)
 {
     bool ok = false;
     const double number = locale.toDouble(text, &ok);
@@ -49,7 +49,7 @@ bool StringLocalizationFunctionWrapper::defaultFunction(const QLocale &, const Q
 StringLocalizationHelper::StringLocalizationHelper()
 {
     for (int type : Conversion::GetDoubleConversionHelper().types())
-        functions.insert(type, StringLocalizationFunctionWrapper(&readNumber));
+        functions.insert(type, StringLocalizationFunctionWrapper(&ReadNumber));
 }
 
 bool StringLocalizationHelper::operator()(const QLocale &locale, const QString &text, const int &type,

@@ -4,8 +4,10 @@
 
 namespace Shared::Logging {
 
-/// The provider of the framework's own messages: FrameworkLog().warning() << "Class::function() text " <<
-/// value;
+/*!
+ * The provider of the framework's own messages:
+ * FrameworkLog().warning() << "Class::function() text " << value;
+ */
 inline LogStreamProvider FrameworkLog()
 {
     return LogStreamProvider(

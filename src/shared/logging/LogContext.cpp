@@ -8,7 +8,7 @@ namespace {
 
 qint32 LongestLevelName()
 {
-    int longest = 0;
+    int longest = 1;
     const QStringList names = LogLevel::GetLogLevelStrings();
     for (const QString &name : names)
         longest = std::max(longest, name.size());

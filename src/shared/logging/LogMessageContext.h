@@ -10,18 +10,22 @@
 
 namespace Shared::Logging {
 
-/// Where a message comes from and what travels with it to sinks and filters. A value without a lock of its
-/// own.
+/*!
+ * Where a message comes from and what travels with it to sinks and filters. A value without a lock of its
+ * own.
+ */
 struct TESSELLUM_EXPORT LogMessageContext
 {
     enum LogMessageFlag {
-        LogStackTrace = 1 ///< asks for a stack trace in the formatted line
+        LogStackTrace = 1 /*!< asks for a stack trace in the formatted line */
     };
     Q_DECLARE_FLAGS(LogMessageFlags, LogMessageFlag)
 
     LogMessageContext() = default;
-    /// file and function may be empty and line -1 where the position is of no interest;
-    /// category is the word that appears in the log line.
+    /*!
+     * file and function may be empty and line -1 where the position is of no interest;
+     * category is the word that appears in the log line.
+     */
     LogMessageContext(const QString &file, qint32 line, const QString &function, const QString &category,
                       const QList<QVariant> &parameters, LogMessageFlags flags);
     LogMessageContext(const LogMessageContext &) = default;
@@ -30,10 +34,10 @@ struct TESSELLUM_EXPORT LogMessageContext
 
     virtual QList<QVariant> messageParameter() const { return parameters; }
 
-    /// True when the source position was known at construction.
+    /*! True when the source position was known at construction. */
     bool isValid() const { return !invalid; }
 
-    bool invalid = true; ///< file or function was empty at construction
+    bool invalid = true; /*!< file or function was empty at construction */
     QString file;
     qint32 line = -1;
     QString function;

@@ -9,8 +9,10 @@
 
 namespace Shared::Logging {
 
-/// A log message on its way to the application object, where a LogMessageMonitor picks it up. The log handler
-/// itself sends none.
+/*!
+ * A log message on its way to the application object, where a LogMessageMonitor picks it up. The log handler
+ * itself sends none.
+ */
 class TESSELLUM_EXPORT LogMessageEvent : public QEvent
 {
 public:
@@ -23,7 +25,7 @@ public:
     LogMessageType getType() const { return messageType; }
     const QString &getMessage() const { return message; }
 
-    /// The event type of all log message events.
+    /*! The event type of all log message events. */
     static QEvent::Type GetType() { return static_cast<QEvent::Type>(1003); }
 
 private:

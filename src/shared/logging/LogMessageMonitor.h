@@ -9,7 +9,7 @@
 
 namespace Shared::Logging {
 
-/**
+/*!
  * Turns the log message events that reach the application object into a signal. To be made and used on the
  * thread of the application object, which must exist. An event of type 1002 sent to the application makes a
  * monitor deaf.
@@ -18,7 +18,7 @@ class TESSELLUM_EXPORT LogMessageMonitor : public QObject
 {
     Q_OBJECT
 public:
-    /// consumeEvents: a log message event goes no further than to this monitor.
+    /*! consumeEvents: a log message event goes no further than to this monitor. */
     LogMessageMonitor(QObject *parent, const bool &consumeEvents);
 
 Q_SIGNALS:

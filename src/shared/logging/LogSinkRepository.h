@@ -11,10 +11,10 @@
 
 namespace Shared::Logging {
 
-/// Gets the context, the level and the raw message.
+/*! Gets the context, the level and the raw message. */
 using LogSink = std::function<void(const LogMessageContext &, const LogLevel &, const QString &)>;
 
-/// The registered sinks. Has no lock of its own: LogHandler guards it.
+/*! The registered sinks. Has no lock of its own: LogHandler guards it. */
 class TESSELLUM_EXPORT LogSinkRepository
 {
 public:
@@ -23,11 +23,11 @@ public:
     LogSinkRepository(const LogSinkRepository &) = default;
     LogSinkRepository &operator=(const LogSinkRepository &) = default;
 
-    /// A fresh handle, null for an empty callback, which is not stored.
+    /*! A fresh handle, null for an empty callback, which is not stored. */
     QString addCustomSink(const LogSink &callback);
-    /// False for an unknown handle.
+    /*! False for an unknown handle. */
     bool removeCustomSink(const QString &handle);
-    /// In no particular order.
+    /*! In no particular order. */
     QList<LogSink> getMessageSinks() const { return callbacks.values(); }
 
 private:

@@ -11,7 +11,7 @@
 
 namespace Shared::Logging {
 
-/**
+/*!
  * The front end from which modules log: provider.warning() << "text" << value;
  * The parameters of the level entries travel with the message to sinks and filters; flags among them
  * (LogMessageContext::LogStackTrace) count for this message. Any thread may use one provider.
@@ -47,14 +47,14 @@ public:
     {
         return begin(LogMessageType::critical, values...);
     }
-    /// The process ends by abort() when the message has gone out.
+    /*! The process ends by abort() when the message has gone out. */
     template <typename... P>
     LogMessageContainer fatal(const P &...values) const
     {
         return begin(LogMessageType::fatal, values...);
     }
 
-    /// Begins a message with the provider's context and the given parameters in place of its own.
+    /*! Begins a message with the provider's context and the given parameters in place of its own. */
     LogMessageContainer handleMessageInternal(LogMessageType type, QList<QVariant> messageParameters) const;
 
 private:

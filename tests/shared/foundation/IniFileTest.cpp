@@ -51,50 +51,21 @@ void IniFileTest::linesAtTheEdges_data()
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("value");
-    QTest::newRow("quoted") << "a = \"b\""
-                            << "="
-                            << "a"
-                            << "b";
-    QTest::newRow("blanks within quotes") << "a=\" b \""
-                                          << "="
-                                          << "a"
-                                          << " b ";
-    QTest::newRow("one quote") << "a=\"b"
-                               << "="
-                               << "a"
-                               << "\"b";
-    QTest::newRow("a quote alone") << "a=\""
-                                   << "="
-                                   << "a"
-                                   << "\"";
-    QTest::newRow("empty quotes") << "a=\"\""
-                                  << "="
-                                  << "a"
-                                  << "";
-    QTest::newRow("first separator counts") << "a=b=c"
-                                            << "="
-                                            << "a"
-                                            << "b=c";
-    QTest::newRow("no key") << "=b"
-                            << "="
-                            << ""
-                            << "b";
-    QTest::newRow("open bracket") << "[x=y"
-                                  << "="
-                                  << "[x"
-                                  << "y";
-    QTest::newRow("section with a blank behind") << "[x=y] "
-                                                 << "="
-                                                 << "[x"
-                                                 << "y]";
-    QTest::newRow("one character of the match goes") << "a::=b"
-                                                     << "::="
-                                                     << "a"
-                                                     << ":=b";
-    QTest::newRow("alternatives") << "a:b=c"
-                                  << "[:=]"
-                                  << "a"
-                                  << "b=c";
+    const auto row
+        = [](const char *name, const char *line, const char *pattern, const char *key, const char *value) {
+              QTest::newRow(name) << QString(line) << QString(pattern) << QString(key) << QString(value);
+          };
+    row("quoted", "a = \"b\"", "=", "a", "b");
+    row("blanks within quotes", "a=\" b \"", "=", "a", " b ");
+    row("one quote", "a=\"b", "=", "a", "\"b");
+    row("a quote alone", "a=\"", "=", "a", "\"");
+    row("empty quotes", "a=\"\"", "=", "a", "");
+    row("first separator counts", "a=b=c", "=", "a", "b=c");
+    row("no key", "=b", "=", "", "b");
+    row("open bracket", "[x=y", "=", "[x", "y");
+    row("section with a blank behind", "[x=y] ", "=", "[x", "y]");
+    row("one character of the match goes", "a::=b", "::=", "a", ":=b");
+    row("alternatives", "a:b=c", "[:=]", "a", "b=c");
 }
 
 void IniFileTest::linesAtTheEdges()

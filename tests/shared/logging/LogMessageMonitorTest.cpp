@@ -9,8 +9,10 @@ using namespace Shared::Logging;
 
 namespace {
 
-/// Counts the log message events that get as far as this filter. A filter that was installed later is asked
-/// earlier.
+/*!
+ * Counts the log message events that get as far as this filter. A filter that was installed later is asked
+ * earlier.
+ */
 class EventCounter : public QObject
 {
 public:

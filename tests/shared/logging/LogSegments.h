@@ -8,7 +8,7 @@
 
 #include <cstring>
 
-/// The named objects of the log as any process sees them.
+/*! The named objects of the log as any process sees them. */
 namespace LogSegments {
 
 inline const QString semaphoreKey = QStringLiteral("Shared::Logging::LogHandler::LogHandler");
@@ -19,9 +19,11 @@ inline const QString filterKey
 inline const QString contextKey = QStringLiteral("Shared::Logging::LogHandler::LogContext");
 inline const QStringList segmentKeys{sinkKey, filterKey, contextKey};
 
-/// The objects belong to files in the directory for temporary files. With one of its own, this process and
-/// its children have objects that no other process on the machine touches. To be made before the first
-/// message.
+/*!
+ * The objects belong to files in the directory for temporary files. With one of its own, this process and
+ * its children have objects that no other process on the machine touches. To be made before the first
+ * message.
+ */
 class OwnObjects
 {
 public:
@@ -41,7 +43,7 @@ struct Record
     quint64 address;
 };
 
-/// Holds a segment and reads and writes its record.
+/*! Holds a segment and reads and writes its record. */
 class Segment
 {
 public:
@@ -71,8 +73,10 @@ inline bool Exists(const QString &key)
     return memory.attach(QSharedMemory::ReadOnly);
 }
 
-/// Removes what a process that was aborted or killed has left: the last to let go of such an object removes
-/// it.
+/*!
+ * Removes what a process that was aborted or killed has left: the last to let go of such an object removes
+ * it.
+ */
 inline void RemoveAll()
 {
     for (const QString &key : segmentKeys)

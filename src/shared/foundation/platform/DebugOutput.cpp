@@ -11,8 +11,10 @@ namespace Shared::Foundation::Platform {
 
 namespace {
 
-/// Keeps the signal of a write to a pipe that nobody reads any more from this thread: it would end the
-/// process.
+/*!
+ * Keeps the signal of a write to a pipe that nobody reads any more from this thread: it would end the
+ * process.
+ */
 class BrokenPipeGuard
 {
 public:

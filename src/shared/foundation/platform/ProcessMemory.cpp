@@ -13,8 +13,10 @@ namespace Shared::Foundation::Platform {
 
 namespace {
 
-/// The way for a system that forbids process_vm_readv: writing from an unmapped address fails instead of
-/// faulting.
+/*!
+ * The way for a system that forbids process_vm_readv: writing from an unmapped address fails instead of
+ * faulting.
+ */
 bool ReadThroughPipe(const void *source, void *target, std::size_t size)
 {
     int ends[2];

@@ -6,7 +6,7 @@
 
 namespace Shared::Logging::utils {
 
-/// Stores callback under a fresh handle, which is returned. An empty callback is not stored: a null text.
+/*! Stores callback under a fresh handle, which is returned. An empty callback is not stored: a null text. */
 template <typename Callback>
 QString AddCallback(QHash<QString, Callback> &callbacks, const Callback &callback)
 {

@@ -8,11 +8,13 @@
 
 namespace Shared::Logging::utils {
 
-/// Asks the filters until one returns true. One that throws has said false.
+/*! Asks the filters until one returns true. One that throws has said false. */
 bool AnyVote(const QList<LogFilter> &filters, const LogMessageContext &context, const LogLevel &level,
              const QString &message, const QString &line);
 
-/// Calls every sink, whatever the others throw: messages also come from destructors, which nothing may leave.
+/*!
+ * Calls every sink, whatever the others throw: messages also come from destructors, which nothing may leave.
+ */
 void CallSinks(const QList<LogSink> &sinks, const LogMessageContext &context, const LogLevel &level,
                const QString &message);
 
