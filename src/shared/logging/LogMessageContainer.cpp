@@ -16,7 +16,15 @@ LogMessageContainer::LogMessageContainer(const LogMessageContext &context_, cons
 
 LogMessageContainer::LogMessageContainer(const LogMessageContainer &other)
     : LogMessageContainer(other.context, other.type)
-{ }
+{
+    setIntegerBase(other.integerBase());
+    setNumberFlags(other.numberFlags());
+    setFieldWidth(other.fieldWidth());
+    setPadChar(other.padChar());
+    setFieldAlignment(other.fieldAlignment());
+    setRealNumberNotation(other.realNumberNotation());
+    setRealNumberPrecision(other.realNumberPrecision());
+}
 
 LogMessageContainer::~LogMessageContainer()
 {

@@ -12,7 +12,7 @@
 
 namespace Shared::Logging {
 
-/// The context of a message that is being written, with its text so far.
+/*! The context of a message that is being written, with its text so far. */
 struct LogMessageContainerContext : LogMessageContext
 {
     explicit LogMessageContainerContext(const LogMessageContext &context)
@@ -22,11 +22,11 @@ struct LogMessageContainerContext : LogMessageContext
     QString message;
 };
 
-/**
+/*!
  * A message that is being written. Copies share one text; the message goes out when the last of them dies, so
  * a statement that streams several values yields one message at its end. Takes everything that QTextStream
- * takes; each copy starts with default formatting, so a manipulator does not reach the items behind it. A
- * container and its copies live and die in one thread.
+ * takes; a copy also takes over the formatting, so a manipulator reaches the items behind it. A container and
+ * its copies live and die in one thread.
  */
 class TESSELLUM_EXPORT LogMessageContainer : private QTextStream
 {
@@ -34,10 +34,10 @@ public:
     LogMessageContainer(const LogMessageContext &context, const LogMessageType &type);
     LogMessageContainer(const LogMessageContainer &other);
     LogMessageContainer &operator=(const LogMessageContainer &) = delete;
-    /// The last copy hands the message to LogHandler::LogMessage().
+    /*! The last copy hands the message to LogHandler::LogMessage(). */
     virtual ~LogMessageContainer();
 
-    /// Adds value to the text, with nothing before or behind it.
+    /*! Adds value to the text, with nothing before or behind it. */
     template <typename T>
     LogMessageContainer operator<<(T &&value)
     {
