@@ -5,9 +5,7 @@
 #include <shared/logging/utils/QtMessageHandler.h>
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QMutexLocker>
-#include <QThread>
 
 #include <atomic>
 #include <cstdlib>
@@ -23,27 +21,30 @@ constexpr int ended = -2;
 std::atomic<int> guard{notYetMade};
 std::atomic<LogHandler *> handler{nullptr}; // set while the guard is alive
 
-// This thread is inside the section of this copy, or makes the handler.
-thread_local bool insideSection = false;
-
 constexpr LogMessageType defaultThreshold = LogMessageType::log;
-constexpr int closeTimeout = 2000; // milliseconds, for each of the two locks
 
-/// Stands in whenever the shared settings could not be reached.
+/*! Stands in whenever the shared settings could not be reached. */
 LogContext DefaultLogContext()
 {
     return LogContext(defaultThreshold, LogMessageType::fatal);
 }
 
-/// The way of a message that is raised while this thread is inside the section.
+void AbortIfFatal(const LogLevel &level)
+{
+    if (level.getLogLevel() == LogMessageType::fatal)
+        std::abort();
+}
+
+/*! The way of a message that is raised while this thread is inside the section. */
 void WriteInsideSection(const LogMessageContext &context, const LogLevel &level, const QString &message,
                         const QString &identification)
 {
     Foundation::Platform::WriteDebugOutput(utils::FormatLine(context, level, message, identification)
                                            + QLatin1Char('\n'));
+    AbortIfFatal(level);
 }
 
-/// Texts may lie in the read-only data of a copy that is unloaded some day.
+/*! Texts may lie in the read-only data of a copy that is unloaded some day. */
 QString DetachedText(const QString &text)
 {
     return QString(text.constData(), text.size());
@@ -60,51 +61,6 @@ utils::SharedLogObject<T> *FindShared(utils::LogSegment &segment, const Argument
 }
 
 } // namespace
-
-/// Mutex and semaphore, for the length of a scope. A thread that is inside already just stays so.
-class LogHandler::Section
-{
-public:
-    explicit Section(LogHandler &handler_)
-        : owner(handler_)
-        , nested(handler_.isInsideSection())
-    {
-        if (nested)
-            return;
-        insideSection = true; // before the locks: Qt may have something to say about them
-        owner.processMutex.lock();
-        entered = !owner.closed && owner.semaphore.acquire();
-        if (!entered)
-            leave();
-        else if (owner.settings)
-            owner.settings->value.sectionOwner = QThread::currentThreadId();
-    }
-
-    ~Section()
-    {
-        if (!entered)
-            return;
-        if (owner.settings)
-            owner.settings->value.sectionOwner = nullptr;
-        owner.semaphore.release();
-        leave();
-    }
-
-    Q_DISABLE_COPY(Section)
-
-    explicit operator bool() const { return nested || entered; }
-
-private:
-    void leave()
-    {
-        owner.processMutex.unlock();
-        insideSection = false;
-    }
-
-    LogHandler &owner;
-    const bool nested;
-    bool entered = false;
-};
 
 struct LogHandler::ExitHook
 {
@@ -133,7 +89,7 @@ LogHandler *LogHandler::Instance()
 {
     if (LogHandler *const instance = handler.load(std::memory_order_acquire))
         return instance;
-    if (guard == ended || insideSection)
+    if (guard == ended || utils::LogLock::IsInsideThisCopy())
         return nullptr;
     PrepareExit();
     static LogHandler *const made = [] {
@@ -153,14 +109,14 @@ void LogHandler::LogMessage(const LogMessageContext &context, const LogLevel &le
 {
     if (LogHandler *const instance = Instance())
         instance->onCustomLogMessage(context, level, message);
-    else if (insideSection && level.getLogLevel() >= defaultThreshold)
+    else if (utils::LogLock::IsInsideThisCopy() && level.getLogLevel() >= defaultThreshold)
         WriteInsideSection(context, level, message, QString());
 }
 
 bool LogHandler::IsEnabled(const LogLevel &level)
 {
     LogHandler *const instance = Instance();
-    if (!instance && !insideSection)
+    if (!instance && !utils::LogLock::IsInsideThisCopy())
         return false;
     return level.getLogLevel() >= (instance ? instance->threshold() : defaultThreshold);
 }
@@ -208,24 +164,29 @@ bool LogHandler::UnregisterMessageFilter(const QString &handle)
 }
 
 LogHandler::LogHandler(const LogLevel &logLevel, const LogLevel &eventLogLevel)
-    : semaphore(QStringLiteral("Shared::Logging::LogHandler::LogHandler"))
+    : lock(QStringLiteral("Shared::Logging::LogHandler::LogHandler"))
     , sinkSegment(QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomSinkRepository"))
     , filterSegment(QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomFilterRepository"))
     , contextSegment(QStringLiteral("Shared::Logging::LogHandler::LogContext"))
     , ownContext(logLevel, eventLogLevel)
 {
-    insideSection = true; // a message of Qt's must not come back to the handler that is being made
+    qRegisterMetaType<LogMessageContext::LogMessageFlags>();
     if (QCoreApplication *const application = QCoreApplication::instance())
         moveToThread(application->thread());
-    insideSection = false;
     initializeLogSinkRepository();
     initializeLogFilterRepository();
     initializeLogContext();
 }
 
+void LogHandler::useSettings(Settings *shared)
+{
+    settings = shared;
+    lock.shareOwner(shared ? &shared->value.sectionOwner : nullptr);
+}
+
 void LogHandler::initializeLogSinkRepository()
 {
-    const Section section(*this);
+    const Section section(lock);
     if (!section)
         return;
     sinks = FindShared<LogSinkRepository>(sinkSegment);
@@ -234,7 +195,7 @@ void LogHandler::initializeLogSinkRepository()
 
 void LogHandler::initializeLogFilterRepository()
 {
-    const Section section(*this);
+    const Section section(lock);
     if (!section)
         return;
     filters = FindShared<LogFilterRepository>(filterSegment);
@@ -243,9 +204,9 @@ void LogHandler::initializeLogFilterRepository()
 
 void LogHandler::initializeLogContext()
 {
-    const Section section(*this);
+    const Section section(lock);
     if (section)
-        settings = FindShared<utils::SharedSettings>(contextSegment, DefaultLogContext());
+        useSettings(FindShared<utils::SharedSettings>(contextSegment, DefaultLogContext()));
 }
 
 LogMessageType LogHandler::threshold() const
@@ -254,19 +215,11 @@ LogMessageType LogHandler::threshold() const
                     : defaultThreshold;
 }
 
-bool LogHandler::isInsideSection() const
-{
-    // The second test finds the thread inside the section of another copy.
-    return insideSection
-        || (settings
-            && settings->value.sectionOwner.load(std::memory_order_relaxed) == QThread::currentThreadId());
-}
-
 LogContext LogHandler::getContext() const
 {
     if (!settings)
         return DefaultLogContext();
-    const QMutexLocker lock(&settings->mutex);
+    const QMutexLocker locker(&settings->mutex);
     return settings->value.context;
 }
 
@@ -280,7 +233,7 @@ void LogHandler::onCustomLogMessage(const LogMessageContext &context, const LogL
 {
     if (level.getLogLevel() < threshold())
         return;
-    if (isInsideSection()) {
+    if (lock.isInside()) {
         WriteInsideSection(context, level, message, getId());
         return;
     }
@@ -291,18 +244,18 @@ void LogHandler::onCustomLogMessage(const LogMessageContext &context, const LogL
     QList<LogSink> calledSinks;
     QList<LogFilter> askedFilters;
     {
-        const Section section(*this);
+        const Section section(lock);
         if (!section)
             return;
         const LogContext effective = getContext();
         if (level.getLogLevel() < effective.logLevel.getLogLevel())
             return;
         if (sinks) {
-            const QMutexLocker lock(&sinks->mutex);
+            const QMutexLocker locker(&sinks->mutex);
             calledSinks = sinks->value.getMessageSinks();
         }
         if (filters) {
-            const QMutexLocker lock(&filters->mutex);
+            const QMutexLocker locker(&filters->mutex);
             askedFilters = filters->value.getMessageFilter();
         }
         QString line = utils::FormatLine(context, level, message, effective.identification) + trace;
@@ -310,46 +263,45 @@ void LogHandler::onCustomLogMessage(const LogMessageContext &context, const LogL
             Foundation::Platform::WriteDebugOutput(line + QLatin1Char('\n'));
     }
     utils::CallSinks(calledSinks, context, level, message);
-    if (level.getLogLevel() == LogMessageType::fatal)
-        std::abort();
+    AbortIfFatal(level);
 }
 
 QString LogHandler::addCustomSink(const LogSink &sink)
 {
-    const Section section(*this);
+    const Section section(lock);
     if (!section || !sinks)
         return {};
-    const QMutexLocker lock(&sinks->mutex);
+    const QMutexLocker locker(&sinks->mutex);
     return sinks->value.addCustomSink(sink);
 }
 
 bool LogHandler::removeCustomSink(const QString &handle)
 {
     QList<LogSink> kept; // what a callback holds ends after the section
-    const Section section(*this);
+    const Section section(lock);
     if (!section || !sinks)
         return false;
-    const QMutexLocker lock(&sinks->mutex);
+    const QMutexLocker locker(&sinks->mutex);
     kept = sinks->value.getMessageSinks();
     return sinks->value.removeCustomSink(handle);
 }
 
 QString LogHandler::addCustomFilter(const LogFilter &filter)
 {
-    const Section section(*this);
+    const Section section(lock);
     if (!section || !filters)
         return {};
-    const QMutexLocker lock(&filters->mutex);
+    const QMutexLocker locker(&filters->mutex);
     return filters->value.addCustomFilter(filter);
 }
 
 bool LogHandler::removeCustomFilter(const QString &handle)
 {
     QList<LogFilter> kept; // what a callback holds ends after the section
-    const Section section(*this);
+    const Section section(lock);
     if (!section || !filters)
         return false;
-    const QMutexLocker lock(&filters->mutex);
+    const QMutexLocker locker(&filters->mutex);
     kept = filters->value.getMessageFilter();
     return filters->value.removeCustomFilter(handle);
 }
@@ -357,13 +309,13 @@ bool LogHandler::removeCustomFilter(const QString &handle)
 template <typename Change>
 bool LogHandler::changeSettings(const Change &change)
 {
-    const Section section(*this);
+    const Section section(lock);
     if (!section)
         return false;
     change(ownContext, false);
     if (!settings)
         return false;
-    const QMutexLocker lock(&settings->mutex);
+    const QMutexLocker locker(&settings->mutex);
     change(settings->value.context, true);
     settings->value.threshold = static_cast<qint32>(settings->value.context.logLevel.getLogLevel());
     return true;
@@ -390,26 +342,12 @@ bool LogHandler::setLogIdentifier(const QString &identification)
 void LogHandler::close()
 {
     utils::UninstallQtMessageHandler();
-    // exit() inside a filter comes here from within the section, of this copy or of another.
-    const bool inside = insideSection;
-    const bool insideOther = !inside && isInsideSection();
-    if (!inside && !processMutex.tryLock(closeTimeout))
-        return; // a thread hangs inside: the system takes back what it holds
-    insideSection = true;
-    closed = true;
-    if (inside || insideOther || semaphore.acquire(QDeadlineTimer(closeTimeout))) {
+    lock.close([this] {
         bool last = true;
         for (utils::LogSegment *segment : {&sinkSegment, &filterSegment, &contextSegment})
             last = segment->close() && last;
-        // Inside the section: whoever is about to attach waits for it, and has to make a new semaphore.
-        if (last)
-            semaphore.remove();
-        else if (!insideOther)
-            semaphore.release();
-    }
-    insideSection = inside;
-    if (!inside)
-        processMutex.unlock();
+        return last;
+    });
 }
 
 } // namespace Shared::Logging

@@ -5,18 +5,17 @@
 #include <shared/logging/LogLevel.h>
 #include <shared/logging/LogMessageContext.h>
 #include <shared/logging/LogSinkRepository.h>
+#include <shared/logging/utils/LogLock.h>
 #include <shared/logging/utils/LogSegment.h>
-#include <shared/logging/utils/LogSemaphore.h>
 #include <shared/logging/utils/SharedLogObject.h>
 #include <shared/TessellumExport.h>
 
-#include <QMutex>
 #include <QObject>
 #include <QString>
 
 namespace Shared::Logging {
 
-/**
+/*!
  * The one place through which every message of the process goes: it formats a line for the debug output,
  * hands the raw message to the sinks and ends the process after a fatal one. It takes over Qt's messages as
  * well, unless the application has a Qt message handler of its own.
@@ -27,40 +26,45 @@ namespace Shared::Logging {
  *
  * All static functions may be called by any thread, none reports a failure of the log machinery. Sinks run on
  * the thread that logs, with nothing locked: they may log, and may still be called once after they were
- * unregistered. Filters run inside the section described below: what they log goes to the debug output alone.
+ * unregistered. Filters run inside the section described below: what they log goes to the debug output alone,
+ * where a fatal message ends the process at once.
  *
- * Locks, in their order: processMutex guards the use of the semaphore by the threads of this copy, the
- * semaphore keeps lines and changes of all processes apart (both together: a section). The mutex of each
- * shared object guards that object against the other copies of this process, since the semaphore is made anew
- * by the system when its maker ends and then lets two in; it is held for a copy or a change alone, never
- * while a callback runs. Below the threshold nothing is locked: the threshold is read atomically.
+ * Locks, in their order: the section (see LogLock), which is a mutex of this copy and then the machine-wide
+ * semaphore, keeps lines and changes of all processes apart. The mutex of each shared object guards that
+ * object against the other copies of this process, since the semaphore is made anew by the system when its
+ * maker ends and then lets two in; it is held for a copy or a change alone, never while a callback runs.
+ * Below the threshold nothing is locked: the threshold is read atomically.
  */
 class TESSELLUM_EXPORT LogHandler : public QObject
 {
     Q_OBJECT
 public:
-    /// Sends a finished message on its way; aborts the process after a fatal one.
+    /*! Sends a finished message on its way; aborts the process after a fatal one. */
     static void LogMessage(const LogMessageContext &context, const LogLevel &level, const QString &message);
-    /// Whether a message of this level would go anywhere now.
+    /*! Whether a message of this level would go anywhere now. */
     static bool IsEnabled(const LogLevel &level);
 
     static void SetLogLevel(const LogMessageType &level);
     static void SetEventLogLevel(const LogMessageType &level);
-    /// The first identification that is set in a process stays.
+    /*! The first identification that is set in a process stays. */
     static void SetLogIdentification(const QString &identification);
 
-    /// A handle for UnregisterMessageSink(), null for an empty sink or on failure.
+    /*! A handle for UnregisterMessageSink(), null for an empty sink or on failure. */
     static QString RegisterMessageSink(const LogSink &sink);
     static bool UnregisterMessageSink(const QString &handle);
-    /// A handle for UnregisterMessageFilter(), null for an empty filter or on failure. With filters, a line
-    /// goes to the debug output if one of them returns true; a filter that throws has said false.
+    /*!
+     * A handle for UnregisterMessageFilter(), null for an empty filter or on failure. With filters, a line
+     * goes to the debug output if one of them returns true; a filter that throws has said false.
+     */
     static QString RegisterMessageFilter(const LogFilter &filter);
     static bool UnregisterMessageFilter(const QString &handle);
 
-    /// This copy's handler, which is made here at first use. Null once it is closed.
+    /*! This copy's handler, which is made here at first use. Null once it is closed. */
     static LogHandler *Instance();
-    /// Makes the hook that closes the log at the end of the process, unless it is there already. An exit hook
-    /// whose constructor calls this runs while the log still works.
+    /*!
+     * Makes the hook that closes the log at the end of the process, unless it is there already. An exit hook
+     * whose constructor calls this runs while the log still works.
+     */
     static void PrepareExit();
 
     LogHandler(const LogLevel &logLevel, const LogLevel &eventLogLevel);
@@ -72,44 +76,43 @@ public:
     bool removeCustomSink(const QString &handle);
     QString addCustomFilter(const LogFilter &filter);
     bool removeCustomFilter(const QString &handle);
-    /// These three return true when settings shared by the whole process were reached.
+    /*! These three return true when settings shared by the whole process were reached. */
     bool setLogLevel(const LogMessageType &level);
     bool setEventLogLevel(const LogMessageType &level);
     bool setLogIdentifier(const QString &identification);
 
-    /// The settings in effect.
+    /*! The settings in effect. */
     LogContext getContext() const;
     LogLevel getLogLevel() const { return threshold(); }
 
 protected:
-    /// The identification in effect.
+    /*! The identification in effect. */
     virtual QString getId() const;
 
 private:
-    class Section;
+    using Section = utils::LogLock::Section;
+    using Settings = utils::SharedLogObject<utils::SharedSettings>;
     struct ExitHook;
 
+    void useSettings(Settings *shared);
     void initializeLogSinkRepository();
     void initializeLogFilterRepository();
     void initializeLogContext();
 
     LogMessageType threshold() const;
-    bool isInsideSection() const;
     template <typename Change>
     bool changeSettings(const Change &change);
     void close();
 
-    QMutex processMutex;
-    bool closed = false; ///< guarded by processMutex
-    utils::LogSemaphore semaphore;
+    utils::LogLock lock;
     utils::LogSegment sinkSegment;
     utils::LogSegment filterSegment;
     utils::LogSegment contextSegment;
     // Set in the constructor alone; null where the segment could not be reached. Never freed.
     utils::SharedLogObject<LogSinkRepository> *sinks = nullptr;
     utils::SharedLogObject<LogFilterRepository> *filters = nullptr;
-    utils::SharedLogObject<utils::SharedSettings> *settings = nullptr;
-    LogContext ownContext; ///< guarded by processMutex
+    Settings *settings = nullptr;
+    LogContext ownContext; /*!< guarded by the section */
 };
 
 } // namespace Shared::Logging

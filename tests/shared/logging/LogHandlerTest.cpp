@@ -14,8 +14,10 @@ using namespace Shared::Logging;
 
 namespace {
 
-/// What a sink and a filter of the test's own hear. The filter sees the formatted line and keeps it off the
-/// debug output.
+/*!
+ * What a sink and a filter of the test's own hear. The filter sees the formatted line and keeps it off the
+ * debug output.
+ */
 class Listener
 {
 public:
@@ -71,10 +73,11 @@ private Q_SLOTS:
     void callbacksMayLog();
     void callbacksEndOutsideTheSection();
     void oneStatementOneMessage();
+    void manipulatorsReachTheItemsBehindThem();
     void copiesOfAContainerShareOneMessage();
     void parametersTravelAndFlagsCount();
     void longStackTracesLoseTheirTail();
-    void invokableThroughTheMetaObject();
+    void knownToTheMetaObjectSystem();
     void threadsLogAtOnce();
 };
 
@@ -248,6 +251,17 @@ void LogHandlerTest::oneStatementOneMessage()
     QCOMPARE(listener.messages, (QStringList{QStringLiteral("LOG:a1bc2.5de1\n"), QStringLiteral("LOG:")}));
 }
 
+void LogHandlerTest::manipulatorsReachTheItemsBehindThem()
+{
+    Listener listener;
+    FrameworkLog().log() << Qt::hex << Qt::showbase << 255 << ' ' << Qt::dec << Qt::noshowbase << 255 << ' '
+                         << Qt::fixed << qSetRealNumberPrecision(2) << 1.5 << ' ' << qSetFieldWidth(3)
+                         << Qt::left << qSetPadChar(QLatin1Char('.')) << 7 << qSetFieldWidth(0) << 'x';
+    FrameworkLog().log() << 255 << ' ' << 1.5;
+    QCOMPARE(listener.messages,
+             (QStringList{QStringLiteral("LOG:0xff 255 1.50 7..x"), QStringLiteral("LOG:255 1.5")}));
+}
+
 void LogHandlerTest::copiesOfAContainerShareOneMessage()
 {
     Listener listener;
@@ -300,7 +314,7 @@ void LogHandlerTest::longStackTracesLoseTheirTail()
     QCOMPARE(lines.last(), QStringLiteral("frame 61"));
 }
 
-void LogHandlerTest::invokableThroughTheMetaObject()
+void LogHandlerTest::knownToTheMetaObjectSystem()
 {
     Listener listener;
     QVERIFY(QMetaObject::invokeMethod(LogHandler::Instance(), "onCustomLogMessage", Qt::DirectConnection,
@@ -308,6 +322,7 @@ void LogHandlerTest::invokableThroughTheMetaObject()
                                       Q_ARG(Shared::Logging::LogLevel, LogMessageType::warning),
                                       Q_ARG(QString, QStringLiteral("invoked"))));
     QCOMPARE(listener.messages, QStringList{QStringLiteral("WARNING:invoked")});
+    QVERIFY(QMetaType::isRegistered(QMetaType::type("Shared::Logging::LogMessageContext::LogMessageFlags")));
 }
 
 void LogHandlerTest::threadsLogAtOnce()

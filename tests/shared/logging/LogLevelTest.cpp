@@ -69,8 +69,6 @@ void LogLevelTest::contextsKnowWhetherTheirPositionIsKnown()
     const LogStreamProvider framework = FrameworkLog();
     QCOMPARE(framework.category, QStringLiteral("Tessellum"));
     QVERIFY(framework.file.isEmpty() && framework.function.isEmpty() && framework.line == -1);
-    QCOMPARE(QMetaType::type("Shared::Logging::LogMessageContext::LogMessageFlags"),
-             qMetaTypeId<LogMessageContext::LogMessageFlags>());
 }
 
 void LogLevelTest::settingsCarryTheLongestName()

@@ -32,7 +32,7 @@ QString SaySink()
         });
 }
 
-/// Uses the log after it was closed: it is older than all other static objects.
+/*! Uses the log after it was closed: it is older than all other static objects. */
 struct LateUser
 {
     ~LateUser()
@@ -51,7 +51,7 @@ struct LateUser
 };
 __attribute__((init_priority(101))) LateUser lateUser;
 
-/// Uses the log while static objects are destroyed, before it is closed.
+/*! Uses the log while static objects are destroyed, before it is closed. */
 struct ExitUser
 {
     ~ExitUser() { FrameworkLog().warning() << "at exit"; }
@@ -110,6 +110,18 @@ int ExitInsideAFilter()
 {
     LogHandler::RegisterMessageFilter([](auto &...) -> bool { std::exit(7); });
     FrameworkLog().log() << "text";
+    return 0;
+}
+
+int FatalInsideAFilter()
+{
+    SaySink();
+    LogHandler::RegisterMessageFilter([](auto &...) {
+        FrameworkLog().fatal() << "from a filter";
+        return true;
+    });
+    FrameworkLog().log() << "text";
+    Say(QStringLiteral("still there"));
     return 0;
 }
 
@@ -173,7 +185,7 @@ int NoUse()
     return 0;
 }
 
-/// The records name this very process, and something that is no object of the log.
+/*! The records name this very process, and something that is no object of the log. */
 int StaleRecords(quint64 address)
 {
     LogSegments::Segment sink(LogSegments::sinkKey);
@@ -197,7 +209,9 @@ int MisalignedRecords()
     return StaleRecords(65);
 }
 
-/// What a dead process with the same number had there: all is right but the time at which that process began.
+/*!
+ * What a dead process with the same number had there: all is right but the time at which that process began.
+ */
 int RecordsOfADeadNamesake()
 {
     static utils::SharedLogObject<utils::SharedSettings> dead(
@@ -206,7 +220,7 @@ int RecordsOfADeadNamesake()
     return StaleRecords(reinterpret_cast<quintptr>(&dead));
 }
 
-/// An object of this process, but of another kind.
+/*! An object of this process, but of another kind. */
 int RecordsOfAnotherKind()
 {
     static utils::SharedLogObject<LogFilterRepository> filters;
@@ -216,7 +230,7 @@ int RecordsOfAnotherKind()
     return segment.read().address == reinterpret_cast<quintptr>(&filters);
 }
 
-/// Without the segments there are lines, but no sinks.
+/*! Without the segments there are lines, but no sinks. */
 int SmallSegments()
 {
     QSharedMemory sink(LogSegments::sinkKey);
@@ -240,6 +254,7 @@ int RunLogProcessChild(const QString &scenario)
         {QStringLiteral("own qt handler"), OwnQtHandler},
         {QStringLiteral("exit"), Exit},
         {QStringLiteral("exit inside a filter"), ExitInsideAFilter},
+        {QStringLiteral("fatal inside a filter"), FatalInsideAFilter},
         {QStringLiteral("hang inside"), HangInside},
         {QStringLiteral("wait and log"), WaitAndLog},
         {QStringLiteral("other user"), OtherUser},

@@ -22,7 +22,7 @@ struct Outcome
     int exitCode = -1;
     bool crashed = true;
     QString output;
-    QString lines; ///< of the debug output
+    QString lines; /*!< of the debug output */
 };
 
 std::unique_ptr<QProcess> Start(const QString &scenario)
@@ -60,8 +60,10 @@ bool WaitForOutput(QProcess &child)
 
 } // namespace
 
-/// What takes a process of its own to show. The test itself does not log, so the named objects are the
-/// children's.
+/*!
+ * What takes a process of its own to show. The test itself does not log, so the named objects are the
+ * children's.
+ */
 class LogProcessTest : public QObject
 {
     Q_OBJECT
@@ -70,6 +72,7 @@ private Q_SLOTS:
 
     void linesOnStandardError();
     void aFatalMessageAbortsAfterTheSinks();
+    void aFatalMessageOfAFilterAbortsAtOnce();
     void messagesOfQt();
     void anOwnQtHandlerStays();
     void theLogClosesLast();
@@ -111,6 +114,16 @@ void LogProcessTest::aFatalMessageAbortsAfterTheSinks()
 
     // What it left does not harm the next one, who takes it away.
     QCOMPARE(Run(QStringLiteral("lines")).exitCode, 0);
+    LogSegments::RemoveAll();
+}
+
+void LogProcessTest::aFatalMessageOfAFilterAbortsAtOnce()
+{
+    const Outcome outcome = Run(QStringLiteral("fatal inside a filter"));
+    QVERIFY(outcome.crashed);
+    QCOMPARE(outcome.output, QString());
+    QCOMPARE(outcome.lines, QStringLiteral("[TESSELLUM FATAL] from a filter\n"));
+    QCOMPARE(Run(QStringLiteral("lines")).exitCode, 0); // the section is free again
     LogSegments::RemoveAll();
 }
 

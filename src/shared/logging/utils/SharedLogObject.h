@@ -2,6 +2,7 @@
 
 #include <shared/foundation/platform/ProcessMemory.h>
 #include <shared/logging/LogContext.h>
+#include <shared/logging/utils/LogLock.h>
 
 #include <QCoreApplication>
 #include <QMutex>
@@ -16,7 +17,7 @@ class LogFilterRepository;
 
 namespace Shared::Logging::utils {
 
-/// The settings that all copies of the log code in a process share.
+/*! The settings that all copies of the log code in a process share. */
 struct SharedSettings
 {
     explicit SharedSettings(const LogContext &initial)
@@ -25,12 +26,11 @@ struct SharedSettings
     { }
 
     LogContext context;
-    std::atomic<qint32> threshold; ///< the number of context.logLevel, for readers without a lock
-    std::atomic<Qt::HANDLE> sectionOwner{
-        nullptr}; ///< the thread inside the log section, null when there is none
+    std::atomic<qint32> threshold; /*!< the number of context.logLevel, for readers without a lock */
+    SectionOwner sectionOwner{nullptr};
 };
 
-/// Tells the kinds of shared objects apart; changes with their layout.
+/*! Tells the kinds of shared objects apart; changes with their layout. */
 template <typename T>
 constexpr quint64 sharedObjectKind = 0;
 template <>
@@ -40,7 +40,7 @@ inline constexpr quint64 sharedObjectKind<LogFilterRepository> = Q_UINT64_C(0x5a
 template <>
 inline constexpr quint64 sharedObjectKind<SharedSettings> = Q_UINT64_C(0x5a1d93c47be60301);
 
-/// By this a shared object proves that it is what a record promises, and of this very process.
+/*! By this a shared object proves that it is what a record promises, and of this very process. */
 struct SharedObjectMark
 {
     quint64 kind;
@@ -55,8 +55,10 @@ struct SharedObjectMark
     }
 };
 
-/// An object that several copies of this code use. Only the code of the copy that uses it runs on it, since
-/// the copy that made it may be unloaded: no virtual function of value is ever called.
+/*!
+ * An object that several copies of this code use. Only the code of the copy that uses it runs on it, since
+ * the copy that made it may be unloaded: no virtual function of value is ever called.
+ */
 template <typename T>
 struct SharedLogObject
 {
@@ -71,7 +73,7 @@ struct SharedLogObject
                 Foundation::Platform::ProcessStartTime()};
     }
 
-    /// The object at an address of unknown origin, null when it is none of this kind and process.
+    /*! The object at an address of unknown origin, null when it is none of this kind and process. */
     static SharedLogObject *FromAddress(quint64 address)
     {
         SharedObjectMark found;
@@ -82,7 +84,7 @@ struct SharedLogObject
     }
 
     SharedObjectMark mark = Mark(); // first: it stands at the address in the record
-    QMutex mutex; ///< guards value
+    QMutex mutex; /*!< guards value */
     T value;
 };
 
