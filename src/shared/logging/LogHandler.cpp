@@ -173,9 +173,21 @@ LogHandler::LogHandler(const LogLevel &logLevel, const LogLevel &eventLogLevel)
     qRegisterMetaType<LogMessageContext::LogMessageFlags>();
     if (QCoreApplication *const application = QCoreApplication::instance())
         moveToThread(application->thread());
+    joinOtherCopies();
     initializeLogSinkRepository();
     initializeLogFilterRepository();
     initializeLogContext();
+}
+
+/*!
+ * The first message of this copy may come out of a filter of another one. Then this thread is inside the
+ * section already and must not wait for it.
+ */
+void LogHandler::joinOtherCopies()
+{
+    if (lock.isHeldByThisProcess() && contextSegment.attach())
+        useSettings(
+            contextSegment.find<Settings>(QCoreApplication::applicationPid(), &Settings::FromAddress));
 }
 
 void LogHandler::useSettings(Settings *shared)

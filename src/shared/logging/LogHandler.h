@@ -94,6 +94,7 @@ private:
     using Settings = utils::SharedLogObject<utils::SharedSettings>;
     struct ExitHook;
 
+    void joinOtherCopies();
     void useSettings(Settings *shared);
     void initializeLogSinkRepository();
     void initializeLogFilterRepository();

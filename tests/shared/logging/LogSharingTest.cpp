@@ -10,13 +10,16 @@ using namespace Shared::Logging;
 
 namespace {
 
-/// A handler is never freed, also not with its plug-in; known here, it is no leak to a leak detector.
+/*! A handler is never freed, also not with its plug-in; known here, it is no leak to a leak detector. */
 const void *pluginHandler = nullptr;
+const void *secondHandler = nullptr;
 
 } // namespace
 
-/// The program and a plug-in each have a copy of the log code. The plug-in's comes first and makes what they
-/// share, which therefore has to outlive it.
+/*!
+ * The program and a plug-in each have a copy of the log code. The plug-in's comes first and makes what they
+ * share, which therefore has to outlive it.
+ */
 class LogSharingTest : public QObject
 {
     Q_OBJECT
@@ -26,6 +29,7 @@ private Q_SLOTS:
     void cleanup();
     void settingsAreShared();
     void sinksAndFiltersAreShared();
+    void aCopyMayBeginInsideTheSectionOfAnother();
     void thePluginCanGo();
 
 private:
@@ -107,6 +111,28 @@ void LogSharingTest::sinksAndFiltersAreShared()
     FrameworkLog().log() << "after the plug-in took its own away";
     QCOMPARE(pluginHeard(), 1);
     QCOMPARE(messages.size(), 3);
+}
+
+void LogSharingTest::aCopyMayBeginInsideTheSectionOfAnother()
+{
+    QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("second.so"));
+    QVERIFY(QFile::copy(plugin.fileName(), file));
+    QLibrary second(file);
+    const auto secondLog = reinterpret_cast<void (*)(int, const char *)>(second.resolve("pluginLog"));
+    QVERIFY(secondLog);
+    const QString first = LogHandler::RegisterMessageFilter([&](auto &...) {
+        secondLog(int(LogMessageType::log), "the first message of a copy");
+        return false;
+    });
+    FrameworkLog().log() << "text";
+    QVERIFY(LogHandler::UnregisterMessageFilter(first));
+    QCOMPARE(messages, QStringList{QStringLiteral("text")});
+
+    secondHandler = reinterpret_cast<const void *(*)()>(second.resolve("pluginHandler"))();
+    secondLog(int(LogMessageType::log), "of a copy like any other");
+    QCOMPARE(messages.last(), QStringLiteral("of a copy like any other"));
+    QVERIFY(second.unload());
 }
 
 void LogSharingTest::thePluginCanGo()

@@ -26,7 +26,7 @@ union SemaphoreArgument {
     semid_ds *state;
 };
 
-/// Where Qt keeps the file of a QSystemSemaphore with this key.
+/*! Where Qt keeps the file of a QSystemSemaphore with this key. */
 QString KeyFile(const QString &key)
 {
     QString name = QStringLiteral("qipc_systemsem_");
@@ -39,6 +39,11 @@ QString KeyFile(const QString &key)
 int SystemKey(const QString &keyFile)
 {
     return ftok(QFile::encodeName(keyFile).constData(), 'Q');
+}
+
+bool IsDenied(int error)
+{
+    return error == EACCES || error == EPERM;
 }
 
 bool IsGone(int error)
@@ -62,7 +67,7 @@ SystemSemaphore::Result SystemSemaphore::acquire(QDeadlineTimer deadline)
 {
     for (int attempt = 0; attempt < attempts;) {
         if (id == -1 && !open()) {
-            if (errno == EACCES || errno == EPERM)
+            if (IsDenied(errno))
                 return Result::Denied;
             ++attempt;
             continue;
@@ -92,6 +97,14 @@ void SystemSemaphore::release()
         id = -1;
         return;
     }
+}
+
+SystemSemaphore::Result SystemSemaphore::peek()
+{
+    if (id == -1 && !open())
+        return IsDenied(errno) ? Result::Denied : Result::Failed;
+    return semctl(id, 0, GETVAL) == 0 && semctl(id, 0, GETPID) == getpid() ? Result::Acquired
+                                                                           : Result::Failed;
 }
 
 void SystemSemaphore::remove()
@@ -145,7 +158,7 @@ bool SystemSemaphore::create(int systemKey)
     return true;
 }
 
-/// A semaphore that nobody has ever used stands at 0: who made it died before it got its count.
+/*! A semaphore that nobody has ever used stands at 0: who made it died before it got its count. */
 void SystemSemaphore::initializeOrphan() const
 {
     semid_ds state;

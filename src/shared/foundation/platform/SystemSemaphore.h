@@ -5,7 +5,7 @@
 
 namespace Shared::Foundation::Platform {
 
-/**
+/*!
  * A machine-wide semaphore of count 1 under a name: the very object that QSystemSemaphore opens under that
  * key. Qt's class is not used since it can leave the semaphore at 0 for ever where one process opens it while
  * another removes it, and counts it up to 2 where it is removed while somebody is inside. The system counts
@@ -16,16 +16,18 @@ class SystemSemaphore
 public:
     enum class Result {
         Acquired,
-        Denied, ///< it is another user's
-        Failed ///< the system refuses, or the time is over
+        Denied, /*!< it is another user's */
+        Failed /*!< the system refuses, or the time is over */
     };
 
     explicit SystemSemaphore(const QString &key);
 
-    /// Waits for its turn, without end by default.
+    /*! Waits for its turn, without end by default. */
     Result acquire(QDeadlineTimer deadline = QDeadlineTimer::Forever);
     void release();
-    /// Takes the semaphore from the system. Whoever waits for it, or comes later, makes a new one.
+    /*! Acquired when a thread of this process has it now, Failed when none has. */
+    Result peek();
+    /*! Takes the semaphore from the system. Whoever waits for it, or comes later, makes a new one. */
     void remove();
 
 private:
@@ -33,7 +35,7 @@ private:
     bool create(int systemKey);
     void initializeOrphan() const;
 
-    QString keyFile; ///< the file whose identity is the system's key of the semaphore
+    QString keyFile; /*!< the file whose identity is the system's key of the semaphore */
     int id = -1;
 };
 

@@ -35,6 +35,10 @@ public:
     /*! Whether this thread is inside the section of this copy. */
     static bool IsInsideThisCopy();
 
+    /*! Whether a thread of this process, of whichever copy, has the semaphore. Before other threads use the
+     * lock. */
+    bool isHeldByThisProcess() { return semaphore.isHeldByThisProcess(); }
+
     /*!
      * From now on no section can be entered. Inside a last section letGo() gives up what other processes
      * share and tells whether this was its last user: then the semaphore goes as well. Gives up when a thread

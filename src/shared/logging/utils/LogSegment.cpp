@@ -10,7 +10,7 @@ namespace {
 // The last process to detach removes a segment; one that comes in between finds it gone and tries again.
 constexpr int attempts = 20;
 
-/// The system's name of what QSharedMemory finds under a key. Under that name it takes no lock of its own.
+/*! The system's name of what QSharedMemory finds under a key. Under that name it takes no lock of its own. */
 QString NativeKey(const QString &key)
 {
     return QSharedMemory(key).nativeKey();
@@ -22,12 +22,12 @@ LogSegment::LogSegment(const QString &key_)
     : key(key_)
 { }
 
-bool LogSegment::open()
+bool LogSegment::reach(bool create)
 {
-    bool opened = attachOrCreate(key);
-    if (!opened && memory.error() == QSharedMemory::PermissionDenied)
-        opened = attachOrCreate(key + Foundation::Platform::UserKeySuffix());
-    return opened && memory.size() >= int(sizeof(SegmentRecord));
+    bool reached = memory.isAttached() || reachName(key, create);
+    if (!reached && memory.error() == QSharedMemory::PermissionDenied)
+        reached = reachName(key + Foundation::Platform::UserKeySuffix(), create);
+    return reached && memory.size() >= int(sizeof(SegmentRecord));
 }
 
 bool LogSegment::close()
@@ -39,15 +39,18 @@ bool LogSegment::close()
     return !others.attach(QSharedMemory::ReadOnly);
 }
 
-bool LogSegment::attachOrCreate(const QString &name)
+bool LogSegment::reachName(const QString &name, bool create)
 {
     memory.setNativeKey(NativeKey(name));
     for (int attempt = 0; attempt < attempts; ++attempt) {
         if (memory.attach(QSharedMemory::ReadWrite))
             return true;
-        if (memory.error() == QSharedMemory::NotFound
-            && memory.create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
-            return true;
+        if (memory.error() == QSharedMemory::NotFound) {
+            if (!create)
+                return false;
+            if (memory.create(sizeof(SegmentRecord), QSharedMemory::ReadWrite))
+                return true;
+        }
         if (memory.error() == QSharedMemory::PermissionDenied)
             return false;
     }

@@ -19,6 +19,17 @@ bool LogSemaphore::acquire(QDeadlineTimer deadline)
     return true;
 }
 
+bool LogSemaphore::isHeldByThisProcess()
+{
+    while (!absent) {
+        const SystemSemaphore::Result result = semaphore.peek();
+        if (result != SystemSemaphore::Result::Denied)
+            return result == SystemSemaphore::Result::Acquired;
+        fallBack();
+    }
+    return false;
+}
+
 void LogSemaphore::release()
 {
     if (!absent)
