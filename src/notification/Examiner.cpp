@@ -5,7 +5,7 @@
 namespace Tessellum::Notification {
 
 Examiner::Examiner()
-    : m_uuid(QUuid::createUuid().toString())
+    : uuid(QUuid::createUuid().toString())
 { }
 
 Examiner::~Examiner() = default;
@@ -15,8 +15,8 @@ bool Examiner::addConnection(const std::shared_ptr<utils::WrappedNotificationHan
     const auto inner = handle ? handle->getHandle() : nullptr;
     if (!inner)
         return false;
-    const QWriteLocker locker(&m_lock);
-    auto &connection = m_connections[inner->getUuid()];
+    const QWriteLocker locker(&lock);
+    auto &connection = connections[inner->getUuid()];
     if (!connection)
         connection = std::make_shared<ExaminerConnection>(inner);
     return true;
@@ -29,20 +29,20 @@ bool Examiner::removeConnection(const QString &uuid)
 
 std::shared_ptr<ExaminerConnection> Examiner::takeConnection(const QString &uuid)
 {
-    const QWriteLocker locker(&m_lock);
-    return m_connections.take(uuid);
+    const QWriteLocker locker(&lock);
+    return connections.take(uuid);
 }
 
 QList<std::shared_ptr<ExaminerConnection>> Examiner::getConnections() const
 {
-    const QReadLocker locker(&m_lock);
-    return m_connections.values();
+    const QReadLocker locker(&lock);
+    return connections.values();
 }
 
 bool Examiner::isEmpty() const
 {
-    const QReadLocker locker(&m_lock);
-    return m_connections.isEmpty();
+    const QReadLocker locker(&lock);
+    return connections.isEmpty();
 }
 
 } // namespace Tessellum::Notification

@@ -24,7 +24,7 @@ public:
     ~Examiner();
     Q_DISABLE_COPY(Examiner)
 
-    QString getUuid() const { return m_uuid; }
+    QString getUuid() const { return uuid; }
 
     /*! Connects the handler of \a handle; false if its handle has gone. */
     bool addConnection(const std::shared_ptr<utils::WrappedNotificationHandle> &handle);
@@ -38,9 +38,9 @@ public:
     bool isEmpty() const;
 
 private:
-    const QString m_uuid;
-    mutable QReadWriteLock m_lock;
-    QHash<QString, std::shared_ptr<ExaminerConnection>> m_connections;
+    const QString uuid;
+    mutable QReadWriteLock lock;
+    QHash<QString, std::shared_ptr<ExaminerConnection>> connections;
 };
 
 } // namespace Tessellum::Notification

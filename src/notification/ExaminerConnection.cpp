@@ -4,16 +4,16 @@
 
 namespace Tessellum::Notification {
 
-ExaminerConnection::ExaminerConnection(const std::shared_ptr<utils::NotificationHandleBase> &handle)
-    : m_handle(handle)
+ExaminerConnection::ExaminerConnection(const std::shared_ptr<utils::NotificationHandleBase> &target)
+    : handle(target)
 { }
 
 ExaminerConnection::~ExaminerConnection()
 {
-    const auto handle = m_handle.lock();
+    const auto living = handle.lock();
     Shared::Logging::FrameworkLog().debug()
         << "ExaminerConnection::~ExaminerConnection() uuid="
-        << (handle ? handle->getUuid() : QStringLiteral("<already deleted>"));
+        << (living ? living->getUuid() : QStringLiteral("<already deleted>"));
 }
 
 } // namespace Tessellum::Notification

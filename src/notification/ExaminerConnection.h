@@ -11,7 +11,7 @@ namespace Tessellum::Notification {
 class TESSELLUM_EXPORT ExaminerConnection
 {
 public:
-    explicit ExaminerConnection(const std::shared_ptr<utils::NotificationHandleBase> &handle);
+    explicit ExaminerConnection(const std::shared_ptr<utils::NotificationHandleBase> &target);
     /*! Logs; never called with a lock held. */
     ~ExaminerConnection();
     Q_DISABLE_COPY(ExaminerConnection)
@@ -24,16 +24,16 @@ public:
     void notify(const QString &path, const Point &point, const Arguments &...arguments) const
     {
         using Handle = utils::NotificationHandle<HandlerFunction<Point>>;
-        const auto handle = std::dynamic_pointer_cast<Handle>(m_handle.lock());
-        if (handle && handle->isEnabled())
-            NotificationThreadPool().startHandler(handle, path, point, arguments...);
+        const auto target = std::dynamic_pointer_cast<Handle>(handle.lock());
+        if (target && target->isEnabled())
+            NotificationThreadPool().startHandler(target, path, point, arguments...);
     }
 
     /*! The handle, or null once it has gone. */
-    std::shared_ptr<utils::NotificationHandleBase> getHandle() const { return m_handle.lock(); }
+    std::shared_ptr<utils::NotificationHandleBase> getHandle() const { return handle.lock(); }
 
 private:
-    const std::weak_ptr<utils::NotificationHandleBase> m_handle;
+    const std::weak_ptr<utils::NotificationHandleBase> handle;
 };
 
 } // namespace Tessellum::Notification

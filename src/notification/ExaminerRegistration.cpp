@@ -13,8 +13,8 @@ constexpr int ExactSearch = 2;
 } // namespace
 
 template <class Point>
-ExaminerRegistration<Point>::ExaminerRegistration(PointMatcher pointMatches)
-    : m_pointMatches(std::move(pointMatches))
+ExaminerRegistration<Point>::ExaminerRegistration(PointMatcher matches)
+    : pointMatches(std::move(matches))
 { }
 
 template <class Point>
@@ -29,15 +29,15 @@ int ExaminerRegistration<Point>::registerEventHandler(
         return 0;
     const QString path = inner->getPath();
 
-    const QWriteLocker locker(&m_lock);
+    const QWriteLocker locker(&lock);
     std::shared_ptr<Examiner> examiner = findLocked(path, point);
     if (!examiner)
         examiner = std::make_shared<Examiner>();
     if (!examiner->addConnection(handle))
         return 0;
-    m_byHandle.insert(inner->getUuid(), {examiner, path, point});
+    byHandle.insert(inner->getUuid(), {examiner, path, point});
     enterLocked(path, point, examiner);
-    m_size.store(m_byHandle.size(), std::memory_order_release);
+    size.store(byHandle.size(), std::memory_order_release);
     return 1;
 }
 
@@ -49,16 +49,16 @@ bool ExaminerRegistration<Point>::unregisterEventHandler(const QString &uuid)
         connections; // these end behind the lock, with a line in the log
     bool allRemoved = true;
     {
-        const QWriteLocker locker(&m_lock);
-        registrations = m_byHandle.values(uuid);
-        m_byHandle.remove(uuid);
+        const QWriteLocker locker(&lock);
+        registrations = byHandle.values(uuid);
+        byHandle.remove(uuid);
         for (const Registration &registration : qAsConst(registrations)) {
             connections.append(registration.examiner->takeConnection(uuid));
             allRemoved = allRemoved && connections.last();
             if (registration.examiner->isEmpty())
                 removeLocked(registration.path, registration.point);
         }
-        m_size.store(m_byHandle.size(), std::memory_order_release);
+        size.store(byHandle.size(), std::memory_order_release);
     }
     for (const auto &connection : qAsConst(connections)) {
         const auto handle = connection ? connection->getHandle() : nullptr;
@@ -77,14 +77,14 @@ ExaminerRegistration<Point>::getExaminers(const QString &path, const Point &poin
     if (isEmpty())
         return found;
     {
-        const QReadLocker locker(&m_lock);
-        collectLocked(m_exactPaths, path, point, found, stale);
+        const QReadLocker locker(&lock);
+        collectLocked(exactPaths, path, point, found, stale);
         if (mode == ExactSearch) {
-            collectLocked(m_wildcardPaths, path, point, found, stale);
+            collectLocked(wildcardPaths, path, point, found, stale);
         } else {
-            const QStringList patterns = m_wildcards.findMatching(path);
+            const QStringList patterns = wildcards.findMatching(path);
             for (const QString &pattern : patterns)
-                collectLocked(m_wildcardPaths, pattern, point, found, stale);
+                collectLocked(wildcardPaths, pattern, point, found, stale);
         }
     }
     if (!stale.isEmpty())
@@ -100,7 +100,7 @@ void ExaminerRegistration<Point>::collectLocked(const PathTable &table, const QS
     if (points == table.cend())
         return;
     for (auto entry = points->cbegin(); entry != points->cend(); ++entry) {
-        if (!m_pointMatches(entry.key(), point))
+        if (!pointMatches(entry.key(), point))
             continue;
         if (auto examiner = entry->lock())
             found.append(std::move(examiner));
@@ -113,7 +113,7 @@ template <class Point>
 std::shared_ptr<Examiner> ExaminerRegistration<Point>::findLocked(const QString &path,
                                                                   const Point &point) const
 {
-    const PathTable &table = Shared::IsWildcardString(path) ? m_wildcardPaths : m_exactPaths;
+    const PathTable &table = Shared::IsWildcardString(path) ? wildcardPaths : exactPaths;
     return table.value(path).value(point).lock();
 }
 
@@ -122,9 +122,9 @@ void ExaminerRegistration<Point>::enterLocked(const QString &path, const Point &
                                               const std::shared_ptr<Examiner> &examiner)
 {
     const bool isWildcard = Shared::IsWildcardString(path);
-    auto &points = (isWildcard ? m_wildcardPaths : m_exactPaths)[path];
+    auto &points = (isWildcard ? wildcardPaths : exactPaths)[path];
     if (isWildcard && points.isEmpty())
-        m_wildcards.add(path);
+        wildcards.add(path);
     points.insert(point, examiner);
 }
 
@@ -132,19 +132,19 @@ template <class Point>
 void ExaminerRegistration<Point>::removeLocked(const QString &path, const Point &point)
 {
     const bool isWildcard = Shared::IsWildcardString(path);
-    PathTable &table = isWildcard ? m_wildcardPaths : m_exactPaths;
+    PathTable &table = isWildcard ? wildcardPaths : exactPaths;
     const auto points = table.find(path);
     if (points == table.end() || points->remove(point) == 0 || !points->isEmpty())
         return;
     table.erase(points);
     if (isWildcard)
-        m_wildcards.remove(path);
+        wildcards.remove(path);
 }
 
 template <class Point>
 void ExaminerRegistration<Point>::removeExpired(const Stale &stale)
 {
-    const QWriteLocker locker(&m_lock);
+    const QWriteLocker locker(&lock);
     for (const auto &[path, point] : stale) {
         if (!findLocked(path, point)) // somebody may have registered there meanwhile
             removeLocked(path, point);

@@ -42,7 +42,7 @@ public:
      */
     Examiners getExaminers(const QString &path, const Point &point, int mode);
     /*! True if nothing is registered: what asks on behalf of a task can end there. Costs no lock. */
-    bool isEmpty() const { return m_size.load(std::memory_order_acquire) == 0; }
+    bool isEmpty() const { return size.load(std::memory_order_acquire) == 0; }
 
 private:
     struct Registration
@@ -61,13 +61,13 @@ private:
                        Stale &stale) const;
     void removeExpired(const Stale &stale);
 
-    const PointMatcher m_pointMatches;
-    mutable QReadWriteLock m_lock;
-    QMultiHash<QString, Registration> m_byHandle;
-    PathTable m_exactPaths;
-    PathTable m_wildcardPaths;
-    utils::WildcardIndex m_wildcards; // the keys of m_wildcardPaths
-    std::atomic<int> m_size = 0;
+    const PointMatcher pointMatches;
+    mutable QReadWriteLock lock;
+    QMultiHash<QString, Registration> byHandle;
+    PathTable exactPaths;
+    PathTable wildcardPaths;
+    utils::WildcardIndex wildcards; // the keys of wildcardPaths
+    std::atomic<int> size = 0;
 };
 
 extern template class ExaminerRegistration<CreatePoint>;

@@ -30,39 +30,39 @@ public:
 
     /*! Tells whether a report reaches the wait point. report() throws std::bad_function_call if it is empty.
      */
-    std::function<bool(const ResultType &)> isFinishedBy;
+    std::function<bool(const ResultType &)> isFinished;
     /*! Called after those who wait were released; sends the notification of the point. May be empty. */
     std::function<void(const ResultType &)> onResult;
 
     Observer() = default;
     Observer(std::function<bool(const ResultType &)> finishedBy,
              std::function<void(const ResultType &)> resultHandler = {})
-        : isFinishedBy(std::move(finishedBy))
+        : isFinished(std::move(finishedBy))
         , onResult(std::move(resultHandler))
     { }
 
-    /*! Stores \a result, releases those who wait if it reaches the wait point, then calls onResult. */
-    void report(const ResultType &result)
+    /*! Stores \a reported, releases those who wait if it reaches the wait point, then calls onResult. */
+    void report(const ResultType &reported)
     {
         {
-            const QMutexLocker locker(&mutex());
-            m_result = result;
+            const QMutexLocker locker(&mutex);
+            result = reported;
         }
-        if (isFinishedBy(result)) {
-            const QMutexLocker locker(&mutex());
-            if (!m_released)
-                m_released = result;
+        if (isFinished(reported)) {
+            const QMutexLocker locker(&mutex);
+            if (!released)
+                released = reported;
             finishLocked();
         }
         if (onResult)
-            onResult(result);
+            onResult(reported);
     }
 
     /*! The last report, or zeroes before the first. */
     ResultType getResult() const
     {
-        const QMutexLocker locker(&mutex());
-        return m_result;
+        const QMutexLocker locker(&mutex);
+        return result;
     }
 
     /*! Waits as wait() does and returns the report that ended the wait; nothing if the task ended without it.
@@ -70,13 +70,13 @@ public:
     std::optional<ResultType> waitForResult()
     {
         wait();
-        const QMutexLocker locker(&mutex());
-        return m_released;
+        const QMutexLocker locker(&mutex);
+        return released;
     }
 
 private:
-    ResultType m_result{};
-    std::optional<ResultType> m_released;
+    ResultType result{};
+    std::optional<ResultType> released;
 };
 
 using CreateObserver = Observer<QPair<CreatePoint, bool>>;

@@ -13,10 +13,10 @@ std::atomic<quint64> releaseCount = 0;
 } // namespace
 
 RepositoryHierarchyThreadProvider::RepositoryHierarchyThreadProvider()
-    : m_thread(std::make_unique<QThread>())
-    , m_marker(std::make_unique<QObject>())
+    : thread(std::make_unique<QThread>())
+    , marker(std::make_unique<QObject>())
 {
-    m_marker->moveToThread(m_thread.get());
+    marker->moveToThread(thread.get());
 }
 
 RepositoryHierarchyThreadProvider::~RepositoryHierarchyThreadProvider()
@@ -26,12 +26,12 @@ RepositoryHierarchyThreadProvider::~RepositoryHierarchyThreadProvider()
 
 QThread *RepositoryHierarchyThreadProvider::getThread()
 {
-    if (m_state.load(std::memory_order_acquire) != State::Running) {
-        const QMutexLocker locker(&m_mutex);
-        m_wantedAgain = true; // quitAndJoin() sees to it where the thread is just ending
+    if (state.load(std::memory_order_acquire) != State::Running) {
+        const QMutexLocker locker(&mutex);
+        wantedAgain = true; // quitAndJoin() sees to it where the thread is just ending
         startLocked();
     }
-    return m_thread.get();
+    return thread.get();
 }
 
 void RepositoryHierarchyThreadProvider::moveToEventThread(QObject *object)
@@ -42,7 +42,7 @@ void RepositoryHierarchyThreadProvider::moveToEventThread(QObject *object)
 
 bool RepositoryHierarchyThreadProvider::barrier(int milliseconds)
 {
-    if (QThread::currentThread() == m_thread.get() || !QCoreApplication::instance() || !m_thread->isRunning())
+    if (QThread::currentThread() == thread.get() || !QCoreApplication::instance() || !thread->isRunning())
         return true;
     const QDeadlineTimer deadline(milliseconds);
     quint64 before = 0;
@@ -58,9 +58,9 @@ bool RepositoryHierarchyThreadProvider::waitForRound(const QDeadlineTimer &deadl
 {
     const auto passed = std::make_shared<QSemaphore>();
     QMetaObject::invokeMethod(
-        m_marker.get(), [passed] { passed->release(); }, Qt::QueuedConnection);
+        marker.get(), [passed] { passed->release(); }, Qt::QueuedConnection);
     while (!passed->tryAcquire(1, EndCheckMilliseconds)) {
-        if (!m_thread->isRunning())
+        if (!thread->isRunning())
             return true;
         if (deadline.hasExpired())
             return false;
@@ -70,23 +70,23 @@ bool RepositoryHierarchyThreadProvider::waitForRound(const QDeadlineTimer &deadl
 
 bool RepositoryHierarchyThreadProvider::quitAndJoin(int milliseconds)
 {
-    if (QThread::currentThread() == m_thread.get())
+    if (QThread::currentThread() == thread.get())
         return false;
     {
-        const QMutexLocker locker(&m_mutex);
-        if (m_state == State::Ended)
+        const QMutexLocker locker(&mutex);
+        if (state == State::Ended)
             return true;
-        m_state = State::Ending;
-        m_wantedAgain = false;
+        state = State::Ending;
+        wantedAgain = false;
     }
-    m_thread->quit();
-    const bool joined = m_thread->wait(QDeadlineTimer(milliseconds));
+    thread->quit();
+    const bool joined = thread->wait(QDeadlineTimer(milliseconds));
 
-    const QMutexLocker locker(&m_mutex);
-    if (m_state != State::Ending || !joined)
+    const QMutexLocker locker(&mutex);
+    if (state != State::Ending || !joined)
         return joined;
-    m_state = State::Ended;
-    if (m_wantedAgain)
+    state = State::Ended;
+    if (wantedAgain)
         startLocked();
     return true;
 }
@@ -94,10 +94,10 @@ bool RepositoryHierarchyThreadProvider::quitAndJoin(int milliseconds)
 void RepositoryHierarchyThreadProvider::startLocked()
 {
     // Without an application object an event loop ends at once.
-    if (m_state != State::Ended || !QCoreApplication::instance())
+    if (state != State::Ended || !QCoreApplication::instance())
         return;
-    m_thread->start(QThread::InheritPriority);
-    m_state.store(State::Running, std::memory_order_release);
+    thread->start(QThread::InheritPriority);
+    state.store(State::Running, std::memory_order_release);
 }
 
 void RepositoryHierarchyThreadProvider::CountRelease()

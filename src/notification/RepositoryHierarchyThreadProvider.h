@@ -52,11 +52,11 @@ private:
     void startLocked();
     bool waitForRound(const QDeadlineTimer &deadline);
 
-    QMutex m_mutex;
-    std::atomic<State> m_state = State::Ended; // changed under the mutex
-    bool m_wantedAgain = false; // somebody asked for the thread while it was ending
-    const std::unique_ptr<QThread> m_thread;
-    const std::unique_ptr<QObject> m_marker; // lives on the event thread and takes the marks of barrier()
+    QMutex mutex;
+    std::atomic<State> state = State::Ended; // changed under the mutex
+    bool wantedAgain = false; // somebody asked for the thread while it was ending
+    const std::unique_ptr<QThread> thread;
+    const std::unique_ptr<QObject> marker; // lives on the event thread and takes the marks of barrier()
 };
 
 } // namespace Tessellum::Core

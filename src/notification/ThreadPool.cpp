@@ -3,7 +3,6 @@
 #include <notification/utils/CurrentPool.h>
 #include <shared/logging/FrameworkLog.h>
 
-#include <QDeadlineTimer>
 #include <QSemaphore>
 #include <QThread>
 
@@ -29,39 +28,39 @@ public:
 
     ~ThrowAwayThreads()
     {
-        m_end.release(int(m_threads.size()));
-        for (auto &thread : m_threads)
+        end.release(int(threads.size()));
+        for (auto &thread : threads)
             thread.join();
     }
 
     /*! Starts up to \a wanted threads; returns how many the system gave. */
     int start(int wanted)
     {
-        m_threads.reserve(size_t(wanted));
+        threads.reserve(size_t(wanted));
         try {
-            while (int(m_threads.size()) < wanted)
-                m_threads.emplace_back([this] { m_end.acquire(); });
+            while (int(threads.size()) < wanted)
+                threads.emplace_back([this] { end.acquire(); });
         } catch (const std::system_error &) {
             // No more to be had; what there is counts.
         }
-        return int(m_threads.size());
+        return int(threads.size());
     }
 
 private:
-    QSemaphore m_end;
-    std::vector<std::thread> m_threads;
+    QSemaphore end;
+    std::vector<std::thread> threads;
 };
 
 } // namespace
 
-ThreadPool::ThreadPool(const QString &name, CreateFactory createFactory, UpdateFactory updateFactory,
-                       DeleteFactory deleteFactory, int requestedThreads, bool stopped)
-    : m_counter(std::make_shared<utils::RunnableCounter>())
-    , m_name(name)
-    , m_createFactory(std::move(createFactory))
-    , m_updateFactory(std::move(updateFactory))
-    , m_deleteFactory(std::move(deleteFactory))
-    , m_stopped(stopped)
+ThreadPool::ThreadPool(const QString &poolName, CreateFactory create, UpdateFactory update,
+                       DeleteFactory remove, int requestedThreads, bool startStopped)
+    : queued(std::make_shared<utils::RunnableCounter>())
+    , name(poolName)
+    , createFactory(std::move(create))
+    , updateFactory(std::move(update))
+    , deleteFactory(std::move(remove))
+    , stopped(startStopped)
 {
     const int threads = qMax(requestedThreads, MinimumThreadCount());
     if (threads != requestedThreads) {
@@ -72,8 +71,8 @@ ThreadPool::ThreadPool(const QString &name, CreateFactory createFactory, UpdateF
     setMaxThreadCount(threads);
 }
 
-ThreadPool::ThreadPool(const QString &name, int requestedThreads, bool stopped)
-    : ThreadPool(name, nullptr, nullptr, nullptr, requestedThreads, stopped)
+ThreadPool::ThreadPool(const QString &poolName, int requestedThreads, bool startStopped)
+    : ThreadPool(poolName, nullptr, nullptr, nullptr, requestedThreads, startStopped)
 { }
 
 ThreadPool::~ThreadPool()
@@ -85,20 +84,20 @@ std::shared_ptr<CreateObserver> ThreadPool::startCreateTask(const NodePointer &r
                                                             const QVariant &data,
                                                             const CreatePoint &waitPoint)
 {
-    return startTask<CreateTask>(m_createFactory, root, path, data, waitPoint);
+    return startTask<CreateTask>(createFactory, root, path, data, waitPoint);
 }
 
 std::shared_ptr<UpdateObserver> ThreadPool::startUpdateTask(const NodePointer &node, const QVariant &value,
                                                             const UpdatePoint &waitPoint)
 {
-    return startTask<UpdateTask>(m_updateFactory, node, value, waitPoint);
+    return startTask<UpdateTask>(updateFactory, node, value, waitPoint);
 }
 
 std::shared_ptr<DeleteObserver> ThreadPool::startDeleteTask(const NodePointer &root, const QString &path,
                                                             const QVariant &data,
                                                             const DeletePoint &waitPoint)
 {
-    return startTask<DeleteTask>(m_deleteFactory, root, path, data, waitPoint);
+    return startTask<DeleteTask>(deleteFactory, root, path, data, waitPoint);
 }
 
 template <class Task, class Factory, class... Arguments>
@@ -124,50 +123,50 @@ bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
     utils::RunnableChain finished; // freed behind the lock
     bool wantsWorker = false;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        finished = m_runnables.takeFinished();
+        const QMutexLocker locker(&runnables.mutex);
+        finished = runnables.takeFinished();
         if (!isRunning())
             return false;
-        m_runnables.add(std::move(wrapper));
-        wantsWorker = wantsWorkerLocked();
-        m_workers += wantsWorker;
+        runnables.add(std::move(wrapper));
+        wantsWorker = workers < allowedWorkersLocked();
+        workers += wantsWorker;
     }
     // Behind the lock, which is the first thing that the woken thread takes. A stop waits for the worker.
     if (wantsWorker)
-        QThreadPool::start(&m_worker, 0);
+        QThreadPool::start(&worker, 0);
     return true;
 }
 
-bool ThreadPool::wantsWorkerLocked() const
+int ThreadPool::allowedWorkersLocked() const
 {
-    return m_workers < maxThreadCount() + m_lentPlaces;
+    return qMax(1, maxThreadCount()) + lentPlaces;
 }
 
 void ThreadPool::startWantedWorkers()
 {
     int further = 0;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        for (int queued = getQueuedCount(); queued > 0 && wantsWorkerLocked(); --queued) {
-            ++m_workers;
+        const QMutexLocker locker(&runnables.mutex);
+        for (int left = getQueuedCount(); left > 0 && workers < allowedWorkersLocked(); --left) {
+            ++workers;
             ++further;
         }
     }
     for (; further > 0; --further)
-        QThreadPool::start(&m_worker, 0);
+        QThreadPool::start(&worker, 0);
 }
 
-ThreadPool::Worker::Worker(ThreadPool &pool)
-    : m_pool(pool)
+ThreadPool::Worker::Worker(ThreadPool &owner)
+    : pool(owner)
 {
     setAutoDelete(false);
 }
 
 void ThreadPool::Worker::run()
 {
-    const utils::CurrentPool current(&m_pool);
+    const utils::CurrentPool current(&pool);
     utils::TrackedRunnable *item = nullptr;
-    while ((item = m_pool.exchangeItem(item)))
+    while ((item = pool.exchangeItem(item)))
         item->run();
 }
 
@@ -175,15 +174,15 @@ void ThreadPool::Worker::run()
 utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finished)
 {
     utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-    const QMutexLocker locker(&m_runnables.mutex());
+    const QMutexLocker locker(&runnables.mutex);
     if (finished)
-        m_runnables.finish(finished, leftovers);
-    const bool isTooMany = m_workers > maxThreadCount() + m_lentPlaces;
-    utils::TrackedRunnable *const next = isTooMany ? nullptr : m_runnables.takeNext();
+        runnables.finish(finished, leftovers);
+    const bool isTooMany = workers > allowedWorkersLocked();
+    utils::TrackedRunnable *const next = isTooMany ? nullptr : runnables.takeNext();
     if (!next) {
-        --m_workers;
-        if (m_waiting > 0)
-            m_nothingRuns.wakeAll();
+        --workers;
+        if (waiting > 0)
+            nothingRuns.wakeAll();
     }
     return next;
 }
@@ -191,8 +190,8 @@ utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finishe
 void ThreadPool::lendPlace()
 {
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        ++m_lentPlaces;
+        const QMutexLocker locker(&runnables.mutex);
+        ++lentPlaces;
     }
     releaseThread();
     startWantedWorkers();
@@ -201,14 +200,14 @@ void ThreadPool::lendPlace()
 void ThreadPool::takePlaceBack()
 {
     reserveThread();
-    const QMutexLocker locker(&m_runnables.mutex());
-    --m_lentPlaces;
+    const QMutexLocker locker(&runnables.mutex);
+    --lentPlaces;
 }
 
 void ThreadPool::setMaxThreadCount(int threads)
 {
     {
-        const QMutexLocker locker(&m_runnables.mutex());
+        const QMutexLocker locker(&runnables.mutex);
         QThreadPool::setMaxThreadCount(threads);
     }
     startWantedWorkers();
@@ -219,7 +218,7 @@ void ThreadPool::adjustThreadCount()
     int current = 0;
     int wanted = 0;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
+        const QMutexLocker locker(&runnables.mutex);
         current = maxThreadCount();
         wanted = wantedThreadCountLocked(current);
         if (wanted < current)
@@ -232,20 +231,20 @@ void ThreadPool::adjustThreadCount()
 int ThreadPool::wantedThreadCountLocked(int current)
 {
     const int minimum = MinimumThreadCount();
-    const int queued = getQueuedCount();
-    if (queued >= current - 1 && MaximumThreadCount() > current)
+    const int waitingRunnables = getQueuedCount();
+    if (waitingRunnables >= current - 1 && MaximumThreadCount() > current)
         return qMin(2 * current, MaximumThreadCount());
-    if (queued >= minimum) {
-        m_idleTimer.invalidate();
+    if (waitingRunnables >= minimum) {
+        idleTimer.invalidate();
         return current;
     }
-    if (!m_idleTimer.isValid()) {
-        m_idleTimer.start();
+    if (!idleTimer.isValid()) {
+        idleTimer.start();
         return current;
     }
-    if (m_idleTimer.elapsed() < IdleMilliseconds)
+    if (idleTimer.elapsed() < IdleMilliseconds)
         return current;
-    m_idleTimer.invalidate();
+    idleTimer.invalidate();
     return qMax(minimum, current / 2);
 }
 
@@ -255,7 +254,7 @@ void ThreadPool::raiseMaxThreadCount(int current, int wanted)
     if (further <= 0)
         return;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
+        const QMutexLocker locker(&runnables.mutex);
         if (maxThreadCount() != current) // somebody else was faster
             return;
         QThreadPool::setMaxThreadCount(current + further);
@@ -272,14 +271,14 @@ int ThreadPool::ProbeThreads(int wanted)
 
 void ThreadPool::start()
 {
-    m_stopped.store(false, std::memory_order_release);
+    stopped.store(false, std::memory_order_release);
 }
 
 void ThreadPool::stop()
 {
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        m_stopped.store(true, std::memory_order_release);
+        const QMutexLocker locker(&runnables.mutex);
+        stopped.store(true, std::memory_order_release);
     }
     cleanUp(false);
 }
@@ -287,8 +286,8 @@ void ThreadPool::stop()
 void ThreadPool::clear()
 {
     utils::RunnableChain discarded; // ended and freed behind the lock
-    const QMutexLocker locker(&m_runnables.mutex());
-    discarded = m_runnables.takeQueued();
+    const QMutexLocker locker(&runnables.mutex);
+    discarded = runnables.takeQueued();
 }
 
 bool ThreadPool::stopAndWait(int milliseconds)
@@ -299,31 +298,32 @@ bool ThreadPool::stopAndWait(int milliseconds)
         return false;
 
     const QDeadlineTimer deadline(milliseconds);
-    const auto slice = [&deadline] {
-        return deadline.isForever() ? StopReportMilliseconds
-                                    : int(qMin<qint64>(deadline.remainingTime(), StopReportMilliseconds));
-    };
-    while (!waitForWorkers(slice())) {
+    while (!waitForWorkers(qMin(deadline, QDeadlineTimer(StopReportMilliseconds)))) {
         if (deadline.hasExpired())
             return false;
         logRunning();
     }
-    if (!waitForDone(deadline.isForever() ? -1
-                                          : int(deadline.remainingTime()))) // some free what their task held
+    if (!waitForDone(int(deadline.remainingTime()))) // -1 without a limit
         return false;
     cleanUp(true);
     return true;
 }
 
-bool ThreadPool::waitForWorkers(int milliseconds)
+bool ThreadPool::waitForDone(int milliseconds)
 {
     const QDeadlineTimer deadline(milliseconds);
-    const QMutexLocker locker(&m_runnables.mutex());
+    // A worker that is over may still free what its last task held.
+    return waitForWorkers(deadline) && QThreadPool::waitForDone(int(deadline.remainingTime()));
+}
+
+bool ThreadPool::waitForWorkers(const QDeadlineTimer &deadline)
+{
+    const QMutexLocker locker(&runnables.mutex);
     // What a waiting thread of another pool took over runs without a worker.
-    const auto isOver = [this] { return m_workers == 0 && !m_runnables.hasRunning(); };
-    ++m_waiting;
-    while (!isOver() && m_nothingRuns.wait(&m_runnables.mutex(), deadline)) { }
-    --m_waiting;
+    const auto isOver = [this] { return workers == 0 && !runnables.hasRunning(); };
+    ++waiting;
+    while (!isOver() && nothingRuns.wait(&runnables.mutex, deadline)) { }
+    --waiting;
     return isOver();
 }
 
@@ -331,37 +331,37 @@ void ThreadPool::logRunning() const
 {
     QList<utils::TaskDescription> descriptions;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        descriptions = m_runnables.runningDescriptions(StopReportLines);
+        const QMutexLocker locker(&runnables.mutex);
+        descriptions = runnables.runningDescriptions(StopReportLines);
     }
     for (const auto &description : qAsConst(descriptions)) {
         Shared::Logging::FrameworkLog().warning()
-            << "ThreadPool::stopAndWait(" << m_name << ") still waiting for " << description.text();
+            << "ThreadPool::stopAndWait(" << name << ") still waiting for " << description.text();
     }
 }
 
-std::unique_ptr<ThreadPool> ThreadPool::clone(const QString &name) const
+std::unique_ptr<ThreadPool> ThreadPool::clone(const QString &cloneName) const
 {
-    return std::make_unique<ThreadPool>(name, m_createFactory, m_updateFactory, m_deleteFactory,
+    return std::make_unique<ThreadPool>(cloneName, createFactory, updateFactory, deleteFactory,
                                         maxThreadCount(), !isRunning());
 }
 
 void ThreadPool::cleanUp(bool all)
 {
     utils::RunnableChain finished;
-    utils::RunnableChain queued;
-    const QMutexLocker locker(&m_runnables.mutex());
-    finished = m_runnables.takeFinished();
+    utils::RunnableChain discarded;
+    const QMutexLocker locker(&runnables.mutex);
+    finished = runnables.takeFinished();
     if (all)
-        queued = m_runnables.takeQueued();
+        discarded = runnables.takeQueued();
 }
 
 bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
 {
     utils::TrackedRunnable *item = nullptr;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
-        item = m_runnables.take(observer);
+        const QMutexLocker locker(&runnables.mutex);
+        item = runnables.take(observer);
     }
     if (!item)
         return false;
@@ -370,10 +370,10 @@ bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
         item->run();
     }
     utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-    const QMutexLocker locker(&m_runnables.mutex());
-    m_runnables.finish(item, leftovers);
-    if (m_waiting > 0)
-        m_nothingRuns.wakeAll();
+    const QMutexLocker locker(&runnables.mutex);
+    runnables.finish(item, leftovers);
+    if (waiting > 0)
+        nothingRuns.wakeAll();
     return true;
 }
 

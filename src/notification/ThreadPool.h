@@ -6,6 +6,7 @@
 #include <notification/utils/RunnableTracker.h>
 #include <notification/utils/RunnableWrapper.h>
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QThreadPool>
 #include <QWaitCondition>
@@ -66,9 +67,15 @@ public:
     /*! Lets no further task in; those that are queued still run. */
     void stop();
     /*! True while tasks are let in. */
-    bool isRunning() const { return !m_stopped.load(std::memory_order_acquire); }
+    bool isRunning() const { return !stopped.load(std::memory_order_acquire); }
     /*! Takes every queued task off the queue and ends it without a result; hides QThreadPool::clear(). */
     void clear();
+    /*!
+     * Waits until nothing is queued and nothing runs, whichever thread took it over; false if \a milliseconds
+     * ran out (-1: no limit). Hides QThreadPool::waitForDone(). Not for threads of this pool; no lock may be
+     * held.
+     */
+    bool waitForDone(int milliseconds = -1);
     /*!
      * The whole stop: stop(), clear(), wait for those that run, free all. True if nothing runs any more;
      * false if \a milliseconds ran out (-1: no limit), or without any wait if the calling thread is one of
@@ -80,14 +87,15 @@ public:
     /*! A new pool with these factories, this maximum of threads and this stop state. */
     std::unique_ptr<ThreadPool> clone(const QString &name) const;
 
-    QString getName() const { return m_name; }
+    QString getName() const { return name; }
     /*! The number of runnables that are created and not yet begun. */
-    int getQueuedCount() const { return m_counter->queued.load(); }
+    int getQueuedCount() const { return queued->count.load(); }
 
     /*! Frees the runnables that are over, with \a all also those that are not: for a pool at rest alone. */
     void cleanUp(bool all);
 
-    /*! Sets the most threads for the work of this pool; hides QThreadPool::setMaxThreadCount(). */
+    /*! Sets the most threads for the work of this pool; one works even below 1. Hides
+     * QThreadPool::setMaxThreadCount(). */
     void setMaxThreadCount(int threads);
 
     /*! Runs the task that reports to \a observer on the calling thread if it is still queued here. */
@@ -114,25 +122,25 @@ protected:
     template <class Runnable>
     bool launch(std::unique_ptr<Runnable> runnable, std::shared_ptr<utils::ObserverCore> observer = {})
     {
-        return launchWrapper(std::make_unique<utils::RunnableWrapper<Runnable>>(
-            std::move(runnable), std::move(observer), m_counter));
+        return launchWrapper(std::make_unique<utils::RunnableWrapper<Runnable>>(std::move(runnable),
+                                                                                std::move(observer), queued));
     }
 
     /*! Raises the maximum from \a current to \a wanted, or by as many threads as the system gives now. */
     void raiseMaxThreadCount(int current, int wanted);
 
-    const std::shared_ptr<utils::RunnableCounter> m_counter;
-    utils::RunnableTracker m_runnables;
+    const std::shared_ptr<utils::RunnableCounter> queued;
+    utils::RunnableTracker runnables;
 
 private:
     class Worker : public QRunnable
     {
     public:
-        explicit Worker(ThreadPool &pool);
+        explicit Worker(ThreadPool &owner);
         void run() override;
 
     private:
-        ThreadPool &m_pool;
+        ThreadPool &pool;
     };
 
     template <class Task, class Factory, class... Arguments>
@@ -140,24 +148,24 @@ private:
                                                            const Arguments &...arguments);
     bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
     utils::TrackedRunnable *exchangeItem(utils::TrackedRunnable *finished);
-    bool wantsWorkerLocked() const;
+    int allowedWorkersLocked() const;
     void startWantedWorkers();
     int wantedThreadCountLocked(int current);
-    bool waitForWorkers(int milliseconds);
+    bool waitForWorkers(const QDeadlineTimer &deadline);
     void logRunning() const;
     static int ProbeThreads(int wanted);
 
-    QElapsedTimer m_idleTimer;
-    const QString m_name;
-    const CreateFactory m_createFactory;
-    const UpdateFactory m_updateFactory;
-    const DeleteFactory m_deleteFactory;
-    std::atomic<bool> m_stopped;
-    Worker m_worker{*this}; // one object for all workers
-    int m_workers = 0; // that run or are about to
-    int m_lentPlaces = 0;
-    int m_waiting = 0; // threads that wait for m_nothingRuns
-    QWaitCondition m_nothingRuns;
+    QElapsedTimer idleTimer;
+    const QString name;
+    const CreateFactory createFactory;
+    const UpdateFactory updateFactory;
+    const DeleteFactory deleteFactory;
+    std::atomic<bool> stopped;
+    Worker worker{*this}; // one object for all workers
+    int workers = 0; // that run or are about to
+    int lentPlaces = 0;
+    int waiting = 0; // threads that wait for nothingRuns
+    QWaitCondition nothingRuns;
 };
 
 } // namespace Tessellum::Notification

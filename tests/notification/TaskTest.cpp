@@ -116,7 +116,7 @@ void TaskTest::waiterIsReleasedBeforeTheResultHandler()
 {
     bool finishedBefore = false;
     UpdateObserver observer([](const auto &) { return true; });
-    observer.onResult = [&](const auto &) { finishedBefore = observer.isFinished(); };
+    observer.onResult = [&](const auto &) { finishedBefore = observer.hasFinished(); };
     observer.report({UpdatePoint::Check, UpdateResult::Ok});
     QVERIFY(finishedBefore);
 }

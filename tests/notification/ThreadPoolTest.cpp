@@ -24,6 +24,7 @@ private Q_SLOTS:
     void tasksBeginInTheirOrder();
     void waiterRunsItsQueuedTask();
     void manyNestedTasks();
+    void doneIncludesWhatOthersTookOver();
     void stopEndsQueuedAndNestedWaits();
     void stopFromItsOwnThread();
     void nothingStartsBehindAStop();
@@ -38,24 +39,24 @@ namespace {
 class Blockade
 {
 public:
-    Blockade(FunctionPool &pool, int threads)
-        : m_threads(threads)
+    Blockade(FunctionPool &pool, int heldThreads)
+        : threads(heldThreads)
     {
         for (int i = 0; i < threads; ++i) {
-            pool.run([begun = m_begun, end = m_end](UpdateObserver &) {
-                begun->release();
-                end->acquire();
+            pool.run([beginning = begun, ending = end](UpdateObserver &) {
+                beginning->release();
+                ending->acquire();
             });
         }
     }
     ~Blockade() { letGo(); }
-    bool holds() { return m_begun->tryAcquire(m_threads, Patience); }
-    void letGo() { m_end->release(m_threads); }
+    bool holds() { return begun->tryAcquire(threads, Patience); }
+    void letGo() { end->release(threads); }
 
 private:
-    const int m_threads;
-    const std::shared_ptr<QSemaphore> m_begun = std::make_shared<QSemaphore>();
-    const std::shared_ptr<QSemaphore> m_end = std::make_shared<QSemaphore>();
+    const int threads;
+    const std::shared_ptr<QSemaphore> begun = std::make_shared<QSemaphore>();
+    const std::shared_ptr<QSemaphore> end = std::make_shared<QSemaphore>();
 };
 
 } // namespace
@@ -191,6 +192,32 @@ void ThreadPoolTest::manyNestedTasks()
     QVERIFY(pool.maxThreadCount() <= ThreadPool::MaximumThreadCount());
     QVERIFY2(threads.size() <= 2 * ThreadPool::MaximumThreadCount(), QByteArray::number(threads.size()));
     QCOMPARE(pool.getQueuedCount(), 0);
+}
+
+void ThreadPoolTest::doneIncludesWhatOthersTookOver()
+{
+    FunctionPool pool;
+    FunctionPool other;
+    pool.setMaxThreadCount(0); // one thread stays
+    Blockade blockade(pool, 1);
+    QVERIFY(blockade.holds());
+    pool.setMaxThreadCount(1);
+    QSemaphore begun;
+    QSemaphore goOn;
+    other.run([&](UpdateObserver &) {
+        WaitForTask(pool, pool.run([&](UpdateObserver &) {
+            begun.release();
+            goOn.acquire();
+        }));
+    });
+    const auto letGo = qScopeGuard([&] { goOn.release(); });
+    const bool hasBegun = begun.tryAcquire(1, Patience); // on the thread of the other pool
+    blockade.letGo();
+    QVERIFY(hasBegun);
+    QTRY_COMPARE_WITH_TIMEOUT(pool.activeThreadCount(), 0, Patience);
+    QVERIFY(!pool.waitForDone(20));
+    goOn.release();
+    QVERIFY(pool.waitForDone());
 }
 
 void ThreadPoolTest::stopEndsQueuedAndNestedWaits()

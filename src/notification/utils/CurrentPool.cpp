@@ -8,30 +8,30 @@ thread_local const CurrentPool *innermost = nullptr;
 
 } // namespace
 
-CurrentPool::CurrentPool(ThreadPool *pool)
-    : m_pool(pool)
-    , m_outer(innermost)
+CurrentPool::CurrentPool(ThreadPool *current)
+    : pool(current)
+    , outer(innermost)
 {
     innermost = this;
 }
 
 CurrentPool::~CurrentPool()
 {
-    innermost = m_outer;
+    innermost = outer;
 }
 
 ThreadPool *CurrentPool::Outermost()
 {
-    ThreadPool *pool = nullptr;
-    for (const CurrentPool *mark = innermost; mark; mark = mark->m_outer)
-        pool = mark->m_pool;
-    return pool;
+    ThreadPool *found = nullptr;
+    for (const CurrentPool *mark = innermost; mark; mark = mark->outer)
+        found = mark->pool;
+    return found;
 }
 
-bool CurrentPool::Contains(const ThreadPool *pool)
+bool CurrentPool::Contains(const ThreadPool *sought)
 {
-    for (const CurrentPool *mark = innermost; mark; mark = mark->m_outer) {
-        if (mark->m_pool == pool)
+    for (const CurrentPool *mark = innermost; mark; mark = mark->outer) {
+        if (mark->pool == sought)
             return true;
     }
     return false;

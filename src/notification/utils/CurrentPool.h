@@ -27,8 +27,8 @@ public:
     static bool Contains(const ThreadPool *pool);
 
 private:
-    ThreadPool *const m_pool;
-    const CurrentPool *const m_outer;
+    ThreadPool *const pool;
+    const CurrentPool *const outer;
 };
 
 } // namespace Tessellum::Notification::utils

@@ -14,8 +14,8 @@ constexpr int EmptyLooksBeforeRest = 40;
 
 } // namespace
 
-HandlerPool::HandlerPool(const QString &name, int requestedThreads, bool stopped)
-    : ThreadPool(name, requestedThreads, stopped)
+HandlerPool::HandlerPool(const QString &poolName, int requestedThreads, bool startStopped)
+    : ThreadPool(poolName, requestedThreads, startStopped)
 { }
 
 HandlerPool::~HandlerPool()
@@ -25,14 +25,14 @@ HandlerPool::~HandlerPool()
 
 bool HandlerPool::stopAndWait(int milliseconds)
 {
-    const bool stopped = ThreadPool::stopAndWait(milliseconds);
+    const bool isAtRest = ThreadPool::stopAndWait(milliseconds);
     endWatching();
-    return stopped;
+    return isAtRest;
 }
 
 void HandlerPool::adjustThreadCount()
 {
-    const QMutexLocker locker(&m_runnables.mutex());
+    const QMutexLocker locker(&runnables.mutex);
     if (maxThreadCount() > MinimumThreadCount() && getQueuedCount() == 0
         && activeThreadCount() < MinimumThreadCount())
         QThreadPool::setMaxThreadCount(MinimumThreadCount());
@@ -40,49 +40,49 @@ void HandlerPool::adjustThreadCount()
 
 void HandlerPool::watch()
 {
-    if (m_watching)
+    if (watching)
         return;
-    const QMutexLocker locker(&m_watchMutex);
-    m_watching = true;
-    if (m_watcher.joinable()) {
-        m_watchCondition.wakeOne();
+    const QMutexLocker locker(&watchMutex);
+    watching = true;
+    if (watcher.joinable()) {
+        watchCondition.wakeOne();
         return;
     }
     try {
         auto end = std::make_shared<std::atomic<bool>>(false);
-        m_watcher = std::thread([this, end] { watchQueue(*end); });
-        m_endWatcher = std::move(end);
+        watcher = std::thread([this, end] { watchQueue(*end); });
+        endWatcher = std::move(end);
     } catch (const std::system_error &) {
-        m_watching
+        watching
             = false; // the next notification tries again; without threads there is nothing to raise anyway
     }
 }
 
 void HandlerPool::endWatching()
 {
-    std::thread watcher;
+    std::thread ending;
     {
-        const QMutexLocker locker(&m_watchMutex);
-        watcher.swap(m_watcher);
-        if (m_endWatcher)
-            m_endWatcher->store(true);
-        m_endWatcher.reset();
-        m_watching = false;
-        m_watchCondition.wakeAll();
+        const QMutexLocker locker(&watchMutex);
+        ending.swap(watcher);
+        if (endWatcher)
+            endWatcher->store(true);
+        endWatcher.reset();
+        watching = false;
+        watchCondition.wakeAll();
     }
-    if (watcher.joinable())
-        watcher.join();
+    if (ending.joinable())
+        ending.join();
 }
 
 void HandlerPool::watchQueue(const std::atomic<bool> &end)
 {
     int emptyLooks = 0;
     while (!end) {
-        const quint32 begunBefore = m_counter->begun;
+        const quint32 begunBefore = queued->begun;
         {
-            const QMutexLocker locker(&m_watchMutex);
+            const QMutexLocker locker(&watchMutex);
             const QDeadlineTimer look(LookMilliseconds);
-            while (!end && m_watchCondition.wait(&m_watchMutex, look)) { }
+            while (!end && watchCondition.wait(&watchMutex, look)) { }
         }
         if (end)
             return;
@@ -97,24 +97,24 @@ void HandlerPool::watchQueue(const std::atomic<bool> &end)
 
 void HandlerPool::restUntilNeeded(const std::atomic<bool> &end)
 {
-    const QMutexLocker locker(&m_watchMutex);
+    const QMutexLocker locker(&watchMutex);
     if (end)
         return;
-    m_watching = false;
+    watching = false;
     // A notification that still saw the flag has counted before: it is found here.
-    while (!end && !m_watching && getQueuedCount() == 0)
-        m_watchCondition.wait(&m_watchMutex);
+    while (!end && !watching && getQueuedCount() == 0)
+        watchCondition.wait(&watchMutex);
     if (!end)
-        m_watching = true;
+        watching = true;
 }
 
 void HandlerPool::growIfBlocked(quint32 begunBefore)
 {
     int current = 0;
     {
-        const QMutexLocker locker(&m_runnables.mutex());
+        const QMutexLocker locker(&runnables.mutex);
         current = maxThreadCount();
-        if (getQueuedCount() == 0 || m_counter->begun != begunBefore || activeThreadCount() < current
+        if (getQueuedCount() == 0 || queued->begun != begunBefore || activeThreadCount() < current
             || current >= CeilingThreadCount())
             return;
     }

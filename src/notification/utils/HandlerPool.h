@@ -18,7 +18,7 @@ namespace Tessellum::Notification::utils {
  * it grow. A small watching thread looks for that while handlers are queued, so that it needs no further
  * notification. The maximum falls back to MinimumThreadCount() with a notification that finds the pool idle.
  *
- * Lock: m_watchMutex guards the state of the watching thread; it is taken before the mutex of the runnables
+ * Lock: watchMutex guards the state of the watching thread; it is taken before the mutex of the runnables
  * and held neither while threads are tried out nor while that thread is joined.
  */
 class TESSELLUM_EXPORT HandlerPool : public ThreadPool
@@ -58,11 +58,11 @@ private:
     void restUntilNeeded(const std::atomic<bool> &end);
     void growIfBlocked(quint32 begunBefore);
 
-    QMutex m_watchMutex;
-    QWaitCondition m_watchCondition;
-    std::thread m_watcher;
-    EndFlag m_endWatcher; // of the present watching thread
-    std::atomic<bool> m_watching = false; // false while that thread rests or there is none
+    QMutex watchMutex;
+    QWaitCondition watchCondition;
+    std::thread watcher;
+    EndFlag endWatcher; // of the present watching thread
+    std::atomic<bool> watching = false; // false while that thread rests or there is none
 };
 
 } // namespace Tessellum::Notification::utils

@@ -32,31 +32,29 @@ class HandlerRunnable final : public QRunnable, public TaskInfoInterface
 {
 public:
     template <class... Arguments>
-    explicit HandlerRunnable(const std::weak_ptr<NotificationHandle<Handler>> &handle,
-                             Arguments &&...arguments)
-        : m_handle(handle)
-        , m_arguments(std::forward<Arguments>(arguments)...)
+    explicit HandlerRunnable(const std::weak_ptr<NotificationHandle<Handler>> &target, Arguments &&...values)
+        : handle(target)
+        , arguments(std::forward<Arguments>(values)...)
     { }
 
     /*! Calls the handler if its handle is there and enabled. An exception ends here with a CRITICAL line. */
     void run() override
     {
-        const auto handle = m_handle.lock();
-        if (!handle)
+        const auto living = handle.lock();
+        if (!living)
             return;
-        RunGuarded("HandlerRunnable", [&] {
-            std::apply([&](const auto &...arguments) { handle->call(arguments...); }, m_arguments);
-        });
+        RunGuarded("HandlerRunnable",
+                   [&] { std::apply([&](const auto &...values) { living->call(values...); }, arguments); });
     }
 
     /*! "Handler runnable taks with path=PATH uuid=UUID", with "<nullptr>" for each where the handle has gone.
      */
     QString getDescription() const override { return describe().text(); }
-    TaskDescription describe() const { return DescribeHandler(m_handle.lock()); }
+    TaskDescription describe() const { return DescribeHandler(handle.lock()); }
 
 private:
-    const std::weak_ptr<NotificationHandle<Handler>> m_handle;
-    const typename HandlerArguments<Handler>::Type m_arguments;
+    const std::weak_ptr<NotificationHandle<Handler>> handle;
+    const typename HandlerArguments<Handler>::Type arguments;
 };
 
 } // namespace Tessellum::Notification::utils

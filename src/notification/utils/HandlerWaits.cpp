@@ -30,18 +30,18 @@ HandlerWaits::HandlerWaits(const NotificationHandleBase &handle)
     const Qt::HANDLE self = QThread::currentThreadId();
     WaitTable &table = Table();
     const QMutexLocker locker(&table.mutex);
-    for (const NotificationHandleBase *waited = &handle; waited && m_entered;) {
-        const Qt::HANDLE runner = waited->m_runner;
-        m_entered = runner != self;
+    for (const NotificationHandleBase *waited = &handle; waited && entered;) {
+        const Qt::HANDLE runner = waited->runner;
+        entered = runner != self;
         waited = runner ? table.waits.value(runner) : nullptr;
     }
-    if (m_entered)
+    if (entered)
         table.waits.insert(self, &handle);
 }
 
 HandlerWaits::~HandlerWaits()
 {
-    if (!m_entered)
+    if (!entered)
         return;
     WaitTable &table = Table();
     const QMutexLocker locker(&table.mutex);

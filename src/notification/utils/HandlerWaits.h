@@ -20,10 +20,10 @@ public:
     Q_DISABLE_COPY(HandlerWaits)
 
     /*! False if the wait would never end. */
-    bool isEntered() const { return m_entered; }
+    bool isEntered() const { return entered; }
 
 private:
-    bool m_entered = true;
+    bool entered = true;
 };
 
 } // namespace Tessellum::Notification::utils

@@ -7,10 +7,10 @@
 
 namespace Tessellum::Notification::utils {
 
-NotificationHandleBase::NotificationHandleBase(const QString &path)
-    : m_mutex(QMutex::Recursive)
-    , m_uuid(QUuid::createUuid().toString())
-    , m_path(path)
+NotificationHandleBase::NotificationHandleBase(const QString &registeredPath)
+    : mutex(QMutex::Recursive)
+    , uuid(QUuid::createUuid().toString())
+    , path(registeredPath)
 { }
 
 NotificationHandleBase::~NotificationHandleBase() = default;
@@ -18,32 +18,32 @@ NotificationHandleBase::~NotificationHandleBase() = default;
 void NotificationHandleBase::invalidate()
 {
     invalidateWithoutWaiting();
-    if (!m_mutex.tryLock()) {
+    if (!mutex.tryLock()) {
         const HandlerWaits wait(*this);
         if (!wait.isEntered())
             return;
-        m_mutex.lock();
+        mutex.lock();
     }
-    m_mutex.unlock();
+    mutex.unlock();
 }
 
-bool NotificationHandleBase::setEnabled(const bool &enabled)
+bool NotificationHandleBase::setEnabled(const bool &wanted)
 {
-    m_enabled.store(enabled, std::memory_order_release);
+    enabled.store(wanted, std::memory_order_release);
     return true;
 }
 
-NotificationHandleBase::Running::Running(NotificationHandleBase &handle)
-    : m_handle(handle)
+NotificationHandleBase::Running::Running(NotificationHandleBase &running)
+    : handle(running)
 {
-    m_handle.m_mutex.lock();
-    m_previous = m_handle.m_runner.exchange(QThread::currentThreadId());
+    handle.mutex.lock();
+    previous = handle.runner.exchange(QThread::currentThreadId());
 }
 
 NotificationHandleBase::Running::~Running()
 {
-    m_handle.m_runner = m_previous;
-    m_handle.m_mutex.unlock();
+    handle.runner = previous;
+    handle.mutex.unlock();
 }
 
 } // namespace Tessellum::Notification::utils

@@ -23,15 +23,15 @@ public:
     ~NotificationHandleBase() override;
 
     void invalidate() override;
-    bool isValid() const override { return !m_invalidated.load(std::memory_order_acquire); }
-    int getHandleType() const override { return m_handleType; }
-    bool isEnabled() const override { return isValid() && m_enabled.load(std::memory_order_acquire); }
-    QString getUuid() const override { return m_uuid; }
-    QString getPath() const override { return m_path; }
+    bool isValid() const override { return !invalidated.load(std::memory_order_acquire); }
+    int getHandleType() const override { return handleType; }
+    bool isEnabled() const override { return isValid() && enabled.load(std::memory_order_acquire); }
+    QString getUuid() const override { return uuid; }
+    QString getPath() const override { return path; }
     bool setEnabled(const bool &enabled) override;
 
     /*! As invalidate(), without waiting for a running handler. */
-    void invalidateWithoutWaiting() { m_invalidated.store(true, std::memory_order_release); }
+    void invalidateWithoutWaiting() { invalidated.store(true, std::memory_order_release); }
 
 protected:
     /*! Holds the mutex and marks the calling thread as the one that runs the handler. */
@@ -43,20 +43,20 @@ protected:
         Q_DISABLE_COPY(Running)
 
     private:
-        NotificationHandleBase &m_handle;
-        Qt::HANDLE m_previous;
+        NotificationHandleBase &handle;
+        Qt::HANDLE previous;
     };
 
 private:
     friend class HandlerWaits;
 
-    std::atomic<bool> m_invalidated = false;
-    QMutex m_mutex;
-    const QString m_uuid;
-    const int m_handleType = 1;
-    const QString m_path;
-    std::atomic<bool> m_enabled = true;
-    std::atomic<Qt::HANDLE> m_runner = nullptr; // written by the holder of the mutex
+    std::atomic<bool> invalidated = false;
+    QMutex mutex;
+    const QString uuid;
+    const int handleType = 1;
+    const QString path;
+    std::atomic<bool> enabled = true;
+    std::atomic<Qt::HANDLE> runner = nullptr; // written by the holder of the mutex
 };
 
 /*! A handle with its function; \a Handler is one of the handler types. */
@@ -64,9 +64,9 @@ template <class Handler>
 class NotificationHandle final : public NotificationHandleBase
 {
 public:
-    NotificationHandle(const QString &path, Handler handler)
-        : NotificationHandleBase(path)
-        , m_handler(std::move(handler))
+    NotificationHandle(const QString &registeredPath, Handler function)
+        : NotificationHandleBase(registeredPath)
+        , handler(std::move(function))
     { }
 
     /*! Calls the handler under the mutex if the handle is enabled by then. The caller keeps the handle alive.
@@ -75,12 +75,12 @@ public:
     void call(const Arguments &...arguments)
     {
         const Running running(*this);
-        if (isEnabled() && m_handler)
-            m_handler(arguments...);
+        if (isEnabled() && handler)
+            handler(arguments...);
     }
 
 private:
-    const Handler m_handler;
+    const Handler handler;
 };
 
 } // namespace Tessellum::Notification::utils

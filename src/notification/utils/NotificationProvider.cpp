@@ -26,45 +26,45 @@ NotificationProvider::HandlePointer Register(const std::shared_ptr<ExaminerRegis
 } // namespace
 
 NotificationProvider::NotificationProvider()
-    : m_create(std::make_shared<ExaminerRegistration<CreatePoint>>(PointMatches<CreatePoint>))
-    , m_update(std::make_shared<ExaminerRegistration<UpdatePoint>>(PointMatches<UpdatePoint>))
-    , m_delete(std::make_shared<ExaminerRegistration<DeletePoint>>(PointMatches<DeletePoint>))
+    : createRegistration(std::make_shared<ExaminerRegistration<CreatePoint>>(PointMatches<CreatePoint>))
+    , updateRegistration(std::make_shared<ExaminerRegistration<UpdatePoint>>(PointMatches<UpdatePoint>))
+    , deleteRegistration(std::make_shared<ExaminerRegistration<DeletePoint>>(PointMatches<DeletePoint>))
 { }
 
 NotificationProvider::HandlePointer NotificationProvider::registerCreateHandler(const QString &path,
                                                                                 const CreateHandler &handler,
                                                                                 const CreatePoint &point)
 {
-    return Register(m_create, path, handler, point);
+    return Register(createRegistration, path, handler, point);
 }
 
 NotificationProvider::HandlePointer NotificationProvider::registerUpdateHandler(const QString &path,
                                                                                 const UpdateHandler &handler,
                                                                                 const UpdatePoint &point)
 {
-    return Register(m_update, path, handler, point);
+    return Register(updateRegistration, path, handler, point);
 }
 
 NotificationProvider::HandlePointer NotificationProvider::registerDeleteHandler(const QString &path,
                                                                                 const DeleteHandler &handler,
                                                                                 const DeletePoint &point)
 {
-    return Register(m_delete, path, handler, point);
+    return Register(deleteRegistration, path, handler, point);
 }
 
 bool NotificationProvider::unregisterCreateHandler(const QString &uuid)
 {
-    return m_create->unregisterEventHandler(uuid);
+    return createRegistration->unregisterEventHandler(uuid);
 }
 
 bool NotificationProvider::unregisterUpdateHandler(const QString &uuid)
 {
-    return m_update->unregisterEventHandler(uuid);
+    return updateRegistration->unregisterEventHandler(uuid);
 }
 
 bool NotificationProvider::unregisterDeleteHandler(const QString &uuid)
 {
-    return m_delete->unregisterEventHandler(uuid);
+    return deleteRegistration->unregisterEventHandler(uuid);
 }
 
 } // namespace Tessellum::Notification::utils

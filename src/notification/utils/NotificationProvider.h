@@ -29,14 +29,23 @@ public:
     bool unregisterUpdateHandler(const QString &uuid);
     bool unregisterDeleteHandler(const QString &uuid);
 
-    std::shared_ptr<ExaminerRegistration<CreatePoint>> getCreateRegistration() const { return m_create; }
-    std::shared_ptr<ExaminerRegistration<UpdatePoint>> getUpdateRegistration() const { return m_update; }
-    std::shared_ptr<ExaminerRegistration<DeletePoint>> getDeleteRegistration() const { return m_delete; }
+    std::shared_ptr<ExaminerRegistration<CreatePoint>> getCreateRegistration() const
+    {
+        return createRegistration;
+    }
+    std::shared_ptr<ExaminerRegistration<UpdatePoint>> getUpdateRegistration() const
+    {
+        return updateRegistration;
+    }
+    std::shared_ptr<ExaminerRegistration<DeletePoint>> getDeleteRegistration() const
+    {
+        return deleteRegistration;
+    }
 
 private:
-    const std::shared_ptr<ExaminerRegistration<CreatePoint>> m_create;
-    const std::shared_ptr<ExaminerRegistration<UpdatePoint>> m_update;
-    const std::shared_ptr<ExaminerRegistration<DeletePoint>> m_delete;
+    const std::shared_ptr<ExaminerRegistration<CreatePoint>> createRegistration;
+    const std::shared_ptr<ExaminerRegistration<UpdatePoint>> updateRegistration;
+    const std::shared_ptr<ExaminerRegistration<DeletePoint>> deleteRegistration;
 };
 
 } // namespace Tessellum::Notification::utils

@@ -9,22 +9,22 @@ ObserverCore::~ObserverCore()
 
 void ObserverCore::wait()
 {
-    const QMutexLocker locker(&m_mutex);
-    while (!m_finished.load(std::memory_order_relaxed) && !m_ended.load(std::memory_order_relaxed))
-        m_condition.wait(&m_mutex);
+    const QMutexLocker locker(&mutex);
+    while (!finished.load(std::memory_order_relaxed) && !ended.load(std::memory_order_relaxed))
+        condition.wait(&mutex);
 }
 
 void ObserverCore::end()
 {
-    const QMutexLocker locker(&m_mutex);
-    m_ended.store(true, std::memory_order_release);
-    m_condition.wakeAll();
+    const QMutexLocker locker(&mutex);
+    ended.store(true, std::memory_order_release);
+    condition.wakeAll();
 }
 
 void ObserverCore::finishLocked()
 {
-    m_finished.store(true, std::memory_order_release);
-    m_condition.wakeAll();
+    finished.store(true, std::memory_order_release);
+    condition.wakeAll();
 }
 
 } // namespace Tessellum::Notification::utils

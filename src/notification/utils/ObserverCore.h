@@ -14,7 +14,7 @@ class TrackedRunnable;
 /*!
  * What the observers of all kinds of tasks share: the marks that end a wait.
  *
- * Any thread may call. Lock: mutex() guards both marks and the result of the derived class; it is never held
+ * Any thread may call. Lock: mutex guards both marks and the result of the derived class; it is never held
  * while a callback runs. The marks are atomic as well, so that asking for them costs no lock.
  */
 class TESSELLUM_EXPORT ObserverCore
@@ -25,10 +25,10 @@ public:
     Q_DISABLE_COPY(ObserverCore)
 
     /*! True once a report reached the wait point. */
-    bool isFinished() const { return m_finished.load(std::memory_order_acquire); }
+    bool hasFinished() const { return finished.load(std::memory_order_acquire); }
 
     /*! True once the task is over, by its end, an exception or because it was discarded. */
-    bool isEnded() const { return m_ended.load(std::memory_order_acquire); }
+    bool isEnded() const { return ended.load(std::memory_order_acquire); }
 
     /*! Returns once a report has reached the wait point or the task is over; at once if that was before. */
     void wait();
@@ -38,20 +38,18 @@ public:
     void end();
 
 protected:
-    /*! Guards the result of the derived class too. */
-    QMutex &mutex() const { return m_mutex; }
-
-    /*! Marks the wait point as reached and releases all who wait. The caller holds mutex(). */
+    /*! Marks the wait point as reached and releases all who wait. The caller holds the mutex. */
     void finishLocked();
+
+    mutable QMutex mutex;
 
 private:
     friend class RunnableTracker;
 
-    mutable QMutex m_mutex;
-    QWaitCondition m_condition;
-    std::atomic<bool> m_finished = false;
-    std::atomic<bool> m_ended = false;
-    TrackedRunnable *m_runnable = nullptr; // of the pool's tracker, guarded by the tracker's mutex
+    QWaitCondition condition;
+    std::atomic<bool> finished = false;
+    std::atomic<bool> ended = false;
+    TrackedRunnable *runnable = nullptr; // of the pool's tracker, guarded by the tracker's mutex
 };
 
 } // namespace Tessellum::Notification::utils

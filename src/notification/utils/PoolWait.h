@@ -20,7 +20,7 @@ public:
     Q_DISABLE_COPY(PlaceLender)
 
 private:
-    ThreadPool *m_lent = nullptr;
+    ThreadPool *lent = nullptr;
 };
 
 /*!

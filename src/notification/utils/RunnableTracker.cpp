@@ -6,50 +6,50 @@ namespace Tessellum::Notification::utils {
 
 void RunnableList::append(TrackedRunnable *item)
 {
-    item->m_previous = m_last;
-    item->m_next = nullptr;
-    (m_last ? m_last->m_next : m_first) = item;
-    m_last = item;
+    item->previous = tail;
+    item->next = nullptr;
+    (tail ? tail->next : head) = item;
+    tail = item;
 }
 
 void RunnableList::unlink(TrackedRunnable *item)
 {
-    (item->m_previous ? item->m_previous->m_next : m_first) = item->m_next;
-    (item->m_next ? item->m_next->m_previous : m_last) = item->m_previous;
+    (item->previous ? item->previous->next : head) = item->next;
+    (item->next ? item->next->previous : tail) = item->previous;
 }
 
 TrackedRunnable *RunnableList::takeAll()
 {
-    m_last = nullptr;
-    return std::exchange(m_first, nullptr);
+    tail = nullptr;
+    return std::exchange(head, nullptr);
 }
 
 RunnableTracker::~RunnableTracker()
 {
-    for (RunnableList *list : {&m_finished, &m_running, &m_queued})
+    for (RunnableList *list : {&finished, &running, &queued})
         RunnableChain(list->takeAll()).reset();
 }
 
 void RunnableTracker::add(std::unique_ptr<TrackedRunnable> item)
 {
-    if (item->m_observer)
-        item->m_observer->m_runnable = item.get();
-    m_queued.append(item.release());
+    if (item->observer)
+        item->observer->runnable = item.get();
+    queued.append(item.release());
 }
 
 void RunnableTracker::begin(TrackedRunnable *item)
 {
-    m_queued.unlink(item);
-    m_running.append(item);
-    if (item->m_observer)
-        item->m_observer->m_runnable = nullptr;
+    queued.unlink(item);
+    running.append(item);
+    if (item->observer)
+        item->observer->runnable = nullptr;
     item->leaveQueue();
-    item->m_counter->begun.fetch_add(1, std::memory_order_relaxed);
+    item->counter->begun.fetch_add(1, std::memory_order_relaxed);
 }
 
 TrackedRunnable *RunnableTracker::takeNext()
 {
-    TrackedRunnable *const item = m_queued.first();
+    TrackedRunnable *const item = queued.first();
     if (item)
         begin(item);
     return item;
@@ -57,7 +57,7 @@ TrackedRunnable *RunnableTracker::takeNext()
 
 TrackedRunnable *RunnableTracker::take(const ObserverCore &observer)
 {
-    TrackedRunnable *const item = observer.m_runnable;
+    TrackedRunnable *const item = observer.runnable;
     if (item)
         begin(item);
     return item;
@@ -65,33 +65,33 @@ TrackedRunnable *RunnableTracker::take(const ObserverCore &observer)
 
 void RunnableTracker::finish(TrackedRunnable *item, Leftovers &leftovers)
 {
-    m_running.unlink(item);
-    m_finished.append(item);
-    leftovers.observer.swap(item->m_observer);
-    std::swap(leftovers.description, item->m_description);
+    running.unlink(item);
+    finished.append(item);
+    leftovers.observer.swap(item->observer);
+    std::swap(leftovers.description, item->description);
 }
 
 QList<TaskDescription> RunnableTracker::runningDescriptions(int limit) const
 {
     QList<TaskDescription> descriptions;
-    for (const TrackedRunnable *item = m_running.first(); item && descriptions.size() < limit;
-         item = item->m_next)
-        descriptions.append(item->m_description);
+    for (const TrackedRunnable *item = running.first(); item && descriptions.size() < limit;
+         item = item->next)
+        descriptions.append(item->description);
     return descriptions;
 }
 
 RunnableChain RunnableTracker::takeQueued()
 {
-    for (TrackedRunnable *item = m_queued.first(); item; item = item->m_next) {
-        if (item->m_observer)
-            item->m_observer->m_runnable = nullptr;
+    for (TrackedRunnable *item = queued.first(); item; item = item->next) {
+        if (item->observer)
+            item->observer->runnable = nullptr;
     }
-    return RunnableChain(m_queued.takeAll());
+    return RunnableChain(queued.takeAll());
 }
 
 RunnableChain RunnableTracker::takeFinished()
 {
-    return RunnableChain(m_finished.takeAll());
+    return RunnableChain(finished.takeAll());
 }
 
 } // namespace Tessellum::Notification::utils

@@ -2,8 +2,8 @@
 
 #include <notification/utils/TrackedRunnable.h>
 
+#include <QList>
 #include <QMutex>
-#include <QStringList>
 
 #include <memory>
 
@@ -13,22 +13,22 @@ namespace Tessellum::Notification::utils {
 class RunnableList
 {
 public:
-    TrackedRunnable *first() const { return m_first; }
+    TrackedRunnable *first() const { return head; }
     void append(TrackedRunnable *item);
     void unlink(TrackedRunnable *item);
     /*! Gives away all items as a chain. */
     TrackedRunnable *takeAll();
 
 private:
-    TrackedRunnable *m_first = nullptr;
-    TrackedRunnable *m_last = nullptr;
+    TrackedRunnable *head = nullptr;
+    TrackedRunnable *tail = nullptr;
 };
 
 /*!
  * The record of a pool's runnables: those that are queued, in the order of their start, those that run, and
  * those that wait to be deleted. Each step costs the same however many there are.
  *
- * Lock: mutex() guards the lists, the links in the items and the link from an observer to its item. The
+ * Lock: mutex guards the lists, the links in the items and the link from an observer to its item. The
  * caller of every function here holds it. It is taken before the mutex of QThreadPool and after none; nothing
  * is deleted and no foreign code runs under it.
  */
@@ -46,7 +46,7 @@ public:
     ~RunnableTracker();
     Q_DISABLE_COPY(RunnableTracker)
 
-    QMutex &mutex() const { return m_mutex; }
+    mutable QMutex mutex;
 
     /*! Appends \a item to the queued ones; the tracker owns it from here on. */
     void add(std::unique_ptr<TrackedRunnable> item);
@@ -57,8 +57,7 @@ public:
     /*! Makes the running \a item a finished one. */
     void finish(TrackedRunnable *item, Leftovers &leftovers);
 
-    bool hasQueued() const { return m_queued.first() != nullptr; }
-    bool hasRunning() const { return m_running.first() != nullptr; }
+    bool hasRunning() const { return running.first() != nullptr; }
     /*! The descriptions of those that run now, \a limit at most, to be made into texts without the lock. */
     QList<TaskDescription> runningDescriptions(int limit) const;
     /*! Gives away the queued items, oldest first. */
@@ -69,10 +68,9 @@ public:
 private:
     void begin(TrackedRunnable *item);
 
-    mutable QMutex m_mutex;
-    RunnableList m_queued;
-    RunnableList m_running;
-    RunnableList m_finished;
+    RunnableList queued;
+    RunnableList running;
+    RunnableList finished;
 };
 
 } // namespace Tessellum::Notification::utils

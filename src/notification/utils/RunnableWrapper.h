@@ -14,10 +14,10 @@ template <class Runnable>
 class RunnableWrapper final : public TrackedRunnable
 {
 public:
-    RunnableWrapper(std::unique_ptr<Runnable> runnable, std::shared_ptr<ObserverCore> observer,
-                    std::shared_ptr<RunnableCounter> counter)
-        : TrackedRunnable(std::move(observer), std::move(counter), runnable->describe())
-        , m_runnable(std::move(runnable))
+    RunnableWrapper(std::unique_ptr<Runnable> wrapped, std::shared_ptr<ObserverCore> ended,
+                    std::shared_ptr<RunnableCounter> queued)
+        : TrackedRunnable(std::move(ended), std::move(queued), wrapped->describe())
+        , runnable(std::move(wrapped))
     { }
 
     ~RunnableWrapper() override { end(); }
@@ -25,13 +25,13 @@ public:
     /*! Runs the runnable, ends the observer, deletes the runnable. May run on a thread that waits for it. */
     void run() override
     {
-        m_runnable->run(); // catches all that is thrown in it
+        runnable->run(); // catches all that is thrown in it
         end();
-        m_runnable.reset();
+        runnable.reset();
     }
 
 private:
-    std::unique_ptr<Runnable> m_runnable;
+    std::unique_ptr<Runnable> runnable;
 };
 
 } // namespace Tessellum::Notification::utils

@@ -4,13 +4,13 @@
 
 namespace Tessellum::Notification::utils {
 
-TrackedRunnable::TrackedRunnable(std::shared_ptr<ObserverCore> observer,
-                                 std::shared_ptr<RunnableCounter> counter, TaskDescription description)
-    : m_observer(std::move(observer))
-    , m_counter(std::move(counter))
-    , m_description(std::move(description))
+TrackedRunnable::TrackedRunnable(std::shared_ptr<ObserverCore> ended, std::shared_ptr<RunnableCounter> queued,
+                                 TaskDescription text)
+    : observer(std::move(ended))
+    , counter(std::move(queued))
+    , description(std::move(text))
 {
-    m_counter->queued.fetch_add(1);
+    counter->count.fetch_add(1);
     setAutoDelete(false);
 }
 
@@ -18,21 +18,21 @@ TrackedRunnable::~TrackedRunnable() = default;
 
 void TrackedRunnable::leaveQueue()
 {
-    if (std::exchange(m_isQueued, false))
-        m_counter->queued.fetch_sub(1);
+    if (std::exchange(isQueued, false))
+        counter->count.fetch_sub(1);
 }
 
 void TrackedRunnable::end()
 {
     leaveQueue();
-    if (m_observer)
-        m_observer->end();
+    if (observer)
+        observer->end();
 }
 
 void ChainDeleter::operator()(TrackedRunnable *first) const
 {
     while (first)
-        delete std::exchange(first, first->m_next);
+        delete std::exchange(first, first->next);
 }
 
 } // namespace Tessellum::Notification::utils

@@ -17,7 +17,7 @@ struct ChainDeleter;
 /*! The number of runnables that are created and not yet begun, and how many have begun since ever. */
 struct RunnableCounter
 {
-    std::atomic<int> queued = 0;
+    std::atomic<int> count = 0;
     std::atomic<quint32> begun = 0;
 };
 
@@ -28,12 +28,12 @@ public:
     ~TrackedRunnable() override;
 
     /*! The description that the wrapped runnable had when this was made. */
-    QString getDescription() const override { return m_description.text(); }
+    QString getDescription() const override { return description.text(); }
 
 protected:
-    /*! Counts as queued from here on. \a observer may be null. */
-    TrackedRunnable(std::shared_ptr<ObserverCore> observer, std::shared_ptr<RunnableCounter> counter,
-                    TaskDescription description);
+    /*! Counts as queued from here on. \a ended is the observer, which may be null. */
+    TrackedRunnable(std::shared_ptr<ObserverCore> ended, std::shared_ptr<RunnableCounter> queued,
+                    TaskDescription text);
 
     /*! Takes the item off the queued count if it never began, and ends the observer if there is one. */
     void end();
@@ -45,12 +45,12 @@ private:
 
     void leaveQueue();
 
-    std::shared_ptr<ObserverCore> m_observer;
-    std::shared_ptr<RunnableCounter> m_counter;
-    TaskDescription m_description;
-    bool m_isQueued = true; // changed by the owner of the item: its maker, the tracker's mutex, who takes it
-    TrackedRunnable *m_previous = nullptr; // both guarded by the tracker's mutex
-    TrackedRunnable *m_next = nullptr;
+    std::shared_ptr<ObserverCore> observer;
+    std::shared_ptr<RunnableCounter> counter;
+    TaskDescription description;
+    bool isQueued = true; // changed by the owner of the item: its maker, the tracker's mutex, who takes it
+    TrackedRunnable *previous = nullptr; // both guarded by the tracker's mutex
+    TrackedRunnable *next = nullptr;
 };
 
 /*! Frees a chain of runnables. */

@@ -20,30 +20,30 @@ int LiteralLength(const QString &pattern)
 void WildcardIndex::add(const QString &pattern)
 {
     const int length = LiteralLength(pattern);
-    QStringList &patterns = m_patternsByPrefix[pattern.left(length)];
+    QStringList &patterns = patternsByPrefix[pattern.left(length)];
     patterns.insert(std::lower_bound(patterns.begin(), patterns.end(), pattern), pattern);
-    ++m_prefixLengths[length];
+    ++prefixLengths[length];
 }
 
 void WildcardIndex::remove(const QString &pattern)
 {
     const int length = LiteralLength(pattern);
-    const auto group = m_patternsByPrefix.find(pattern.left(length));
+    const auto group = patternsByPrefix.find(pattern.left(length));
     group->erase(std::lower_bound(group->begin(), group->end(), pattern));
     if (group->isEmpty())
-        m_patternsByPrefix.erase(group);
-    const auto count = m_prefixLengths.find(length);
+        patternsByPrefix.erase(group);
+    const auto count = prefixLengths.find(length);
     if (--*count == 0)
-        m_prefixLengths.erase(count);
+        prefixLengths.erase(count);
 }
 
 QStringList WildcardIndex::findMatching(const QString &path) const
 {
     QStringList found;
-    for (auto length = m_prefixLengths.keyBegin();
-         length != m_prefixLengths.keyEnd() && *length <= path.size(); ++length) {
-        const auto group = m_patternsByPrefix.constFind(QString::fromRawData(path.constData(), *length));
-        if (group == m_patternsByPrefix.cend())
+    for (auto length = prefixLengths.keyBegin(); length != prefixLengths.keyEnd() && *length <= path.size();
+         ++length) {
+        const auto group = patternsByPrefix.constFind(QString::fromRawData(path.constData(), *length));
+        if (group == patternsByPrefix.cend())
             continue;
         for (const QString &pattern : *group) {
             if (Shared::WildcardStringCompare(path.constData() + *length, pattern.constData() + *length))

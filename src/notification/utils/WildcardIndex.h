@@ -21,8 +21,8 @@ public:
     QStringList findMatching(const QString &path) const;
 
 private:
-    QHash<QString, QStringList> m_patternsByPrefix; // each list in ascending order
-    QMap<int, int> m_prefixLengths; // with the number of patterns that have it
+    QHash<QString, QStringList> patternsByPrefix; // each list in ascending order
+    QMap<int, int> prefixLengths; // with the number of patterns that have it
 };
 
 } // namespace Tessellum::Notification::utils

@@ -4,9 +4,9 @@
 
 namespace Tessellum::Notification::utils {
 
-WrappedNotificationHandle::WrappedNotificationHandle(std::shared_ptr<NotificationHandleBase> handle)
-    : m_handle(std::move(handle))
-    , m_weakHandle(m_handle)
+WrappedNotificationHandle::WrappedNotificationHandle(std::shared_ptr<NotificationHandleBase> owned)
+    : handle(std::move(owned))
+    , weakHandle(handle)
 { }
 
 WrappedNotificationHandle::~WrappedNotificationHandle()
@@ -16,58 +16,58 @@ WrappedNotificationHandle::~WrappedNotificationHandle()
 
 void WrappedNotificationHandle::invalidate()
 {
-    std::shared_ptr<NotificationHandleBase> handle = m_weakHandle.lock();
+    const std::shared_ptr<NotificationHandleBase> inner = weakHandle.lock();
     std::shared_ptr<NotificationHandleBase> owned;
     {
-        const QWriteLocker locker(&m_lock);
-        owned.swap(m_handle);
+        const QWriteLocker locker(&lock);
+        owned.swap(handle);
     }
     // Behind the lock: the running handler may use this very object. Also where another thread let the handle
     // go before, since each call promises that the handler has ended.
-    if (handle)
-        handle->invalidate();
+    if (inner)
+        inner->invalidate();
 }
 
 bool WrappedNotificationHandle::isValid() const
 {
-    const auto handle = m_weakHandle.lock();
-    return handle && handle->isValid();
+    const auto inner = weakHandle.lock();
+    return inner && inner->isValid();
 }
 
 int WrappedNotificationHandle::getHandleType() const
 {
-    const auto handle = m_weakHandle.lock();
-    return handle ? handle->getHandleType() : 0;
+    const auto inner = weakHandle.lock();
+    return inner ? inner->getHandleType() : 0;
 }
 
 bool WrappedNotificationHandle::isEnabled() const
 {
-    const auto handle = m_weakHandle.lock();
-    return handle && handle->isEnabled();
+    const auto inner = weakHandle.lock();
+    return inner && inner->isEnabled();
 }
 
 QString WrappedNotificationHandle::getUuid() const
 {
-    const auto handle = m_weakHandle.lock();
-    return handle ? handle->getUuid() : QString();
+    const auto inner = weakHandle.lock();
+    return inner ? inner->getUuid() : QString();
 }
 
 QString WrappedNotificationHandle::getPath() const
 {
-    const auto handle = m_weakHandle.lock();
-    return handle ? handle->getPath() : QString();
+    const auto inner = weakHandle.lock();
+    return inner ? inner->getPath() : QString();
 }
 
 bool WrappedNotificationHandle::setEnabled(const bool &enabled)
 {
-    const auto handle = m_weakHandle.lock();
-    return handle && handle->setEnabled(enabled);
+    const auto inner = weakHandle.lock();
+    return inner && inner->setEnabled(enabled);
 }
 
 std::shared_ptr<NotificationHandleBase> WrappedNotificationHandle::getHandle() const
 {
-    const QReadLocker locker(&m_lock);
-    return m_handle;
+    const QReadLocker locker(&lock);
+    return handle;
 }
 
 } // namespace Tessellum::Notification::utils

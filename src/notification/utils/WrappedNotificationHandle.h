@@ -41,9 +41,9 @@ public:
     std::shared_ptr<NotificationHandleBase> getHandle() const override;
 
 private:
-    std::shared_ptr<NotificationHandleBase> m_handle;
-    const std::weak_ptr<NotificationHandleBase> m_weakHandle;
-    mutable QReadWriteLock m_lock;
+    std::shared_ptr<NotificationHandleBase> handle;
+    const std::weak_ptr<NotificationHandleBase> weakHandle;
+    mutable QReadWriteLock lock;
 };
 
 } // namespace Tessellum::Notification::utils

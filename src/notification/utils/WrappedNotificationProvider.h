@@ -32,10 +32,10 @@ public:
     bool unregisterDeleteHandler(const QString &uuid) override;
 
 private:
-    std::shared_ptr<NotificationProvider> provider() const;
+    std::shared_ptr<NotificationProvider> heldProvider() const;
 
-    const std::weak_ptr<NotificationProvider> m_provider;
-    QReadWriteLock *const m_lock;
+    const std::weak_ptr<NotificationProvider> provider;
+    QReadWriteLock *const lock;
 };
 
 } // namespace Tessellum::Notification::utils
