@@ -198,10 +198,9 @@ void ThreadPoolTest::doneIncludesWhatOthersTookOver()
 {
     FunctionPool pool;
     FunctionPool other;
-    pool.setMaxThreadCount(0); // one thread stays
+    pool.setMaxThreadCount(0); // one thread stays, and twice nothing does not grow
     Blockade blockade(pool, 1);
     QVERIFY(blockade.holds());
-    pool.setMaxThreadCount(1);
     QSemaphore begun;
     QSemaphore goOn;
     other.run([&](UpdateObserver &) {
