@@ -22,15 +22,15 @@ bool Examiner::addConnection(const std::shared_ptr<utils::WrappedNotificationHan
     return true;
 }
 
-bool Examiner::removeConnection(const QString &uuid)
+bool Examiner::removeConnection(const QString &handleUuid)
 {
-    return takeConnection(uuid) != nullptr;
+    return takeConnection(handleUuid) != nullptr;
 }
 
-std::shared_ptr<ExaminerConnection> Examiner::takeConnection(const QString &uuid)
+std::shared_ptr<ExaminerConnection> Examiner::takeConnection(const QString &handleUuid)
 {
     const QWriteLocker locker(&lock);
-    return connections.take(uuid);
+    return connections.take(handleUuid);
 }
 
 QList<std::shared_ptr<ExaminerConnection>> Examiner::getConnections() const
