@@ -53,8 +53,8 @@ void HandlerPool::watch()
         watcher = std::thread([this, end] { watchQueue(*end); });
         endWatcher = std::move(end);
     } catch (const std::system_error &) {
-        watching
-            = false; // the next notification tries again; without threads there is nothing to raise anyway
+        // The next notification tries again; without threads there is nothing to raise anyway.
+        watching = false;
     }
 }
 
