@@ -2,7 +2,7 @@
 #include <core/Library.h>
 #include <core/TessellumImplementation.h>
 #include <core/utils/LibraryHash.h>
-#include <core/utils/ThreadRecord.h>
+#include <core/utils/ThreadData.h>
 #include <notification/ThreadPool.h>
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
@@ -13,6 +13,7 @@
 #include <chrono>
 #include <future>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -47,13 +48,13 @@ bool runStart()
         qint32 expected = Running;
         libraryState.compare_exchange_strong(expected, NotInitialised);
     }
-    Core::utils::CurrentThreadRecord().coreObject->createRepositories();
+    Core::utils::currentThreadData().coreObject->createRepositories();
     return started;
 }
 
 void runStop()
 {
-    Core::utils::CurrentThreadRecord().coreObject->releaseRepositories();
+    Core::utils::currentThreadData().coreObject->releaseRepositories();
     Core::stopCore();
     structuresUp = false;
 }
@@ -76,13 +77,23 @@ public:
         // On a thread of its own: a handler that never ends must not keep the process from ending.
         std::packaged_task<void()> stop([] {
             const std::lock_guard<std::mutex> guard(lifecycleMutex);
+            if (!structuresUp)
+                return; // a stop of the application's was under way
             libraryState = ShuttingDown;
             runStop();
             libraryState = NotInitialised;
         });
         const std::future<void> stopped = stop.get_future();
-        std::thread(std::move(stop)).detach();
-        stopped.wait_for(longestStopAtExit);
+        try {
+            std::thread thread(std::move(stop));
+            // What a thread does at its very end must not meet the static destructors that come next.
+            if (stopped.wait_for(longestStopAtExit) == std::future_status::ready)
+                thread.join();
+            else
+                thread.detach();
+        } catch (const std::system_error &) {
+            // No thread is to be had, and the process ends without the stop.
+        }
     }
 };
 
@@ -122,14 +133,14 @@ Tessellum::Core::CoreInterface *getCoreInterface()
 {
     if (libraryState != Running)
         return nullptr;
-    return Core::utils::CurrentThreadRecord().coreObject.get();
+    return Core::utils::currentThreadData().coreObject.get();
 }
 
 bool getLocalizationInterface(std::weak_ptr<Tessellum::Core::CoreLocalizationInterface> &out)
 {
     if (libraryState != Running)
         return false;
-    out = Core::utils::CurrentThreadRecord().localizationProvider;
+    out = Core::utils::currentThreadData().localizationProvider;
     return !out.expired();
 }
 
