@@ -12,6 +12,7 @@
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
+#include <QCoreApplication>
 #include <QThread>
 
 #include <utility>
@@ -104,6 +105,17 @@ bool addMissingTypes(const QString &list, const QStringList &keys, const QString
     return true;
 }
 
+/*! Lets go of \a keeper and returns when the nodes beneath it are gone. */
+void endNodes(NodePtr &keeper)
+{
+    RepositoryHierarchyThreadProvider *const events = RepositoryHierarchyThreadProvider::getInstance();
+    // Nobody delivers events then, and the nodes die on this thread: the other one must be out of them.
+    if (!QCoreApplication::instance())
+        events->quitAndJoin();
+    keeper.reset();
+    events->barrier();
+}
+
 } // namespace
 
 bool registerMetatypes()
@@ -186,8 +198,7 @@ bool stopCore()
     NodePtr keeper = Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>();
     Notification::setNotificationPoolRunning(false);
     RepositoryProvider::getInstance()->setRepositoryActive(keeper, true);
-    keeper.reset();
-    RepositoryHierarchyThreadProvider::getInstance()->barrier();
+    endNodes(keeper);
     return true;
 }
 

@@ -60,7 +60,8 @@ bool RepositoryHierarchyThreadProvider::waitForRound(const QDeadlineTimer &deadl
     QMetaObject::invokeMethod(
         marker.get(), [passed] { passed->release(); }, Qt::QueuedConnection);
     while (!passed->tryAcquire(1, EndCheckMilliseconds)) {
-        if (!thread->isRunning())
+        // The application object may end meanwhile, and takes the delivery of the mark with it.
+        if (!thread->isRunning() || !QCoreApplication::instance())
             return true;
         if (deadline.hasExpired())
             return false;
