@@ -25,19 +25,27 @@ bool TessellumImplementation::createRepositories()
 {
     if (!localization)
         return false;
+    const QWriteLocker locker(&Core::appConfigLock());
     const std::shared_ptr<AppConfig::ManagedRepository> present = std::atomic_load(&appConfigRepository);
-    if (present && !present->isExpired())
-        return true;
-    // Made with the lock free, since its constructor fetches the providers under the read lock.
-    std::atomic_store(&appConfigRepository,
-                      std::make_shared<AppConfig::ManagedRepository>(localization, &Core::appConfigLock()));
+    if (!present || present->isExpired()) {
+        std::atomic_store(
+            &appConfigRepository,
+            std::make_shared<AppConfig::ManagedRepository>(localization, &Core::appConfigLock()));
+    }
     return true;
 }
 
 void TessellumImplementation::releaseRepositories()
 {
-    std::atomic_store(&appConfigRepository, std::shared_ptr<AppConfig::ManagedRepository>());
-    std::atomic_store(&appDataRepository, std::shared_ptr<AppData::Interfaces::RepositoryInterface>());
+    // What is let go of ends after the lock.
+    std::shared_ptr<AppConfig::ManagedRepository> configuration;
+    std::shared_ptr<AppData::Interfaces::RepositoryInterface> data;
+    {
+        const QWriteLocker locker(&Core::appConfigLock());
+        configuration = std::atomic_exchange(&appConfigRepository, configuration);
+    }
+    const QWriteLocker locker(&Core::appDataLock());
+    data = std::atomic_exchange(&appDataRepository, data);
 }
 
 } // namespace Tessellum
