@@ -59,6 +59,7 @@ private Q_SLOTS:
     void everyStartGivesTheSameTree();
     void failedStart();
     void stopInsideHandlerIsRefused();
+    void stopWaitsForTheRunningHandler();
     void threadsRace();
 };
 
@@ -195,6 +196,33 @@ void LibraryTest::stopInsideHandlerIsRefused()
     QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
     const QMutexLocker locker(&mutex);
     QCOMPARE(criticals.size(), 1);
+}
+
+void LibraryTest::stopWaitsForTheRunningHandler()
+{
+    using Notification::UpdateResult;
+    QCOMPARE(initializeLibrary(), 0);
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    const auto manipulation = repository->getManipulationInterface();
+    const auto update = [&manipulation] {
+        return manipulation->updateAttribute(QStringLiteral("a"), 2, Notification::UpdatePoint::Done);
+    };
+    QSemaphore running;
+    std::atomic<int> updated{-1};
+    const auto handle = repository->getNotificationInterface()->registerCreateHandler(
+        QStringLiteral("a"),
+        [&](const QString &, const Notification::CreatePoint &, const bool &) {
+            running.release();
+            while (getCoreInterface())
+                std::this_thread::yield();
+            updated = static_cast<int>(update()); // the tree stands as long as a handler runs
+        },
+        Notification::CreatePoint::Done);
+    QVERIFY(manipulation->createAttribute(QStringLiteral("a"), 1, Notification::CreatePoint::Done, 3));
+    QVERIFY(running.tryAcquire(1, 30000));
+    QCOMPARE(uninitializeLibrary(), 1);
+    QCOMPARE(updated.load(), static_cast<int>(UpdateResult::Ok));
+    QCOMPARE(update(), UpdateResult::NodeGone);
 }
 
 void LibraryTest::threadsRace()
