@@ -7,6 +7,18 @@
 
 namespace Tessellum::Tool {
 
+namespace {
+
+constexpr int usageWidth = 46;
+
+QString helpLine(const char *name, const char *usage, const char *meaning)
+{
+    const QString call = QStringLiteral("%1 %2").arg(QLatin1String(name), QLatin1String(usage));
+    return QStringLiteral("  %1 %2\n").arg(call.leftJustified(usageWidth), QLatin1String(meaning));
+}
+
+} // namespace
+
 Shell::Shell()
     : watches(lines)
 { }
@@ -64,24 +76,31 @@ QJsonObject Shell::execute(const ShellCommand &command)
 const QVector<Shell::Entry> &Shell::Entries()
 {
     static const QVector<Entry> entries = {
-        {"start", "", 0, 0, &Shell::start},
-        {"stop", "", 0, 0, &Shell::stop},
-        {"backend", "TYPE NAME [DATA [ACCESS]]", 2, 4, &Shell::createBackend},
-        {"backends", "", 0, 0, &Shell::listBackends},
-        {"save", "NAME", 1, 1, &Shell::saveBackend},
-        {"query", "PATTERN", 1, 1, &Shell::query},
-        {"get", "PATH [METATYPE]", 1, 2, &Shell::get},
-        {"create", "PATH [VALUE [POINT [ACCESS]]]", 1, 4, &Shell::create},
-        {"update", "PATH VALUE [POINT]", 2, 3, &Shell::update},
-        {"delete", "PATH [POINT]", 1, 2, &Shell::remove},
-        {"watch", "create|update|delete PATTERN [POINT]", 2, 3, &Shell::watch},
-        {"unwatch", "[NUMBER]", 0, 1, &Shell::unwatch},
-        {"validations", "", 0, 0, &Shell::listValidations},
-        {"assign", "PATTERN VALIDATION", 2, 2, &Shell::assignValidation},
-        {"unassign", "PATTERN VALIDATION", 2, 2, &Shell::removeValidation},
-        {"log", "verbose|debug|log|warning|critical|fatal", 1, 1, &Shell::setLogLevel},
-        {"locale", "[NAME]", 0, 1, &Shell::locale},
-        {"help", "", 0, 0, &Shell::help},
+        {"start", "", "start the library", 0, 0, &Shell::start},
+        {"stop", "", "end the watches and stop the library", 0, 0, &Shell::stop},
+        {"backend", "TYPE NAME [DATA [ACCESS]]",
+         "create a backend; DATA is what its type takes, such as a file", 2, 4, &Shell::createBackend},
+        {"backends", "", "the backends, and the types that can be created", 0, 0, &Shell::listBackends},
+        {"save", "NAME", "write a backend's values to its source", 1, 1, &Shell::saveBackend},
+        {"query", "PATTERN", "the attributes that match", 1, 1, &Shell::query},
+        {"get", "PATH [METATYPE]", "one value, converted to the type of that name or number", 1, 2,
+         &Shell::get},
+        {"create", "PATH [VALUE [POINT [ACCESS]]]",
+         "create an attribute, or overwrite it; ACCESS: 1 read, 2 write, 3 both", 1, 4, &Shell::create},
+        {"update", "PATH VALUE [POINT]", "set a value", 2, 3, &Shell::update},
+        {"delete", "PATH [POINT]", "delete an attribute and all beneath it", 1, 2, &Shell::remove},
+        {"watch", "create|update|delete PATTERN [POINT]", "tell what happens to matching paths", 2, 3,
+         &Shell::watch},
+        {"unwatch", "[NUMBER]", "end one watch, or all", 0, 1, &Shell::unwatch},
+        {"validations", "", "the ids of the validations", 0, 0, &Shell::listValidations},
+        {"assign", "PATTERN VALIDATION", "assign a validation to matching attributes", 2, 2,
+         &Shell::assignValidation},
+        {"unassign", "PATTERN VALIDATION", "take a validation from matching attributes", 2, 2,
+         &Shell::removeValidation},
+        {"log", "verbose|debug|log|warning|critical|fatal", "set the least level that is logged", 1, 1,
+         &Shell::setLogLevel},
+        {"locale", "[NAME]", "the locales; with a name, set the default", 0, 1, &Shell::locale},
+        {"help", "", "this list", 0, 0, &Shell::help},
     };
     return entries;
 }
@@ -90,16 +109,15 @@ QString Shell::Help()
 {
     QString text;
     for (const Entry &entry : Entries())
-        text += QStringLiteral("  %1 %2\n")
-                    .arg(QString::fromLatin1(entry.name), QString::fromLatin1(entry.usage));
-    return text + QStringLiteral("  quit\n");
+        text += helpLine(entry.name, entry.usage, entry.meaning);
+    return text + helpLine("quit", "", "end the shell");
 }
 
 QJsonObject Shell::help(const Arguments &)
 {
     QJsonArray commands;
     for (const QString &line : Help().split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        commands.append(line.trimmed());
+        commands.append(line.simplified());
     return {{QStringLiteral("commands"), commands}};
 }
 

@@ -24,7 +24,7 @@ public:
     /*! Reads \a input to its end, or to "quit". The gravest exit code that a command gave. */
     int run(std::istream &input);
 
-    /*! The commands with their arguments, one a line. */
+    /*! The commands with their arguments and what they do, one a line. */
     static QString Help();
 
 private:
@@ -32,6 +32,7 @@ private:
     {
         const char *name;
         const char *usage;
+        const char *meaning;
         int least; ///< how many arguments it takes
         int most;
         QJsonObject (Shell::*run)(const Arguments &arguments);
