@@ -12,6 +12,9 @@
 #include <utility>
 #include <vector>
 
+// Declared before the first use in a column of a data table.
+Q_DECLARE_METATYPE(QMutex::RecursionMode)
+
 using namespace Shared::Synchronization;
 
 namespace {
@@ -192,8 +195,6 @@ void LockableTest::atomicExchange()
     QVERIFY(exchange.commit());
     QVERIFY(!exchange.isLocked());
 }
-
-Q_DECLARE_METATYPE(QMutex::RecursionMode)
 
 QTEST_GUILESS_MAIN(LockableTest)
 #include "LockableTest.moc"
