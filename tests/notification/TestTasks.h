@@ -48,13 +48,13 @@ private:
 class FunctionPool : public ThreadPool
 {
 public:
-    explicit FunctionPool(bool stopped = false)
+    explicit FunctionPool(bool beginsStopped = false)
         : ThreadPool(
             QStringLiteral("FunctionPool"), {},
             [](const NodePointer &node, const QVariant &value, UpdatePoint waitPoint) {
                 return std::make_unique<FunctionTask>(node, value, waitPoint);
             },
-            {}, QThread::idealThreadCount(), stopped)
+            {}, QThread::idealThreadCount(), beginsStopped)
     { }
 
     std::shared_ptr<UpdateObserver> run(const UpdateBody &body, UpdatePoint waitPoint = UpdatePoint::Done)
