@@ -8,9 +8,11 @@
 #include <shared/logging/LogHandler.h>
 
 #include <QCoreApplication>
+#include <QTextCodec>
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <future>
 #include <mutex>
 #include <system_error>
@@ -59,45 +61,45 @@ void runStop()
     structuresUp = false;
 }
 
-/*!
- * Stops the library where the application did not, so that no thread of it runs into the end of the process.
- * Made at load, so that it ends after whatever the application makes later.
+/*! Stops the library where the application did not, so that no thread of it runs into the end of the process.
  */
-class ExitHook
+void stopAtExit()
 {
-public:
-    // The log shall close after the stop, which still writes to it.
-    ExitHook() { Shared::Logging::LogHandler::PrepareExit(); }
-    Q_DISABLE_COPY_MOVE(ExitHook)
-    ~ExitHook()
-    {
-        const bool isOwnProcess = startedBy == QCoreApplication::applicationPid();
-        if (!structuresUp || !isOwnProcess || isCalledByTaskOrHandler())
-            return;
-        // On a thread of its own: a handler that never ends must not keep the process from ending.
-        std::packaged_task<void()> stop([] {
-            const std::lock_guard<std::mutex> guard(lifecycleMutex);
-            if (!structuresUp)
-                return; // a stop of the application's was under way
-            libraryState = ShuttingDown;
-            runStop();
-            libraryState = NotInitialised;
-        });
-        const std::future<void> stopped = stop.get_future();
-        try {
-            std::thread thread(std::move(stop));
-            // What a thread does at its very end must not meet the static destructors that come next.
-            if (stopped.wait_for(longestStopAtExit) == std::future_status::ready)
-                thread.join();
-            else
-                thread.detach();
-        } catch (const std::system_error &) {
-            // No thread is to be had, and the process ends without the stop.
-        }
+    const bool isOwnProcess = startedBy == QCoreApplication::applicationPid();
+    if (!structuresUp || !isOwnProcess || isCalledByTaskOrHandler())
+        return;
+    // On a thread of its own: a handler that never ends must not keep the process from ending.
+    std::packaged_task<void()> stop([] {
+        const std::lock_guard<std::mutex> guard(lifecycleMutex);
+        if (!structuresUp)
+            return; // a stop of the application's was under way
+        libraryState = ShuttingDown;
+        runStop();
+        libraryState = NotInitialised;
+    });
+    const std::future<void> stopped = stop.get_future();
+    try {
+        std::thread thread(std::move(stop));
+        // What a thread does at its very end must not meet the static destructors that come next.
+        if (stopped.wait_for(longestStopAtExit) == std::future_status::ready)
+            thread.join();
+        else
+            thread.detach();
+    } catch (const std::system_error &) {
+        // No thread is to be had, and the process ends without the stop.
     }
-};
+}
 
-const ExitHook exitHook;
+/*!
+ * At the first start, not at load: what Qt made at first use until then outlives the hook, and without the
+ * codecs a thread that is just starting would crash.
+ */
+void prepareExit()
+{
+    QTextCodec::codecForLocale(); // the starting threads ask for it too
+    static const bool registered = std::atexit(stopAtExit) == 0;
+    Q_UNUSED(registered)
+}
 
 } // namespace
 
@@ -110,7 +112,9 @@ int initializeLibrary()
     if (!libraryState.compare_exchange_strong(expected, Running))
         return 1;
     Shared::Logging::LogHandler::SetLogIdentification(QStringLiteral("CORE"));
-    return runStart() ? 0 : -1;
+    const bool started = runStart();
+    prepareExit();
+    return started ? 0 : -1;
 }
 
 int uninitializeLibrary()

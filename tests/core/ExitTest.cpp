@@ -17,7 +17,7 @@ void ExitTest::processEnds_data()
     QTest::addColumn<QByteArray>("output");
     QTest::newRow("without a stop") << QStringLiteral("no-stop") << QByteArray();
     QTest::newRow("stop in a static destructor")
-        << QStringLiteral("late-stop") << QByteArray("late stop 1\n");
+        << QStringLiteral("late-stop") << QByteArray("late stop 0\n");
     QTest::newRow("exit inside a handler") << QStringLiteral("exit-in-handler") << QByteArray();
     QTest::newRow("a handler that never ends") << QStringLiteral("endless-handler") << QByteArray();
     QTest::newRow("fork before the start") << QStringLiteral("fork-before-start") << QByteArray();
