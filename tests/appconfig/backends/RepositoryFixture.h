@@ -5,12 +5,13 @@
 #include <appconfig/utils/AttributesQueryProvider.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
 #include <appconfig/utils/RepositoryProvider.h>
+#include <notification/RepositoryHierarchyThreadProvider.h>
 #include <shared/logging/LogHandler.h>
 
 #include <QMap>
 #include <QMutex>
 
-/// The repository, active for the length of a test, and what the backends' classes log meanwhile.
+// The repository, active for the length of a test, and what the backends' classes log meanwhile.
 class RepositoryFixture
 {
 public:
@@ -31,6 +32,9 @@ public:
     ~RepositoryFixture()
     {
         repository().setRepositoryActive(keeper, true);
+        keeper.reset();
+        // The nodes die on the event thread, and need the application object for that.
+        Tessellum::Core::RepositoryHierarchyThreadProvider::getInstance()->barrier();
         Shared::Logging::LogHandler::UnregisterMessageSink(sink);
     }
     Q_DISABLE_COPY(RepositoryFixture)
@@ -59,7 +63,7 @@ public:
     {
         return repository().getRoot()->findChildByRelativePath(path);
     }
-    /// The values beneath \a path by their path relative to it.
+    // The values beneath \a path by their path relative to it.
     Values values(const QString &path)
     {
         Values found;
@@ -72,7 +76,7 @@ public:
         return found;
     }
 
-    /// The lines of the level since the last call, of all levels.
+    // The lines of the level since the last call, of all levels.
     QStringList takeLog(Shared::Logging::LogMessageType level)
     {
         const QMutexLocker lock(&mutex);
