@@ -24,9 +24,9 @@ class AttributeUpdateTask : public Notification::UpdateTask
 public:
     using Examiners = std::shared_ptr<Notification::ExaminerRegistration<Notification::UpdatePoint>>;
 
-    AttributeUpdateTask(const Examiners &examiner,
-                        const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node, const QVariant &value,
-                        const Notification::UpdatePoint &waitPoint);
+    AttributeUpdateTask(const Examiners &updateExaminer,
+                        const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &attribute,
+                        const QVariant &newValue, const Notification::UpdatePoint &waitPoint);
 
     Notification::UpdateObserver::ResultType runUpdate() override;
     std::shared_ptr<Notification::UpdateObserver> getObserver() override;

@@ -24,7 +24,7 @@ QByteArray ReadAll(QFile &file)
         return file.readAll();
     QByteArray text;
     while (text.size() < LargestDeviceText) {
-        const QByteArray part = file.read(1024 * 1024);
+        const QByteArray part = file.read(qint64(1024) * 1024);
         if (part.isEmpty())
             break;
         text += part;

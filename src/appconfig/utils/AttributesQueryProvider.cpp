@@ -51,8 +51,8 @@ QList<std::shared_ptr<Attribute>> AttributesQueryProvider::findAttributes(const 
 {
     QList<std::shared_ptr<Attribute>> result;
     for (const auto &node : root->queryChildren<HierarchyNode>(pattern)) {
-        if (auto attribute = std::dynamic_pointer_cast<Attribute>(node))
-            result.append(std::move(attribute));
+        if (const auto attribute = std::dynamic_pointer_cast<Attribute>(node))
+            result.append(attribute);
     }
     return result;
 }

@@ -18,8 +18,9 @@ class RepositoryBackendProvider : public InternalSettingsProvider,
 public:
     using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
 
-    RepositoryBackendProvider(const NodePtr &root, const std::shared_ptr<Core::HierarchyListPattern> &names,
-                              Notification::ThreadPool *pool);
+    RepositoryBackendProvider(const NodePtr &repositoryRoot,
+                              const std::shared_ptr<Core::HierarchyListPattern> &nameList,
+                              Notification::ThreadPool *taskPool);
 
     bool createBackend(const QString &type, const QString &name,
                        const Backends::BackendCreateDataDetails &details,

@@ -35,7 +35,7 @@ public:
     LogMessageContainer(const LogMessageContainer &other);
     LogMessageContainer &operator=(const LogMessageContainer &) = delete;
     /*! The last copy hands the message to LogHandler::LogMessage(). */
-    virtual ~LogMessageContainer();
+    ~LogMessageContainer() override;
 
     /*! Adds value to the text, with nothing before or behind it. */
     template <typename T>

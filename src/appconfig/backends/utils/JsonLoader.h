@@ -17,8 +17,8 @@ public:
     /*! The most elements of a path: as deep as a document may be, however many separators a key holds. */
     static constexpr int MaximumDepth = 1024;
 
-    /*! Appends to \a attributes, whose paths are joined by \a pathSeparator; neither may change meanwhile. */
-    JsonLoader(const QString &pathSeparator, Attributes::AttributesCreateData &attributes);
+    /*! Appends to \a target, whose paths are joined by \a pathSeparator; neither may change meanwhile. */
+    JsonLoader(const QString &pathSeparator, Attributes::AttributesCreateData &target);
 
     /*! The number of attributes that came of \a document. */
     int loadDocument(const QJsonDocument &document);
