@@ -30,4 +30,19 @@ std::shared_ptr<T> MakeNode(Arguments &&...arguments)
     return std::shared_ptr<T>(node.release(), NodeReleaser());
 }
 
+/*! The deleter of the other objects that live on the event thread: they die there, as nodes do. */
+struct TESSELLUM_EXPORT EventThreadReleaser
+{
+    void operator()(QObject *object) const;
+};
+
+/*! Makes an object of class \a T, no node, that lives on the event thread and dies there. */
+template <class T, class... Arguments>
+std::shared_ptr<T> MakeEventThreadObject(Arguments &&...arguments)
+{
+    auto object = std::make_unique<T>(std::forward<Arguments>(arguments)...);
+    Core::RepositoryHierarchyThreadProvider::getInstance()->moveToEventThread(object.get());
+    return std::shared_ptr<T>(object.release(), EventThreadReleaser());
+}
+
 } // namespace Tessellum::Notification::utils

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <appdata/data/entries/ClassificationNameEntry.h>
+
+#include <QMutex>
+
+/*!
+ * The pairs of classification and name: the attribute at a pair's path links to the node of the pair first
+ * and then to its entries.
+ *
+ * Lock: pairMutex() of the RepositoryProvider makes each change of a link, of a pair's node and of a
+ * storage's name one step. It is taken before the locks of nodes and never held across a wait.
+ */
+namespace Tessellum::AppData::Data::Entries::utils {
+
+/*! Links \a entry to its pair, which is made where it is missing; null, and \a entry is off the tree and off
+ * its medium, where that fails. */
+std::shared_ptr<ClassificationNameEntry> LinkEntryToPair(const std::shared_ptr<Entry> &entry);
+/*! Takes \a entry and the references to its elements out of its pair; a pair without entries goes, with the
+ * attributes that show its status. The entry itself stays as it is. */
+void UnlinkEntryFromPair(const std::shared_ptr<Entry> &entry);
+/*! The node of the pair at \a pairPath below the root; null without one. */
+std::shared_ptr<ClassificationNameEntry> FindPair(const QString &pairPath);
+/*! The living entries of the pair in the order of the link. */
+QList<std::shared_ptr<Entry>> EntriesOfPair(const QString &pairPath);
+
+} // namespace Tessellum::AppData::Data::Entries::utils
