@@ -4,6 +4,8 @@
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
+#include <atomic>
+
 namespace Tessellum::AppData::Data::Elements {
 class Element;
 }
@@ -64,8 +66,13 @@ public:
     std::shared_ptr<Storages::Storage> getStorage() const;
     /*! Classification and name as one path below the root of the repository. */
     QString getPairPath() const;
+    /*! Whether the entry is linked to its pair, so that references to its elements may be made. Changed under
+     * the pairMutex() of the repository alone. */
+    bool isLinked() const { return linked.load(std::memory_order_acquire); }
+    void setLinked(bool isInPair) { linked.store(isInPair, std::memory_order_release); }
 
 private:
+    std::atomic<bool> linked = false;
     const std::unique_ptr<utils::ElementTimeIndex> elementTimes;
     const std::shared_ptr<EntryQueryProvider> queryProvider;
     std::shared_ptr<EntryManipulationProvider> manipulationProvider;

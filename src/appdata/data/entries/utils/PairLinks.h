@@ -13,8 +13,8 @@
  */
 namespace Tessellum::AppData::Data::Entries::utils {
 
-/*! Links \a entry to its pair, which is made where it is missing; null, and \a entry is off the tree and off
- * its medium, where that fails. */
+/*! Links \a entry to its pair, which is made where it is missing; null, and \a entry is off the tree, where
+ * that fails. */
 std::shared_ptr<ClassificationNameEntry> LinkEntryToPair(const std::shared_ptr<Entry> &entry);
 /*! Takes \a entry and the references to its elements out of its pair; a pair without entries goes, with the
  * attributes that show its status. The entry itself stays as it is. */
