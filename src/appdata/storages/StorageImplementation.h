@@ -19,16 +19,22 @@ enum class StorageNotification : quint32 { Unknown = 0 };
  *
  * The contract:
  * - Calls come from any thread at any time, also several at once and also while the medium is not connected;
- *   the implementation locks itself and holds no lock while it emits a signal.
+ *   the implementation locks itself and holds no lock while it emits a signal or logs.
  * - It never calls back into the library from an operation, and no operation waits without an end.
  * - A failure is a false, an empty result or a count of 0, with a WARNING that names the cause; nothing
- *   throws. After a failure the medium is as it was before the call, and later calls work once the cause has
- *   gone.
+ *   throws. An outage may be told once instead of with every call that it spoils. After a failure the medium
+ *   is as it was before the call, and later calls work once the cause has gone.
+ * - An unknown entry or element is no failure of the medium: false, an empty result or 0, without a line.
+ *   serializeElement() of an unknown entry is false, and so is an update of an unknown element.
  * - Uuids are opaque texts, raw bytes are kept as they are, time stamps use all 64 bits and sort unsigned.
+ *   A key that was not given is not there when the element is read.
  * - getElementIds() lists in the order in which the elements were serialized.
- * - What an operation has returned true for is seen by every later call, from any thread.
- * - A repeated serializeEntry() or serializeElement() of a known uuid replaces the record and keeps its
- * place.
+ * - What an operation has returned true for is seen by every later call, from any thread, also where it is
+ *   only queued for the medium. An update of several values is seen whole or not at all.
+ * - A repeated serializeEntry() or serializeElement() of a known uuid replaces the record, keeps its place,
+ *   and leaves the entry's elements as they are. A removed entry that comes back has no elements.
+ * - Out-parameters of getEntries() and getElementIds() hold the result alone; those of deserializeEntry() and
+ *   deserializeElement() are changed where the result is true.
  *
  * Ownership: shared with the storage's node; it ends on the event thread.
  */

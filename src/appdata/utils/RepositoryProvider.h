@@ -1,10 +1,9 @@
 #pragma once
 
 #include <appdata/interfaces/RepositoryInterface.h>
-#include <appdata/storages/StorageImplementation.h>
+#include <appdata/storages/StorageFactory.h>
 #include <notification/ThreadPool.h>
 #include <notification/utils/NotificationProvider.h>
-#include <shared/synchronization/Factory.h>
 #include <shared/synchronization/Singleton.h>
 
 namespace Tessellum::AppData::utils {
@@ -22,13 +21,9 @@ class RepositoryStorageProvider;
  * they answer empty. pairMutex() makes each change of a pair's link, a pair's node and a storage's name one
  * step: taken after appDataLock, before the locks of nodes, and never held across a wait.
  */
-class RepositoryProvider
-    : public Interfaces::RepositoryInterface,
-      public Shared::Singleton<RepositoryProvider>,
-      public Shared::Factory<Storages::StorageImplementation, QString,
-                             std::shared_ptr<Storages::StorageImplementation>,
-                             std::function<std::shared_ptr<Storages::StorageImplementation>(
-                                 const Storages::StorageCreateData &)>>
+class RepositoryProvider : public Interfaces::RepositoryInterface,
+                           public Shared::Singleton<RepositoryProvider>,
+                           public Storages::StorageFactory
 {
     friend class Shared::Singleton<RepositoryProvider>;
 
