@@ -8,6 +8,9 @@
 #include <QThread>
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <vector>
 
 namespace Shared::Hierarchy {
 
@@ -58,35 +61,62 @@ private:
     QRegExp expression;
 };
 
-void query(HierarchyNode &node, const QStringList &elements, int first, NodeList &found);
-
 // A reference has no children of its own: what it shows are those of its target.
-void queryBelow(HierarchyNode &node, const QStringList &elements, int first, NodeList &found)
+NodeList matchesBelow(HierarchyNode &node, const ElementPattern &pattern)
 {
     const auto reference = dynamic_cast<HierarchyNodeReference *>(&node);
     if (!reference)
-        query(node, elements, first, found);
-    else if (const auto target = reference->findChildByRelativePath(QString()))
-        query(*target, elements, first, found);
+        return pattern.matchesAmongChildren(node);
+    const auto target = reference->findChildByRelativePath(QString());
+    return target ? pattern.matchesAmongChildren(*target) : NodeList();
 }
 
-void query(HierarchyNode &node, const QStringList &elements, int first, NodeList &found)
+// The elements up to the first empty one, which ends a search path, and whether there is none.
+struct SearchPath
 {
-    if (elements.at(first).isEmpty())
-        return;
-    const ElementPattern pattern(elements.at(first));
-    const bool last = first + 1 == elements.size();
-    const bool endsHere = last || elements.at(first + 1).isEmpty();
-    const NodeList matches = pattern.matchesAmongChildren(node);
-    for (const auto &child : matches) {
-        if (!endsHere) {
-            queryBelow(*child, elements, first + 1, found);
+    explicit SearchPath(const QStringList &elements)
+    {
+        const auto end = std::find_if(elements.begin(), elements.end(), std::mem_fn(&QString::isEmpty));
+        patterns.reserve(size_t(std::distance(elements.begin(), end)));
+        std::for_each(elements.begin(), end, [this](const QString &text) { patterns.emplace_back(text); });
+        isWhole = end == elements.end();
+    }
+
+    std::vector<ElementPattern> patterns;
+    bool isWhole;
+};
+
+// A node whose children the element at \a next is to be matched with.
+struct SearchStep
+{
+    std::shared_ptr<HierarchyNode> node;
+    size_t next;
+};
+
+NodeList search(HierarchyNode &top, const SearchPath &path)
+{
+    NodeList found;
+    // The caller owns the first node.
+    std::vector<SearchStep> steps{{{std::shared_ptr<HierarchyNode>(), &top}, 0}};
+    while (!steps.empty()) {
+        const SearchStep step = std::move(steps.back());
+        steps.pop_back();
+        const ElementPattern &pattern = path.patterns[step.next];
+        const NodeList matches = matchesBelow(*step.node, pattern);
+        if (step.next + 1 < path.patterns.size()) {
+            // The last one first: the first one is to be taken next.
+            for (auto match = matches.crbegin(); match != matches.crend(); ++match)
+                steps.push_back({*match, step.next + 1});
             continue;
         }
-        found.append(child);
-        if (last && pattern.reachesBelow())
-            found.append(child->getChildren(true));
+        const bool withAllBelow = path.isWhole && pattern.reachesBelow();
+        for (const auto &match : matches) {
+            found.append(match);
+            if (withAllBelow)
+                found.append(match->getChildren(true));
+        }
     }
+    return found;
 }
 
 // The topmost node that has a parent link to climb from, for both kinds of pointers.
@@ -123,14 +153,12 @@ std::shared_ptr<const HierarchyNode> HierarchyNode::getRootNode() const
 template <>
 QList<std::shared_ptr<HierarchyNode>> HierarchyNode::queryChildren<HierarchyNode>(const QString &searchPath)
 {
-    NodeList found;
     const QStringList elements = HierarchyStringPath::SplitPath(searchPath, GetHierarchyNodePathSeparator());
     if (elements.isEmpty())
         Logging::FrameworkLog().warning()
             << "HierarchyNode::queryChildren<HierarchyNode>() Search path is empty!";
-    else
-        queryBelow(*this, elements, 0, found);
-    return found;
+    const SearchPath path(elements);
+    return path.patterns.empty() ? NodeList() : search(*this, path);
 }
 
 const QString &HierarchyNode::GetHierarchyNodePathSeparator()

@@ -1,10 +1,7 @@
 #include <shared/hierarchy/HierarchyNodeInstance.h>
+#include <shared/hierarchy/utils/Descendants.h>
 #include <shared/hierarchy/utils/HierarchyChildTable.h>
-
-#include <QThread>
-
-#include <iterator>
-#include <vector>
+#include <shared/hierarchy/utils/ReleaseInTurn.h>
 
 using Shared::Synchronization::ScopedLock;
 
@@ -12,41 +9,11 @@ namespace Shared::Hierarchy {
 
 namespace {
 
-using NodeVector = std::vector<std::shared_ptr<HierarchyNode>>;
-
-// Lets go of nodes one after the other: a chain of nodes that let go of each other would need a stack as deep
-// as it.
-void releaseNodes(NodeVector nodes)
-{
-    thread_local NodeVector *waiting = nullptr;
-    if (waiting) {
-        waiting->insert(waiting->end(), std::make_move_iterator(nodes.begin()),
-                        std::make_move_iterator(nodes.end()));
-        return;
-    }
-    waiting = &nodes;
-    while (!nodes.empty()) {
-        const std::shared_ptr<HierarchyNode> last = std::move(nodes.back());
-        nodes.pop_back();
-    }
-    waiting = nullptr;
-}
-
-template <class Node>
-QList<std::shared_ptr<Node>> withDescendants(QList<std::shared_ptr<Node>> nodes)
-{
-    QList<std::shared_ptr<Node>> below;
-    for (const std::shared_ptr<Node> &node : qAsConst(nodes))
-        below.append(node->getChildren(true));
-    nodes.append(below);
-    return nodes;
-}
-
-QStringView firstElement(const QString &path)
+QStringView firstElement(QStringView path)
 {
     static const QChar separator = HierarchyNode::GetHierarchyNodePathSeparator().at(0);
-    const int end = path.indexOf(separator);
-    return end < 0 ? QStringView(path) : QStringView(path).left(end);
+    const auto end = path.indexOf(separator);
+    return end < 0 ? path : path.left(end);
 }
 
 } // namespace
@@ -67,7 +34,7 @@ HierarchyNodeInstance::HierarchyNodeInstance(const QString &id, bool isForTarget
 HierarchyNodeInstance::~HierarchyNodeInstance()
 {
     if (childNodes)
-        releaseNodes(childNodes->takeAll());
+        utils::releaseInTurn(childNodes->takeAll());
 }
 
 QString HierarchyNodeInstance::getId() const
@@ -110,13 +77,13 @@ QList<std::shared_ptr<const HierarchyNode>> HierarchyNodeInstance::getChildren(c
             childNodes->forEach([&nodes](const std::shared_ptr<HierarchyNode> &node) { nodes.append(node); });
         }
     }
-    return recursive ? withDescendants(std::move(nodes)) : nodes;
+    return recursive ? utils::Descendants<const HierarchyNode>::of(std::move(nodes)) : nodes;
 }
 
 QList<std::shared_ptr<HierarchyNode>> HierarchyNodeInstance::getChildren(const bool &recursive)
 {
     QList<std::shared_ptr<HierarchyNode>> nodes = children();
-    return recursive ? withDescendants(std::move(nodes)) : nodes;
+    return recursive ? utils::Descendants<HierarchyNode>::of(std::move(nodes)) : nodes;
 }
 
 QList<std::shared_ptr<HierarchyNode>> HierarchyNodeInstance::children() const
@@ -159,27 +126,42 @@ bool HierarchyNodeInstance::hasChild(const QString &childId) const
     return getChildById(childId) != nullptr;
 }
 
+// The children of a node are instances: nothing else can enter.
+template <class Instance, class Node>
+std::shared_ptr<Node> HierarchyNodeInstance::findBelow(Instance *instance, QStringView path)
+{
+    std::shared_ptr<Node> owner;
+    for (;;) {
+        const QStringView first = firstElement(path);
+        std::shared_ptr<Node> node = instance->child(first);
+        if (!node || first.size() == path.size())
+            return node;
+        path = path.mid(first.size() + 1);
+        owner = std::move(node);
+        instance = static_cast<Instance *>(owner.get());
+        if (instance->standsForTarget) {
+            owner = owner->findChildByRelativePath(QString());
+            instance = dynamic_cast<Instance *>(owner.get());
+            if (owner && !instance)
+                return owner->findChildByRelativePath(path.toString());
+        }
+        if (!instance || path.isEmpty())
+            return owner;
+    }
+}
+
 std::shared_ptr<HierarchyNode> HierarchyNodeInstance::findChildByRelativePath(const QString &relativePath)
 {
-    if (relativePath.isEmpty())
-        return self();
-    const QStringView first = firstElement(relativePath);
-    const std::shared_ptr<HierarchyNode> node = child(first);
-    if (!node || first.size() == relativePath.size())
-        return node;
-    return node->findChildByRelativePath(relativePath.mid(int(first.size()) + 1));
+    return relativePath.isEmpty() ? self()
+                                  : findBelow<HierarchyNodeInstance, HierarchyNode>(this, relativePath);
 }
 
 std::shared_ptr<const HierarchyNode>
 HierarchyNodeInstance::findChildByRelativePath(const QString &relativePath) const
 {
-    if (relativePath.isEmpty())
-        return self();
-    const QStringView first = firstElement(relativePath);
-    const std::shared_ptr<const HierarchyNode> node = child(first);
-    if (!node || first.size() == relativePath.size())
-        return node;
-    return node->findChildByRelativePath(relativePath.mid(int(first.size()) + 1));
+    return relativePath.isEmpty()
+        ? self()
+        : findBelow<const HierarchyNodeInstance, const HierarchyNode>(this, relativePath);
 }
 
 std::shared_ptr<HierarchyNode> HierarchyNodeInstance::getParent()
@@ -247,19 +229,6 @@ HierarchyNodeInstance::InstancePointer HierarchyNodeInstance::instanceAbove() co
 bool HierarchyNodeInstance::isValidId(const QString &childId) const
 {
     return childNodes && childNodes->find(childId);
-}
-
-// One connection serves all children, where a connection each would cost more than the rest of a leaf. A
-// child on another thread hears of the change there.
-void HierarchyNodeInstance::forwardPathChange()
-{
-    const QList<std::shared_ptr<HierarchyNode>> nodes = children();
-    for (const auto &node : nodes) {
-        if (node->thread() == QThread::currentThread())
-            node->onParentPathChanged();
-        else
-            QMetaObject::invokeMethod(node.get(), &HierarchyNode::onParentPathChanged, Qt::QueuedConnection);
-    }
 }
 
 } // namespace Shared::Hierarchy

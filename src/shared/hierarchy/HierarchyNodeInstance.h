@@ -22,6 +22,9 @@ class HierarchyChildTable;
  * Parent and path are written under the mutex of the shape as well, so that whoever holds that sees a tree
  * that does not move; it is held for the few steps of a move only. No lock is held while a signal is emitted.
  *
+ * No walk over the tree, down or up, needs a stack as deep as it. A search by path goes through a node that
+ * stands for a target and asks no other node it passes on the way.
+ *
  * A path and a table of children are made when somebody asks for them: most nodes are leaves that nobody
  * asks. The table keeps the children by id and in their order at once, so that no removal has to scan the
  * order. The delete flag is one atomic: whoever asks for it needs no lock, and so cannot meet another who
@@ -83,6 +86,8 @@ private:
     enum class Relinked { Moved, Unchanged, Refused };
     enum class Entered { Now, Before, Clash, Elsewhere };
 
+    template <class Instance, class Node>
+    static std::shared_ptr<Node> findBelow(Instance *instance, QStringView path);
     std::shared_ptr<HierarchyNode> child(QStringView childId) const;
     InstancePointer instanceAbove() const;
     bool isValidId(const QString &childId) const;

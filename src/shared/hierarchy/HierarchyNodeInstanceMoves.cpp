@@ -4,6 +4,7 @@
 #include <shared/logging/FrameworkLog.h>
 
 #include <QScopedValueRollback>
+#include <QThread>
 
 #include <algorithm>
 #include <mutex>
@@ -18,6 +19,19 @@ namespace {
 // The node whose setParent asks its new parent for the entry, on this thread: tells that inner call from one
 // that somebody makes with a node that is there already.
 thread_local const HierarchyNodeInstance *nodeAskingForEntry = nullptr;
+
+// The nodes that are still to hear of the move that this thread is telling of, the next one last: nodes that
+// pass it on to each other would need a stack as deep as the tree.
+using Listeners = std::vector<std::shared_ptr<HierarchyNode>>;
+thread_local Listeners *listenersToMove = nullptr;
+
+void tellOfMove(const std::shared_ptr<HierarchyNode> &node)
+{
+    if (node->thread() == QThread::currentThread())
+        node->onParentPathChanged();
+    else
+        QMetaObject::invokeMethod(node.get(), &HierarchyNode::onParentPathChanged, Qt::QueuedConnection);
+}
 
 // Held while the link of a node to its parent is tested and changed: two moves that would hang nodes below
 // each other are seen one after the other. A leaf of the order of locks but for the locks of paths.
@@ -98,9 +112,30 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
         unlink(target);
         taken = false;
     }
-    if (!silent)
+    if (!silent) {
+        // A move that a slot makes is told to the end before it returns, whatever is being told around it.
+        const QScopedValueRollback<Listeners *> itsOwn(listenersToMove, nullptr);
         Q_EMIT pathChanged();
+    }
     return taken;
+}
+
+// One connection serves all children, where a connection each would cost more than the rest of a leaf. A
+// child on another thread hears of the change there.
+void HierarchyNodeInstance::forwardPathChange()
+{
+    const QList<std::shared_ptr<HierarchyNode>> nodes = children();
+    if (listenersToMove) {
+        listenersToMove->insert(listenersToMove->end(), nodes.crbegin(), nodes.crend());
+        return;
+    }
+    Listeners listeners(nodes.crbegin(), nodes.crend());
+    const QScopedValueRollback<Listeners *> telling(listenersToMove, &listeners);
+    while (!listeners.empty()) {
+        const std::shared_ptr<HierarchyNode> next = std::move(listeners.back());
+        listeners.pop_back();
+        tellOfMove(next);
+    }
 }
 
 bool HierarchyNodeInstance::askForEntry(HierarchyNodeInstance &target,

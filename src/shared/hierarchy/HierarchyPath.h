@@ -1,5 +1,6 @@
 #pragma once
 
+#include <shared/hierarchy/utils/ReleaseInTurn.h>
 #include <shared/synchronization/ScopedLock.h>
 
 #include <QString>
@@ -42,7 +43,9 @@ public:
 
         Value getId() const { return id; }
         operator Value() const { return fullPath; }
-        void setParentPath(const Value &parentPath) { fullPath = combine(parentPath, id); }
+        void setParentPath(const Value &parentPath) { fullPath = extended(parentPath); }
+        /*! \a parentPath with the id of this path behind it. */
+        Value extended(Value parentPath) const { return combine(std::move(parentPath), id); }
 
     private:
         Combine combine;
@@ -63,7 +66,7 @@ public:
         : HierarchyPath(other, Synchronization::ScopedLock(&other))
     { }
     HierarchyPath &operator=(const HierarchyPath &) = delete;
-    ~HierarchyPath() override = default;
+    ~HierarchyPath() override { utils::releaseInTurn(std::move(parent)); }
 
     /*! The text from the root down to this path. */
     Value getFullPath() const
@@ -149,15 +152,21 @@ private:
             return sum;
         }
 
-        // Brings the texts up to date from the root downward and returns the version of the first path.
-        quint64 sync() const
+        // The text of the first path, from the lowest one whose own text is up to date. What lies between
+        // keeps its old text: a text for each would fill the memory with the square of the depth.
+        Value text() const
         {
             quint64 sum = 0;
-            std::for_each(paths.crbegin(), paths.crend(), [&sum](const HierarchyPath *path) {
-                path->syncToVersion(sum);
-                sum += path->version;
-            });
-            return sum;
+            int known = paths.size() - 1;
+            for (int i = paths.size() - 1; i >= 0; --i) {
+                if (paths[i]->syncedParentVersion == sum)
+                    known = i;
+                sum += paths[i]->version;
+            }
+            Value text = paths[known]->access;
+            while (known > 0)
+                text = paths[--known]->access.extended(std::move(text));
+            return text;
         }
 
     private:
@@ -191,7 +200,11 @@ private:
     static typename PathAccessWrapper::Combine standardCombine(const Separator &separatorText)
     {
         return [separatorText](Value parentPath, const Value &id) {
-            return parentPath.isEmpty() ? id : Value(parentPath + separatorText + id);
+            if (parentPath.isEmpty())
+                return id;
+            parentPath += separatorText;
+            parentPath += id;
+            return parentPath;
         };
     }
 
@@ -199,15 +212,10 @@ private:
     void syncToParentPath() const
     {
         const LockedAncestors above(parent.get());
-        syncToVersion(above.sync());
-    }
-
-    // Expects the locks of this path and of all above, whose texts are up to date.
-    void syncToVersion(const quint64 &parentVersion) const
-    {
-        if (!parent || parentVersion == syncedParentVersion)
+        const quint64 parentVersion = above.version();
+        if (parentVersion == syncedParentVersion)
             return;
-        access.setParentPath(parent->access);
+        access.setParentPath(above.text());
         syncedParentVersion = parentVersion;
     }
 

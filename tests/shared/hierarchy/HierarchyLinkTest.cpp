@@ -6,6 +6,7 @@
 
 #include <QtTest>
 
+#include <set>
 #include <support/LogCapture.h>
 
 using namespace HierarchyTree;
@@ -13,11 +14,10 @@ using namespace Shared::Hierarchy;
 
 namespace {
 
-using ConstNode = std::shared_ptr<const HierarchyNode>;
-
-std::shared_ptr<HierarchyNodeLink> makeLink(const NodePointer &target, bool readOnly)
+std::shared_ptr<HierarchyNodeLink> makeLink(const NodePointer &target, bool readOnly,
+                                            const QString &id = QStringLiteral("link"))
 {
-    return make<HierarchyNodeLink>(std::weak_ptr<HierarchyNode>(target), QStringLiteral("link"), readOnly);
+    return make<HierarchyNodeLink>(std::weak_ptr<HierarchyNode>(target), id, readOnly);
 }
 
 } // namespace
@@ -31,6 +31,8 @@ private Q_SLOTS:
     void readOnlyLink();
     void linkOutlivesTarget();
     void linkAsParent();
+    void sharedTarget();
+    void linksInACycle();
     void reference();
     void referenceOutlivesTarget();
     void constReference();
@@ -112,6 +114,39 @@ void HierarchyLinkTest::linkAsParent()
     const NodePointer below = grow(target, QStringLiteral("below"));
     QVERIFY(!target->setParent(makeLink(below, false), false));
     QCOMPARE(target->getParent(), root);
+}
+
+void HierarchyLinkTest::sharedTarget()
+{
+    const NodePointer root = make();
+    grow(root, QStringLiteral("target.leaf"));
+    const NodePointer target = root->getChildById(QStringLiteral("target"));
+    root->addChild(makeLink(target, true, QStringLiteral("l1")));
+    root->addChild(makeLink(target, true, QStringLiteral("l2")));
+    QCOMPARE(idsOf(ConstNode(root)->getChildren(true)).join(QLatin1Char(' ')),
+             QStringLiteral("target l1 l2 leaf leaf leaf"));
+}
+
+void HierarchyLinkTest::linksInACycle()
+{
+    const NodePointer root = make();
+    // Each place has a link to each other one, itself included: the ways through them are without end.
+    constexpr int Places = 12;
+    for (int place = 0; place < Places; ++place)
+        grow(root, QStringLiteral("place%1").arg(place));
+    const QList<NodePointer> places = root->getChildren(false);
+    for (int from = 0; from < Places; ++from) {
+        for (int to = 0; to < Places; ++to)
+            places[from]->addChild(makeLink(places[to], false, QStringLiteral("to%1").arg(to)));
+    }
+    const QList<ConstNode> all = ConstNode(root)->getChildren(true);
+    QCOMPARE(std::set<ConstNode>(all.begin(), all.end()).size(), size_t(Places + Places * Places));
+    QCOMPARE(root->queryChildren<HierarchyNode>(QStringLiteral("*")).size(), Places + Places * Places);
+
+    // The way there and back again, as long as a path may be.
+    const QString path = QStringLiteral("place0") + QStringLiteral(".to1.to0").repeated(Deep / 2);
+    QCOMPARE(root->findChildByRelativePath(path), places[1]->getChildById(QStringLiteral("to0")));
+    QCOMPARE(ConstNode(root)->findChildByRelativePath(path + QLatin1Char('.')), ConstNode(places[0]));
 }
 
 void HierarchyLinkTest::reference()

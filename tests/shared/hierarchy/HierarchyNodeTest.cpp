@@ -57,11 +57,12 @@ private Q_SLOTS:
     void pathsFollowMoves();
     void pathMadeAfterTheMove();
     void pathChangedOncePerNode();
+    void pathChangedOfAMoveInsideAPathChange();
     void pathChangedIsQueuedToOtherThreads();
     void deleteFlag();
     void endsOnItsThread();
     void endsOnTheSpotWhereItsThreadHasEnded();
-    void deepTreeEnds();
+    void deepTree();
     void removalInAnyOrderIsLinear_data();
     void removalInAnyOrderIsLinear();
 };
@@ -235,6 +236,25 @@ void HierarchyNodeTest::pathChangedOncePerNode()
     QCOMPARE(counts, (QList<int>{2, 1, 2}));
 }
 
+// A slot may rely on what it moves: all below has heard when its own move returns.
+void HierarchyNodeTest::pathChangedOfAMoveInsideAPathChange()
+{
+    const auto root = make();
+    const NodePointer q = grow(root, QStringLiteral("q"));
+    const NodePointer x = grow(root, QStringLiteral("p.x"));
+    const NodePointer other = grow(root, QStringLiteral("p.other"));
+    const NodePointer below = grow(other, QStringLiteral("y.z"));
+    QSignalSpy changed(below.get(), &HierarchyNode::pathChanged);
+    int heard = 0;
+    connect(grow(x, QStringLiteral("a")).get(), &HierarchyNode::pathChanged, [&] {
+        q->addChild(other);
+        heard = changed.count();
+    });
+    q->addChild(x);
+    QCOMPARE(heard, 1);
+    QCOMPARE(changed.count(), 1);
+}
+
 void HierarchyNodeTest::pathChangedIsQueuedToOtherThreads()
 {
     QThread home;
@@ -313,22 +333,29 @@ void HierarchyNodeTest::endsOnTheSpotWhereItsThreadHasEnded()
     QCOMPARE(diedOn, QThread::currentThread());
 }
 
-void HierarchyNodeTest::deepTreeEnds()
+void HierarchyNodeTest::deepTree()
 {
     QThread *diedOn = nullptr;
     QSemaphore died;
     auto root = make();
-    NodePointer last = root;
-    for (int i = 0; i < 40000; ++i) {
-        const NodePointer next = make(QStringLiteral("a"));
-        last->addChild(next);
-        last = next;
-    }
+    NodePointer top = grow(root, QStringLiteral("top"));
+    NodePointer last = growDeep(top);
     last->addChild(make<Mortal>(QStringLiteral("end"), &diedOn, &died));
     QCOMPARE(last->getRootNode(), NodePointer(root));
+    QCOMPARE(pathOf(last).size(), 3 + 2 * Deep);
+    QCOMPARE(root->getChildren(true).size(), Deep + 2);
+    QCOMPARE(ConstNode(root)->getChildren(true).size(), Deep + 2);
+    QSignalSpy changed(last.get(), &HierarchyNode::pathChanged);
+    grow(root, QStringLiteral("place"))->addChild(top);
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(pathOf(last).startsWith(QStringLiteral("place.top.a.a")));
+    // A path may outlive its node, and lets go of all that stand above it.
+    auto path = last->getNodePath();
     last.reset();
+    top.reset();
     root.reset();
     QVERIFY(died.tryAcquire());
+    path.reset();
 }
 
 void HierarchyNodeTest::removalInAnyOrderIsLinear_data()

@@ -12,6 +12,7 @@ private Q_SLOTS:
     void query_data();
     void query();
     void findsByPath();
+    void deepPaths();
     void costIsLinear();
 };
 
@@ -61,6 +62,16 @@ void HierarchyQueryTest::findsByPath()
     QCOMPARE(root->findChildByRelativePath(QString()), root);
     for (const char *missing : {"a.b.x", "a.x.c", "a..b", ".a", "A", "a.b.c.d"})
         QVERIFY2(!root->findChildByRelativePath(QString::fromLatin1(missing)), missing);
+}
+
+void HierarchyQueryTest::deepPaths()
+{
+    const NodePointer root = make();
+    const NodePointer leaf = growDeep(root);
+    QCOMPARE(root->findChildByRelativePath(deepPath()), leaf);
+    QCOMPARE(std::as_const(*root).findChildByRelativePath(deepPath()), ConstNode(leaf));
+    QCOMPARE(root->queryChildren<HierarchyNode>(deepPath()), QList<NodePointer>{leaf});
+    QCOMPARE(root->queryChildren<HierarchyNode>(QStringLiteral("*")).size(), Deep);
 }
 
 // As many results from few children each time and from all at once: with a square in it the second would take

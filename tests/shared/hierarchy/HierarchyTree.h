@@ -14,6 +14,7 @@ namespace HierarchyTree {
 using Shared::Hierarchy::HierarchyNode;
 using Shared::Hierarchy::HierarchyNodeInstance;
 using NodePointer = std::shared_ptr<HierarchyNode>;
+using ConstNode = std::shared_ptr<const HierarchyNode>;
 
 template <class Node = HierarchyNodeInstance, class... Arguments>
 std::shared_ptr<Node> make(const Arguments &...arguments)
@@ -42,6 +43,26 @@ inline NodePointer grow(const NodePointer &root, const QString &path)
         node = node->getChildById(id);
     }
     return node;
+}
+
+constexpr int Deep = 100000;
+
+// Hangs a chain of nodes with the id "a" below \a top, deeper than any stack, and returns its last node.
+inline NodePointer growDeep(const NodePointer &top)
+{
+    NodePointer last = top;
+    for (int i = 0; i < Deep; ++i) {
+        const NodePointer next = make(QStringLiteral("a"));
+        last->addChild(next);
+        last = next;
+    }
+    return last;
+}
+
+// The path of that node, and so a pattern that matches it.
+inline QString deepPath()
+{
+    return QStringLiteral("a.").repeated(Deep - 1) + QLatin1Char('a');
 }
 
 inline QString pathOf(const std::shared_ptr<const HierarchyNode> &node)
