@@ -207,27 +207,27 @@ void SearchHandlersByWildcard(benchmark::State &state)
 void DiscardedTasks(benchmark::State &state)
 {
     Repository repository;
-    QSemaphore end;
+    QSemaphore mayGo;
     class Blocker : public QRunnable
     {
     public:
         explicit Blocker(QSemaphore &semaphore)
-            : m_end(semaphore)
+            : mayGo(semaphore)
         { }
-        void run() override { m_end.acquire(); }
+        void run() override { mayGo.acquire(); }
 
     private:
-        QSemaphore &m_end;
+        QSemaphore &mayGo;
     };
     QThreadPool &bare = repository.pool;
     for (int i = 0; i < ThreadPool::MaximumThreadCount(); ++i)
-        bare.start(new Blocker(end));
+        bare.start(new Blocker(mayGo));
     for (auto _ : state) {
         for (auto i = state.range(0); i > 0; --i)
             repository.pool.startUpdateTask(repository.node, 1.5, UpdatePoint::Done);
         repository.pool.clear();
     }
-    end.release(ThreadPool::MaximumThreadCount());
+    mayGo.release(ThreadPool::MaximumThreadCount());
     state.counters["items"] = double(state.range(0));
 }
 

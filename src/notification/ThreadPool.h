@@ -45,10 +45,10 @@ public:
         const NodePointer &root, const QString &path, const QVariant &data, DeletePoint waitPoint)>;
 
     /*! A pool for tasks. Fewer threads than MinimumThreadCount() are raised to it. */
-    ThreadPool(const QString &name, CreateFactory createFactory, UpdateFactory updateFactory,
-               DeleteFactory deleteFactory, int requestedThreads, bool stopped);
+    ThreadPool(const QString &poolName, CreateFactory create, UpdateFactory update, DeleteFactory remove,
+               int requestedThreads, bool startStopped);
     /*! A pool without factories, which starts no tasks. */
-    ThreadPool(const QString &name, int requestedThreads, bool stopped);
+    ThreadPool(const QString &poolName, int requestedThreads, bool startStopped);
     /*! Stops as stopAndWait() does, without a limit. */
     ~ThreadPool() override;
 
@@ -85,7 +85,7 @@ public:
     bool stopAndWait(int milliseconds = -1);
 
     /*! A new pool with these factories, this maximum of threads and this stop state. */
-    std::unique_ptr<ThreadPool> clone(const QString &name) const;
+    std::unique_ptr<ThreadPool> clone(const QString &cloneName) const;
 
     QString getName() const { return name; }
     /*! The number of runnables that are created and not yet begun. */

@@ -5,7 +5,9 @@
 #include <QtTest>
 
 #include <random>
+#include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <support/Notes.h>
 #include <thread>
 #include <vector>
 
@@ -35,226 +37,165 @@ class ExaminerRegistrationTest : public QObject
 
 private Q_SLOTS:
     void init() { setNotificationPoolRunning(true); }
-    void searchOrder();
-    void examinersAreSharedByPathAndPoint();
-    void exactSearch();
-    void registersOnlyLivingHandles();
-    void unregisteringLeavesNothing();
-    void pathsOfEveryKindAreFound();
-    void hearsWhatWasRegistered();
-    void anythingAtOnce();
-};
-
-void ExaminerRegistrationTest::searchOrder()
-{
-    Registration registration;
-    const QList<QPair<QString, UpdatePoint>> places{
-        {QStringLiteral("a.b"), UpdatePoint::Check}, {QStringLiteral("a.b"), UpdatePoint::Done},
-        {QStringLiteral("a.b"), UpdatePoint::All},   {QStringLiteral("*"), UpdatePoint::Done},
-        {QStringLiteral("*b"), UpdatePoint::All},    {QStringLiteral("a.*"), UpdatePoint::Done},
-        {QStringLiteral("a.?"), UpdatePoint::Done},  {QStringLiteral("a.c*"), UpdatePoint::Done},
-        {QStringLiteral("a.b?"), UpdatePoint::Done}};
-    std::vector<std::shared_ptr<WrappedNotificationHandle>> handles;
-    for (auto place = places.rbegin(); place != places.rend(); ++place) {
-        handles.push_back(MakeHandle(place->first));
-        QCOMPARE(registration.registerEventHandler(handles.back(), place->second), 1);
-    }
-    QStringList found;
-    const auto examiners = registration.getExaminers(QStringLiteral("a.b"), UpdatePoint::Done, ForTask);
-    for (const auto &examiner : examiners)
-        found.append(examiner->getConnections().first()->getHandle()->getPath());
-    QCOMPARE(found,
-             QStringList({QStringLiteral("a.b"), QStringLiteral("a.b"), QStringLiteral("*"),
-                          QStringLiteral("*b"), QStringLiteral("a.*"), QStringLiteral("a.?")}));
-    QCOMPARE(examiners[0]->getConnections().first()->getHandle()->getUuid(), handles[7]->getUuid());
-    QVERIFY(registration.getExaminers(QStringLiteral("b"), UpdatePoint::Check, ForTask).size() == 1);
-}
-
-void ExaminerRegistrationTest::examinersAreSharedByPathAndPoint()
-{
-    Registration registration;
-    const auto first = MakeHandle(QStringLiteral("a"));
-    const auto second = MakeHandle(QStringLiteral("a"));
-    const auto all = MakeHandle(QStringLiteral("a"));
-    QCOMPARE(registration.registerEventHandler(all, UpdatePoint::All), 1);
-    QCOMPARE(registration.registerEventHandler(first, UpdatePoint::Done), 1);
-    QCOMPARE(registration.registerEventHandler(second, UpdatePoint::Done), 1);
-    const auto examiners = registration.getExaminers(QStringLiteral("a"), UpdatePoint::Done, ForTask);
-    QCOMPARE(examiners.size(), 2);
-    QCOMPARE(examiners[0]->getConnections().size(), 2);
-    QCOMPARE(examiners[1]->getConnections().size(), 1);
-}
-
-void ExaminerRegistrationTest::exactSearch()
-{
-    Registration registration;
-    const auto wildcard = MakeHandle(QStringLiteral("a.*"));
-    const auto other = MakeHandle(QStringLiteral("*"));
-    registration.registerEventHandler(wildcard, UpdatePoint::Done);
-    registration.registerEventHandler(other, UpdatePoint::Done);
-    QCOMPARE(registration.getExaminers(QStringLiteral("a.*"), UpdatePoint::Done, Exact).size(), 1);
-    QVERIFY(registration.getExaminers(QStringLiteral("a.b"), UpdatePoint::Done, Exact).isEmpty());
-}
-
-void ExaminerRegistrationTest::registersOnlyLivingHandles()
-{
-    Registration registration;
-    const auto handle = MakeHandle(QStringLiteral("a"));
-    handle->invalidate();
-    QCOMPARE(registration.registerEventHandler(handle, UpdatePoint::Done), 0);
-    QCOMPARE(registration.registerEventHandler(nullptr, UpdatePoint::Done), 0);
-    QVERIFY(registration.isEmpty());
-}
-
-void ExaminerRegistrationTest::unregisteringLeavesNothing()
-{
-    Registration registration;
-    Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::debug);
-    const TestSupport::LogCapture log;
-    auto handle = MakeHandle(QStringLiteral("a.*"));
-    auto gone = MakeHandle(QStringLiteral("b"));
-    const QString uuid = handle->getUuid();
-    const QString goneUuid = gone->getUuid();
-    registration.registerEventHandler(handle, UpdatePoint::Done);
-    registration.registerEventHandler(gone, UpdatePoint::Done);
-    gone.reset();
-    QVERIFY(!registration.unregisterEventHandler(QStringLiteral("unknown")));
-    QVERIFY(registration.unregisterEventHandler(uuid));
-    QVERIFY(!registration.unregisterEventHandler(uuid));
-    QVERIFY(!handle->isValid());
-    QVERIFY(registration.unregisterEventHandler(goneUuid));
-    QVERIFY(registration.isEmpty());
-    QVERIFY(registration.getExaminers(QStringLiteral("a.*"), UpdatePoint::Done, Exact).isEmpty());
-    Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::log);
-    QCOMPARE(log.lines(),
-             QStringList(
-                 {QStringLiteral("DEBUG ExaminerConnection::~ExaminerConnection() uuid=") + uuid,
-                  QStringLiteral("DEBUG ExaminerConnection::~ExaminerConnection() uuid=<already deleted>")}));
-}
-
-void ExaminerRegistrationTest::pathsOfEveryKindAreFound()
-{
-    // Against a plain walk over everything that is registered.
-    std::mt19937 random(7);
-    const auto word = [&random](const char *letters, unsigned count) {
-        QString text;
-        for (auto length = random() % 6; length > 0; --length)
-            text += QLatin1Char(letters[random() % count]);
-        return text;
-    };
-    Registration registration;
-    std::vector<std::shared_ptr<WrappedNotificationHandle>> handles;
-    for (int i = 0; i < 400; ++i) {
-        handles.push_back(MakeHandle(word("ab.*?", 5)));
-        registration.registerEventHandler(handles.back(), UpdatePoint::Done);
-        if (i % 3 == 0) {
-            registration.unregisterEventHandler(handles[random() % handles.size()]->getUuid());
+    void searchOrder()
+    {
+        Registration registration;
+        const QList<QPair<QString, UpdatePoint>> places{
+            {"a.b"_s, UpdatePoint::Check}, {"a.b"_s, UpdatePoint::Done},  {"a.b"_s, UpdatePoint::All},
+            {"*"_s, UpdatePoint::Done},    {"*b"_s, UpdatePoint::All},    {"a.*"_s, UpdatePoint::Done},
+            {"a.?"_s, UpdatePoint::Done},  {"a.c*"_s, UpdatePoint::Done}, {"a.b?"_s, UpdatePoint::Done}};
+        std::vector<std::shared_ptr<WrappedNotificationHandle>> handles;
+        for (auto place = places.rbegin(); place != places.rend(); ++place) {
+            handles.push_back(MakeHandle(place->first));
+            QCOMPARE(registration.registerEventHandler(handles.back(), place->second), 1);
         }
-    }
-    for (int i = 0; i < 300; ++i) {
-        const QString path = word("ab.", 3);
         QStringList found;
-        const auto examiners = registration.getExaminers(path, UpdatePoint::Done, ForTask);
-        for (const auto &examiner : examiners) {
-            const auto connections = examiner->getConnections();
-            for (const auto &connection : connections)
-                found.append(connection->getHandle()->getUuid());
-        }
-        QStringList expected;
-        for (const auto &handle : handles) {
-            const QRegExp pattern(handle->getPath(), Qt::CaseSensitive, QRegExp::Wildcard);
-            if (handle->isValid() && pattern.exactMatch(path))
-                expected.append(handle->getUuid());
-        }
-        found.sort();
-        expected.sort();
-        QCOMPARE(found, expected);
+        const auto examiners = registration.getExaminers("a.b"_s, UpdatePoint::Done, ForTask);
+        for (const auto &examiner : examiners)
+            found.append(examiner->getConnections().first()->getHandle()->getPath());
+        QCOMPARE(found, QStringList({"a.b"_s, "a.b"_s, "*"_s, "*b"_s, "a.*"_s, "a.?"_s}));
+        QCOMPARE(examiners[0]->getConnections().first()->getHandle()->getUuid(), handles[7]->getUuid());
+        QCOMPARE(registration.getExaminers("b", UpdatePoint::Check, ForTask).size(), 1);
+        QCOMPARE(registration.getExaminers("a.*", UpdatePoint::Done, Exact).size(), 1);
+        QVERIFY(registration.getExaminers("a.d", UpdatePoint::Done, Exact).isEmpty());
     }
-}
 
-void ExaminerRegistrationTest::hearsWhatWasRegistered()
-{
-    NotificationProvider provider;
-    const auto registration = provider.getUpdateRegistration();
-    QMutex mutex;
-    QStringList heard;
-    const auto listen = [&](const QString &path, UpdatePoint registered) {
-        return provider.registerUpdateHandler(
-            path,
-            [&, registered](const QString &at, const UpdatePoint &point, const UpdateResult &result,
-                            const QVariant &oldValue, const QVariant &newValue) {
-                const QMutexLocker locker(&mutex);
-                heard.append(QStringLiteral("%1: %2 %3 %4 %5 %6")
-                                 .arg(int(registered))
-                                 .arg(at)
-                                 .arg(int(point))
-                                 .arg(int(result))
-                                 .arg(oldValue.toInt())
-                                 .arg(newValue.toInt()));
-            },
-            registered);
-    };
-    const auto done = listen(QStringLiteral("a.*"), UpdatePoint::Done);
-    const auto all = listen(QStringLiteral("a.b"), UpdatePoint::All);
-    const auto elsewhere = listen(QStringLiteral("b.*"), UpdatePoint::All);
-    int creates = 0;
-    const auto create = provider.registerCreateHandler(
-        QStringLiteral("a.b"), [&](const QString &, const CreatePoint &, const bool &) { ++creates; },
-        CreatePoint::All);
-    for (const auto point : {UpdatePoint::Check, UpdatePoint::Apply, UpdatePoint::Done})
-        NotifyExaminers(registration, QStringLiteral("a.b"), point, UpdateResult::Ok, QVariant(1),
-                        QVariant(2));
-    NotifyExaminers(std::shared_ptr<Registration>(), QStringLiteral("a.b"), UpdatePoint::Done,
-                    UpdateResult::Ok, QVariant(), QVariant());
-    QVERIFY(NotificationThreadPool().waitForDone(Patience));
-    heard.sort();
-    QCOMPARE(heard,
-             QStringList({QStringLiteral("15: a.b 1 0 1 2"), QStringLiteral("15: a.b 2 0 1 2"),
-                          QStringLiteral("15: a.b 8 0 1 2"), QStringLiteral("8: a.b 8 0 1 2")}));
-    QCOMPARE(creates, 0);
-}
+    void unregisteringLeavesNothing()
+    {
+        Registration registration;
+        Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::debug);
+        const TestSupport::LogCapture log;
+        auto handle = MakeHandle("a.*"_s);
+        auto gone = MakeHandle("b"_s);
+        const QString uuid = handle->getUuid();
+        const QString goneUuid = gone->getUuid();
+        registration.registerEventHandler(handle, UpdatePoint::Done);
+        registration.registerEventHandler(gone, UpdatePoint::Done);
+        gone.reset();
+        QVERIFY(!registration.unregisterEventHandler("unknown"_s));
+        QVERIFY(registration.unregisterEventHandler(uuid));
+        QVERIFY(!registration.unregisterEventHandler(uuid));
+        QVERIFY(!handle->isValid());
+        QVERIFY(registration.unregisterEventHandler(goneUuid));
+        handle->invalidate();
+        QCOMPARE(registration.registerEventHandler(handle, UpdatePoint::Done), 0);
+        QCOMPARE(registration.registerEventHandler(nullptr, UpdatePoint::Done), 0);
+        QVERIFY(registration.isEmpty());
+        QVERIFY(registration.getExaminers("a.*"_s, UpdatePoint::Done, Exact).isEmpty());
+        Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::log);
+        QCOMPARE(log.lines(),
+                 QStringList({"DEBUG ExaminerConnection::~ExaminerConnection() uuid="_s + uuid,
+                              "DEBUG ExaminerConnection::~ExaminerConnection() uuid=<already deleted>"_s}));
+    }
 
-void ExaminerRegistrationTest::anythingAtOnce()
-{
-    NotificationProvider provider;
-    const auto registration = provider.getUpdateRegistration();
-    const QStringList paths{QStringLiteral("a.b"), QStringLiteral("a.*"), QStringLiteral("?.b"),
-                            QStringLiteral("a.b.c")};
-    std::vector<NotificationProvider::HandlePointer> kept[4];
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed) {
-        threads.emplace_back([&, seed] {
-            std::mt19937 random(seed);
-            for (int i = 0; i < 1000; ++i) {
-                auto handle = provider.registerUpdateHandler(paths[int(random() % 4)], UpdateHandler(),
-                                                             UpdatePoint::Done);
-                if (random() % 40 == 0)
-                    kept[seed].push_back(std::move(handle));
-                else if (random() % 2 == 0)
-                    provider.unregisterUpdateHandler(handle->getUuid());
-                NotifyExaminers(registration, QStringLiteral("a.b"), UpdatePoint::Done, UpdateResult::Ok,
-                                QVariant(), QVariant());
+    void pathsOfEveryKindAreFound()
+    {
+        // Against a plain walk over everything that is registered.
+        std::mt19937 random(7);
+        const auto word = [&random](const char *letters, unsigned count) {
+            QString text;
+            for (auto length = random() % 6; length > 0; --length)
+                text += QLatin1Char(letters[random() % count]);
+            return text;
+        };
+        Registration registration;
+        std::vector<std::shared_ptr<WrappedNotificationHandle>> handles;
+        for (int i = 0; i < 400; ++i) {
+            handles.push_back(MakeHandle(word("ab.*?", 5)));
+            registration.registerEventHandler(handles.back(), UpdatePoint::Done);
+            if (i % 3 == 0)
+                registration.unregisterEventHandler(handles[random() % handles.size()]->getUuid());
+        }
+        for (int i = 0; i < 300; ++i) {
+            const QString path = word("ab.", 3);
+            QStringList found;
+            const auto examiners = registration.getExaminers(path, UpdatePoint::Done, ForTask);
+            for (const auto &examiner : examiners) {
+                const auto connections = examiner->getConnections();
+                for (const auto &connection : connections)
+                    found.append(connection->getHandle()->getUuid());
             }
-        });
+            QStringList expected;
+            for (const auto &handle : handles) {
+                const QRegExp pattern(handle->getPath(), Qt::CaseSensitive, QRegExp::Wildcard);
+                if (handle->isValid() && pattern.exactMatch(path))
+                    expected.append(handle->getUuid());
+            }
+            found.sort();
+            expected.sort();
+            QCOMPARE(found, expected);
+        }
     }
-    for (auto &thread : threads)
-        thread.join();
 
-    QHash<QString, int> expected;
-    for (const auto &handles : kept) {
-        for (const auto &handle : handles)
-            ++expected[handle->getPath()];
+    void hearsWhatWasRegistered()
+    {
+        NotificationProvider provider;
+        const auto registration = provider.getUpdateRegistration();
+        TestSupport::Notes notes;
+        const auto listen = [&](const QString &path, UpdatePoint registered) {
+            const auto note
+                = [&, registered](const QString &at, const UpdatePoint &point, const UpdateResult &result,
+                                  const QVariant &oldValue, const QVariant &newValue) {
+                      notes.add("%1: %2 %3 %4 %5 %6"_s.arg(int(registered))
+                                    .arg(at)
+                                    .arg(int(point))
+                                    .arg(int(result))
+                                    .arg(oldValue.toInt())
+                                    .arg(newValue.toInt()));
+                  };
+            return provider.registerUpdateHandler(path, note, registered);
+        };
+        const auto done = listen("a.*", UpdatePoint::Done);
+        const auto all = listen("a.b", UpdatePoint::All);
+        const auto elsewhere = listen("b.*", UpdatePoint::All);
+        for (const auto point : {UpdatePoint::Check, UpdatePoint::Apply, UpdatePoint::Done})
+            NotifyExaminers(registration, "a.b"_s, point, UpdateResult::Ok, QVariant(1), QVariant(2));
+        QVERIFY(NotificationThreadPool().waitForDone(Patience));
+        QCOMPARE(notes.sorted(4),
+                 QStringList({"15: a.b 1 0 1 2", "15: a.b 2 0 1 2", "15: a.b 8 0 1 2", "8: a.b 8 0 1 2"}));
     }
-    for (const QString &path : paths) {
-        const auto examiners = registration->getExaminers(path, UpdatePoint::Done, Exact);
-        QCOMPARE(examiners.size(), 1); // one for the place, whoever came first
-        QCOMPARE(examiners.first()->getConnections().size(), expected[path]);
+
+    void anythingAtOnce()
+    {
+        NotificationProvider provider;
+        const auto registration = provider.getUpdateRegistration();
+        const QStringList paths{"a.b"_s, "a.*"_s, "?.b"_s, "a.b.c"_s};
+        std::vector<NotificationProvider::HandlePointer> kept[4];
+        std::vector<std::thread> threads;
+        for (unsigned seed = 0; seed < 4; ++seed) {
+            threads.emplace_back([&, seed] {
+                std::mt19937 random(seed);
+                for (int i = 0; i < 1000; ++i) {
+                    auto handle = provider.registerUpdateHandler(paths[int(random() % 4)], UpdateHandler(),
+                                                                 UpdatePoint::Done);
+                    if (random() % 40 == 0)
+                        kept[seed].push_back(std::move(handle));
+                    else if (random() % 2 == 0)
+                        provider.unregisterUpdateHandler(handle->getUuid());
+                    NotifyExaminers(registration, "a.b"_s, UpdatePoint::Done, UpdateResult::Ok, QVariant(),
+                                    QVariant());
+                }
+            });
+        }
+        for (auto &thread : threads)
+            thread.join();
+
+        QHash<QString, int> expected;
+        for (const auto &handles : kept) {
+            for (const auto &handle : handles)
+                ++expected[handle->getPath()];
+        }
+        for (const QString &path : paths) {
+            const auto examiners = registration->getExaminers(path, UpdatePoint::Done, Exact);
+            QCOMPARE(examiners.size(), 1); // one for the place, whoever came first
+            QCOMPARE(examiners.first()->getConnections().size(), expected[path]);
+        }
+        for (auto &handles : kept)
+            handles.clear();
+        QVERIFY(registration->isEmpty());
+        setNotificationPoolRunning(false);
     }
-    for (auto &handles : kept)
-        handles.clear();
-    QVERIFY(registration->isEmpty());
-    setNotificationPoolRunning(false);
-}
+};
 
 QTEST_GUILESS_MAIN(ExaminerRegistrationTest)
 #include "ExaminerRegistrationTest.moc"

@@ -43,58 +43,54 @@ class RepositoryHierarchyThreadProviderTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nodesLiveAndDieOnTheEventThread();
-    void barrierOnTheEventThread();
-    void startsAgainAfterTheEnd();
+    void nodesLiveAndDieOnTheEventThread()
+    {
+        std::shared_ptr<CountedNode> chain;
+        for (int i = 0; i < 50; ++i)
+            chain = MakeNode<CountedNode>(std::move(chain));
+        QCOMPARE(chain->thread(), provider->getThread());
+        QVERIFY(provider->getThread()->isRunning());
+        QCOMPARE(alive, 50);
+        chain.reset();
+        QVERIFY(provider->barrier());
+        QCOMPARE(alive, 0);
+        QVERIFY(!diedElsewhere);
+    }
+
+    void barrierOnTheEventThread()
+    {
+        QSemaphore passed;
+        const auto node = MakeNode<HierarchyNodeInstance>();
+        QMetaObject::invokeMethod(
+            node.get(),
+            [&] {
+                provider->barrier(); // would wait for itself
+                if (!provider->quitAndJoin())
+                    passed.release();
+            },
+            Qt::QueuedConnection);
+        QVERIFY(passed.tryAcquire(1, 30000));
+    }
+
+    void startsAgainAfterTheEnd()
+    {
+        QThread *const thread = provider->getThread();
+        for (int i = 0; i < 20; ++i) {
+            const auto node = MakeNode<CountedNode>(nullptr);
+            QVERIFY(provider->quitAndJoin());
+            QVERIFY(!thread->isRunning());
+            QVERIFY(provider->barrier()); // nothing to wait for
+            QCOMPARE(provider->getThread(), thread);
+            QVERIFY(thread->isRunning());
+        }
+        QVERIFY(provider->barrier());
+        QCOMPARE(alive, 0);
+        QVERIFY(provider->quitAndJoin());
+    }
 
 private:
     RepositoryHierarchyThreadProvider *const provider = RepositoryHierarchyThreadProvider::getInstance();
 };
-
-void RepositoryHierarchyThreadProviderTest::nodesLiveAndDieOnTheEventThread()
-{
-    std::shared_ptr<CountedNode> chain;
-    for (int i = 0; i < 50; ++i)
-        chain = MakeNode<CountedNode>(std::move(chain));
-    QCOMPARE(chain->thread(), provider->getThread());
-    QVERIFY(provider->getThread()->isRunning());
-    QCOMPARE(alive, 50);
-    chain.reset();
-    QVERIFY(provider->barrier());
-    QCOMPARE(alive, 0);
-    QVERIFY(!diedElsewhere);
-}
-
-void RepositoryHierarchyThreadProviderTest::barrierOnTheEventThread()
-{
-    QSemaphore passed;
-    const auto node = MakeNode<HierarchyNodeInstance>();
-    QMetaObject::invokeMethod(
-        node.get(),
-        [&] {
-            provider->barrier(); // would wait for itself
-            if (!provider->quitAndJoin())
-                passed.release();
-        },
-        Qt::QueuedConnection);
-    QVERIFY(passed.tryAcquire(1, 30000));
-}
-
-void RepositoryHierarchyThreadProviderTest::startsAgainAfterTheEnd()
-{
-    QThread *const thread = provider->getThread();
-    for (int i = 0; i < 20; ++i) {
-        const auto node = MakeNode<CountedNode>(nullptr);
-        QVERIFY(provider->quitAndJoin());
-        QVERIFY(!thread->isRunning());
-        QVERIFY(provider->barrier()); // nothing to wait for
-        QCOMPARE(provider->getThread(), thread);
-        QVERIFY(thread->isRunning());
-    }
-    QVERIFY(provider->barrier());
-    QCOMPARE(alive, 0);
-    QVERIFY(provider->quitAndJoin());
-}
 
 QTEST_GUILESS_MAIN(RepositoryHierarchyThreadProviderTest)
 #include "RepositoryHierarchyThreadProviderTest.moc"

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <support/Literals.h>
 
 namespace TestSupport {
 
@@ -50,7 +51,7 @@ class FunctionPool : public ThreadPool
 public:
     explicit FunctionPool(bool beginsStopped = false)
         : ThreadPool(
-            QStringLiteral("FunctionPool"), {},
+            "FunctionPool"_s, {},
             [](const NodePointer &node, const QVariant &value, UpdatePoint waitPoint) {
                 return std::make_unique<FunctionTask>(node, value, waitPoint);
             },

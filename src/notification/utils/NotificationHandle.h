@@ -19,7 +19,7 @@ namespace Tessellum::Notification::utils {
 class TESSELLUM_EXPORT NotificationHandleBase : public Interfaces::NotificationHandleInterface
 {
 public:
-    explicit NotificationHandleBase(const QString &path);
+    explicit NotificationHandleBase(const QString &registeredPath);
     ~NotificationHandleBase() override;
 
     void invalidate() override;
@@ -28,7 +28,7 @@ public:
     bool isEnabled() const override { return isValid() && enabled.load(std::memory_order_acquire); }
     QString getUuid() const override { return uuid; }
     QString getPath() const override { return path; }
-    bool setEnabled(const bool &enabled) override;
+    bool setEnabled(const bool &wanted) override;
 
     /*! As invalidate(), without waiting for a running handler. */
     void invalidateWithoutWaiting() { invalidated.store(true, std::memory_order_release); }
@@ -38,7 +38,7 @@ protected:
     class Running
     {
     public:
-        explicit Running(NotificationHandleBase &handle);
+        explicit Running(NotificationHandleBase &running);
         ~Running();
         Q_DISABLE_COPY(Running)
 

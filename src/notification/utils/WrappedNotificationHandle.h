@@ -26,7 +26,7 @@ class TESSELLUM_EXPORT WrappedNotificationHandle : public Interfaces::Notificati
                                                    public NotificationHandleProvider
 {
 public:
-    explicit WrappedNotificationHandle(std::shared_ptr<NotificationHandleBase> handle);
+    explicit WrappedNotificationHandle(std::shared_ptr<NotificationHandleBase> owned);
     /*! Invalidates, and so waits for a running handler. */
     ~WrappedNotificationHandle() override;
 

@@ -18,8 +18,9 @@ class NotificationProvider;
 class TESSELLUM_EXPORT WrappedNotificationProvider : public Interfaces::NotificationInterface
 {
 public:
-    /*! \a lock is not owned and outlives the object. */
-    WrappedNotificationProvider(const std::shared_ptr<NotificationProvider> &provider, QReadWriteLock *lock);
+    /*! \a repositoryLock is not owned and outlives the object. */
+    WrappedNotificationProvider(const std::shared_ptr<NotificationProvider> &notifications,
+                                QReadWriteLock *repositoryLock);
 
     HandlePointer registerCreateHandler(const QString &path, const CreateHandler &handler,
                                         const CreatePoint &point) override;

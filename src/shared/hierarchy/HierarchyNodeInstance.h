@@ -46,7 +46,7 @@ public:
     quint64 getNumberOfChildren() const override;
     QList<std::shared_ptr<const HierarchyNode>> getChildren(const bool &recursive) const override;
     QList<std::shared_ptr<HierarchyNode>> getChildren(const bool &recursive) override;
-    bool hasChild(const std::shared_ptr<const HierarchyNode> &child, quint64 *index = nullptr) const override;
+    bool hasChild(const std::shared_ptr<const HierarchyNode> &node, quint64 *index = nullptr) const override;
     bool hasChild(const QString &id) const override;
     std::shared_ptr<HierarchyNode> findChildByRelativePath(const QString &path) override;
     std::shared_ptr<const HierarchyNode> findChildByRelativePath(const QString &path) const override;

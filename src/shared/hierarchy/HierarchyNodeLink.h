@@ -17,7 +17,8 @@ class TESSELLUM_EXPORT HierarchyNodeLink : public HierarchyNodeInstance
     Q_OBJECT
 
 public:
-    HierarchyNodeLink(const std::weak_ptr<HierarchyNode> &target, const QString &id, const bool &readOnly);
+    HierarchyNodeLink(const std::weak_ptr<HierarchyNode> &target, const QString &id,
+                      const bool &isReadOnlyLink);
     ~HierarchyNodeLink() override;
 
     using HierarchyNodeInstance::getChildren;

@@ -33,8 +33,8 @@ public:
     quint64 size() const { return live; }
     /*! The number of children before the one with this id, or the greatest number where there is none. */
     quint64 position(QStringView id) const;
-    /*! The child with \a index children before it, or null. */
-    const Node *at(quint64 index) const;
+    /*! The child with \a wanted children before it, or null. */
+    const Node *at(quint64 wanted) const;
     /*! Takes all children out, in their order. */
     std::vector<Node> takeAll();
 
