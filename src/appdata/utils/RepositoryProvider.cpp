@@ -1,8 +1,13 @@
+#include <appdata/data/utils/ElementRegistrationProvider.h>
 #include <appdata/storages/Storage.h>
+#include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryLookup.h>
+#include <appdata/utils/RepositoryMemoryStrategyProvider.h>
 #include <appdata/utils/RepositoryProvider.h>
+#include <appdata/utils/RepositoryStorageProvider.h>
 #include <appdata/utils/TaskFactories.h>
 #include <notification/RepositoryLocks.h>
+#include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/MakeNode.h>
 
 namespace Tessellum::AppData::utils {
@@ -14,6 +19,10 @@ using Shared::Hierarchy::HierarchyNodeInstance;
 struct RepositoryProvider::Run
 {
     std::shared_ptr<Notification::utils::NotificationProvider> notifications;
+    std::shared_ptr<RepositoryStorageProvider> storages;
+    std::shared_ptr<RepositoryMemoryStrategyProvider> memoryStrategies;
+    std::shared_ptr<RepositoryDataEntryProvider> entries;
+    std::shared_ptr<Interfaces::DataElementRegistrationInterface> registration;
 };
 
 RepositoryProvider::RepositoryProvider()
@@ -24,12 +33,78 @@ RepositoryProvider::RepositoryProvider()
 
 RepositoryProvider::~RepositoryProvider() = default;
 
+QStringList RepositoryProvider::getStorageTypes() const
+{
+    QStringList types = getRegisteredProductIdentifier();
+    types.sort();
+    return types;
+}
+
+std::shared_ptr<const Interfaces::RepositoryStorageInterface> RepositoryProvider::getStorageInterface() const
+{
+    return getStorageProvider();
+}
+
+std::shared_ptr<Interfaces::RepositoryStorageInterface> RepositoryProvider::getStorageInterface()
+{
+    return getStorageProvider();
+}
+
+std::shared_ptr<const Interfaces::RepositoryMemoryStrategyInterface>
+RepositoryProvider::getMemoryStrategyInterface() const
+{
+    return getMemoryStrategyProvider();
+}
+
+std::shared_ptr<Interfaces::RepositoryMemoryStrategyInterface>
+RepositoryProvider::getMemoryStrategyInterface()
+{
+    return getMemoryStrategyProvider();
+}
+
+std::shared_ptr<const Interfaces::RepositoryDataEntryInterface>
+RepositoryProvider::getDataEntryInterface() const
+{
+    return getDataEntryProvider();
+}
+
+std::shared_ptr<Interfaces::RepositoryDataEntryInterface> RepositoryProvider::getDataEntryInterface()
+{
+    return getDataEntryProvider();
+}
+
+std::shared_ptr<const Notification::Interfaces::NotificationInterface>
+RepositoryProvider::getNotificationInterface() const
+{
+    return nullptr;
+}
+
+std::shared_ptr<Notification::Interfaces::NotificationInterface>
+RepositoryProvider::getNotificationInterface()
+{
+    return nullptr;
+}
+
+std::shared_ptr<const Interfaces::DataElementRegistrationInterface>
+RepositoryProvider::getElementRegistrationInterface() const
+{
+    return getRegistrationProvider();
+}
+
+std::shared_ptr<Interfaces::DataElementRegistrationInterface>
+RepositoryProvider::getElementRegistrationInterface()
+{
+    return getRegistrationProvider();
+}
+
 void RepositoryProvider::endTasks()
 {
     pool.stopAndWait();
     // With no lock held: this is foreign code, and it writes what it has queued.
-    for (const auto &storage : FindStorages())
-        storage->getImplementation()->disconnectStorage();
+    for (const auto &storage : FindStorages()) {
+        Notification::utils::RunGuarded("StorageImplementation",
+                                        [&] { storage->getImplementation()->disconnectStorage(); });
+    }
 }
 
 void RepositoryProvider::setRepositoryActive(bool stopping)
@@ -46,6 +121,10 @@ void RepositoryProvider::start()
     if (!isActive()) {
         const auto next = std::make_shared<Run>();
         next->notifications = std::make_shared<Notification::utils::NotificationProvider>();
+        next->storages = std::make_shared<RepositoryStorageProvider>(root, &pool);
+        next->memoryStrategies = std::make_shared<RepositoryMemoryStrategyProvider>();
+        next->entries = std::make_shared<RepositoryDataEntryProvider>(root, &pool);
+        next->registration = std::make_shared<Data::utils::ElementRegistrationProvider>();
         exchangeRun(next);
     }
     pool.start();
@@ -83,6 +162,31 @@ std::shared_ptr<Notification::utils::NotificationProvider> RepositoryProvider::g
 {
     const auto present = currentRun();
     return present ? present->notifications : nullptr;
+}
+
+std::shared_ptr<RepositoryStorageProvider> RepositoryProvider::getStorageProvider() const
+{
+    const auto present = currentRun();
+    return present ? present->storages : nullptr;
+}
+
+std::shared_ptr<RepositoryMemoryStrategyProvider> RepositoryProvider::getMemoryStrategyProvider() const
+{
+    const auto present = currentRun();
+    return present ? present->memoryStrategies : nullptr;
+}
+
+std::shared_ptr<RepositoryDataEntryProvider> RepositoryProvider::getDataEntryProvider() const
+{
+    const auto present = currentRun();
+    return present ? present->entries : nullptr;
+}
+
+std::shared_ptr<Interfaces::DataElementRegistrationInterface>
+RepositoryProvider::getRegistrationProvider() const
+{
+    const auto present = currentRun();
+    return present ? present->registration : nullptr;
 }
 
 std::shared_ptr<const RepositoryProvider::Run> RepositoryProvider::currentRun() const

@@ -1,0 +1,243 @@
+#include <appdata/data/entries/Entry.h>
+#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/utils/PairLinks.h>
+#include <appdata/storages/Storage.h>
+#include <appdata/storages/StorageImplementation.h>
+#include <appdata/utils/PairQuery.h>
+#include <appdata/utils/RepositoryDataEntryProvider.h>
+#include <appdata/utils/RepositoryLookup.h>
+#include <notification/utils/ExceptionBarrier.h>
+#include <notification/utils/PoolWait.h>
+#include <shared/logging/FrameworkLog.h>
+
+namespace Tessellum::AppData::utils {
+
+namespace Specify = Data::Entries::EntrySpecification;
+using Data::Entries::ClassificationNameEntry;
+using Data::Entries::Entry;
+using Data::Entries::EntryInfo;
+using Data::Entries::EntryInfoContainer;
+using Data::Entries::EntrySerializeInformation;
+using Notification::CreateObserver;
+using Notification::CreatePoint;
+using Notification::DeletePoint;
+using Notification::utils::WaitForSuccess;
+using Shared::Hierarchy::HierarchyNode;
+using Shared::Logging::FrameworkLog;
+using EntryPtr = RepositoryDataEntryProvider::EntryPtr;
+
+namespace {
+
+QString pairPath(const QString &classification, const QString &name)
+{
+    return classification + HierarchyNode::GetHierarchyNodePathSeparator() + name;
+}
+
+bool removeFromMedium(const Storages::Storage &storage, const QString &uuid)
+{
+    bool removed = false;
+    Notification::utils::RunGuarded("StorageImplementation",
+                                    [&] { removed = storage.getImplementation()->removeEntry(uuid); });
+    return removed;
+}
+
+quint64 capacityOf(const RepositoryDataEntryProvider::Specification &specification)
+{
+    const auto capacity = specification.constFind(Specify::Capacity());
+    if (capacity != specification.cend())
+        return capacity->toULongLong();
+    return specification.value(Specify::SingleElement()).toBool() ? 1 : 0;
+}
+
+/*! What a new entry takes over from its source where the specification does not say it. */
+void completeFromSource(EntrySerializeInformation &record, const Interfaces::DataEntryInterface &source,
+                        const RepositoryDataEntryProvider::Specification &specification)
+{
+    record.category = Data::Entries::EntryCategory(*source.getCategory());
+    if (record.classification.isEmpty())
+        record.classification = source.getClassification();
+    if (record.name.isEmpty())
+        record.name = source.getName();
+    if (!specification.contains(Specify::Persistence()))
+        record.persistence = source.getPersistenceType();
+    if (!specification.contains(Specify::Capacity()))
+        record.capacity = source.getCapacity();
+}
+
+QStringList elementUuids(const Interfaces::DataEntryInterface &entry)
+{
+    QStringList uuids;
+    const auto elements
+        = entry.getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter());
+    for (const auto &element : elements)
+        uuids.append(element->getUuid());
+    return uuids;
+}
+
+} // namespace
+
+RepositoryDataEntryProvider::RepositoryDataEntryProvider(const std::shared_ptr<HierarchyNode> &repositoryRoot,
+                                                         Notification::ThreadPool *taskPool)
+    : root(repositoryRoot)
+    , pool(taskPool)
+{ }
+
+RepositoryDataEntryProvider::ConstEntryPtr
+RepositoryDataEntryProvider::getDataEntry(const QString &classification, const QString &name) const
+{
+    return Data::Entries::utils::FindPair(pairPath(classification, name));
+}
+
+EntryPtr RepositoryDataEntryProvider::getDataEntry(const QString &classification, const QString &name)
+{
+    return Data::Entries::utils::FindPair(pairPath(classification, name));
+}
+
+RepositoryDataEntryProvider::ConstEntryPtr
+RepositoryDataEntryProvider::getDataEntry(const QString &uuid) const
+{
+    return FindEntry(uuid);
+}
+
+EntryPtr RepositoryDataEntryProvider::getDataEntry(const QString &uuid)
+{
+    return FindEntry(uuid);
+}
+
+QList<EntryPtr> RepositoryDataEntryProvider::getDataEntries(const QString &pattern) const
+{
+    QHash<QString, EntryPtr> found;
+    const QStringList paths = FindPairPaths(*root, pattern);
+    for (const QString &path : paths) {
+        for (const auto &entry : Data::Entries::utils::EntriesOfPair(path))
+            found.insert(entry->getUuid(), entry);
+    }
+    return found.values();
+}
+
+EntryPtr RepositoryDataEntryProvider::addDataEntry(const QString &storage, const QString &classification,
+                                                   const QString &name, const CategoryType &categoryType,
+                                                   const QString &categoryDetail,
+                                                   const PersistenceType &persistence,
+                                                   const bool &singleElement)
+{
+    return addDataEntryExtended(
+        storage,
+        MakeSpecification(classification, name, categoryType, categoryDetail, persistence, singleElement));
+}
+
+EntryPtr RepositoryDataEntryProvider::addDataEntryExtended(const QString &storage,
+                                                           const Specification &specification)
+{
+    if (!pool->isRunning())
+        return nullptr;
+    if (specification.isEmpty()) {
+        FrameworkLog().warning() << "RepositoryDataEntryProvider::addDataEntryExtended() failed to parse "
+                                    "empty entry specification";
+        return nullptr;
+    }
+    const auto info = std::make_shared<EntryInfo>();
+    const auto observer = addDataEntryAsynchronous(specification, info, storage, CreatePoint::Done);
+    return WaitForSuccess(*pool, observer) ? getDataEntry(info->uuid) : nullptr;
+}
+
+int RepositoryDataEntryProvider::removeDataEntries(const QString &pattern)
+{
+    int removed = 0;
+    for (const EntryPtr &entry : getDataEntries(pattern)) {
+        if (removeDataEntry(entry->getUuid()))
+            ++removed;
+    }
+    return removed;
+}
+
+bool RepositoryDataEntryProvider::removeDataEntry(const QString &uuid)
+{
+    bool removed = false;
+    if (const auto pair = std::dynamic_pointer_cast<ClassificationNameEntry>(FindEntry(uuid))) {
+        for (const auto &entry : Data::Entries::utils::EntriesOfPair(pair->getLinkPath()))
+            removed = removeDataEntry(entry->getUuid()) || removed;
+        return removed;
+    }
+    QList<std::shared_ptr<HierarchyNode>> nodes{root->getChildById(uuid)};
+    for (const auto &storage : FindStorages()) {
+        removed = removeFromMedium(*storage, uuid) || removed;
+        nodes.append(storage->getChildById(uuid));
+    }
+    for (const auto &node : qAsConst(nodes)) {
+        if (std::dynamic_pointer_cast<Entry>(node)) {
+            const auto observer = pool->startDeleteTask(node, uuid, QVariant(), DeletePoint::Done);
+            removed = WaitForSuccess(*pool, observer) || removed;
+        }
+    }
+    return removed;
+}
+
+bool RepositoryDataEntryProvider::removeDataEntryFromStorage(const QString &storageName, const QString &uuid)
+{
+    const auto storage = FindStorage(storageName);
+    if (!storage) {
+        FrameworkLog().warning()
+            << "RepositoryDataEntryProvider::removeDataEntryFromStorage() unknown storage name '"
+            << storageName << "' cannot remove entry";
+        return false;
+    }
+    return removeFromMedium(*storage, uuid);
+}
+
+std::shared_ptr<CreateObserver>
+RepositoryDataEntryProvider::addDataEntryAsynchronous(const Specification &specification,
+                                                      const EntryInfoContainer &info, const QString &storage,
+                                                      const CreatePoint &point)
+{
+    if (!pool->isRunning())
+        return nullptr;
+    EntrySerializeInformation record(
+        specification.value(Specify::Name()).toString(),
+        specification.value(Specify::Classification()).toString(),
+        Data::Entries::EntryCategory(
+            static_cast<CategoryType>(specification.value(Specify::CategoryType()).toUInt()),
+            specification.value(Specify::CategoryDetail()).toString()),
+        storage, static_cast<PersistenceType>(specification.value(Specify::Persistence()).toUInt()),
+        capacityOf(specification));
+    if (specification.contains(Specify::SourceEntry())) {
+        info->sourceUuid = specification.value(Specify::SourceEntry()).toString();
+        const EntryPtr source = getDataEntry(info->sourceUuid);
+        if (!source) {
+            FrameworkLog().warning() << "RepositoryDataEntryProvider::addDataEntryAsynchronous() could not "
+                                        "get the source entry with uuid="
+                                     << info->sourceUuid;
+            return nullptr;
+        }
+        completeFromSource(record, *source, specification);
+        info->copyElements = specification.contains(Specify::ElementsList());
+        if (info->copyElements) {
+            info->elementsList = specification.value(Specify::ElementsList()).toStringList();
+            if (info->elementsList.isEmpty())
+                info->elementsList = elementUuids(*source);
+        }
+    }
+    info->uuid = specification.value(Specify::DestinationEntry()).toString();
+    if (record.name.isEmpty() || record.classification.isEmpty()
+        || record.category.getType() == CategoryType::Unknown
+        || record.persistence == PersistenceType::Unknown) {
+        return nullptr;
+    }
+    info->serialize = record;
+    return pool->startCreateTask(root, pairPath(record.classification, record.name),
+                                 QVariant::fromValue(info), point);
+}
+
+RepositoryDataEntryProvider::Specification RepositoryDataEntryProvider::MakeSpecification(
+    const QString &classification, const QString &name, const CategoryType &categoryType,
+    const QString &categoryDetail, const PersistenceType &persistence, bool singleElement)
+{
+    return {{Specify::Classification(), classification},
+            {Specify::Name(), name},
+            {Specify::CategoryType(), static_cast<quint32>(categoryType)},
+            {Specify::CategoryDetail(), categoryDetail},
+            {Specify::Persistence(), static_cast<quint32>(persistence)},
+            {Specify::SingleElement(), singleElement}};
+}
+
+} // namespace Tessellum::AppData::utils
