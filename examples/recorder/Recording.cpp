@@ -1,0 +1,116 @@
+#include "Recording.h"
+
+#include <appdata/data/entries/EntrySpecification.h>
+#include <core/Library.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+
+using namespace Tessellum;
+using namespace Tessellum::AppData;
+namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+
+namespace {
+
+const QString classification = QStringLiteral("machine");
+
+} // namespace
+
+Recording::Recording(const QString &pluginFolder)
+    : plugins(pluginFolder)
+{ }
+
+Recording::~Recording()
+{
+    if (runs)
+        stop();
+}
+
+bool Recording::start()
+{
+    runs = initializeLibrary() == 0 && getCoreInterface();
+    // -1: the folder was named before, and its plug-ins stay.
+    return runs && addPluginSearchPath(plugins) != -2
+        && data()->getStorageTypes().contains(QStringLiteral("sqlite"));
+}
+
+bool Recording::stop()
+{
+    runs = false;
+    return uninitializeLibrary() == 1;
+}
+
+bool Recording::open(const QString &file, int mode)
+{
+    Storages::StorageCreateDataDetails details;
+    details.location = file;
+    details.mode = mode;
+    const auto storages = data()->getStorageInterface();
+    if (!storages->addStorage(QStringLiteral("sqlite"), StorageName(), details,
+                              Notification::CreatePoint::Done, QStringLiteral("The recording"))) {
+        return false;
+    }
+    const auto storage = storages->getStorage(StorageName());
+    QHash<QString, Data::Entries::EntrySerializeInformation> entries;
+    storage->getQueryInterface()->getEntries(entries);
+    for (const QString &uuid : entries.keys()) {
+        if (!storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand)
+            || !WaitUntilLoaded(data()->getDataEntryInterface()->getDataEntry(uuid))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> Recording::configuration() const
+{
+    return getCoreInterface()->getAppConfigRepository();
+}
+
+std::shared_ptr<AppData::Interfaces::RepositoryInterface> Recording::data() const
+{
+    return getCoreInterface()->getAppDataRepository();
+}
+
+Recording::Entry Recording::series(const QString &name, quint64 capacity)
+{
+    const auto entries = data()->getDataEntryInterface();
+    const auto matching = entries->getDataEntries(classification + QLatin1Char('.') + name);
+    if (!matching.isEmpty())
+        return matching.first();
+    return entries->addDataEntryExtended(
+        StorageName(),
+        {{Specify::Classification(), classification},
+         {Specify::Name(), name},
+         {Specify::CategoryType(), static_cast<quint32>(CategoryType::Float)},
+         {Specify::Persistence(), static_cast<quint32>(PersistenceType::Persistent)},
+         {Specify::Capacity(), capacity}});
+}
+
+QMap<QString, Series> Recording::readAll() const
+{
+    QMap<QString, Series> all;
+    for (const Entry &entry :
+         data()->getDataEntryInterface()->getDataEntries(classification + QStringLiteral(".*"))) {
+        all.insert(entry->getName(), Series::Read(*entry));
+    }
+    return all;
+}
+
+const QString &Recording::StorageName()
+{
+    static const QString name = QStringLiteral("recording");
+    return name;
+}
+
+bool Recording::WaitUntilLoaded(const Entry &entry)
+{
+    constexpr int longestMs = 60000;
+    const QDeadlineTimer deadline(longestMs);
+    while (entry && entry->getLoadStatus() == LoadStatus::CurrentlyLoading && !deadline.hasExpired()) {
+        QCoreApplication::processEvents();
+        QThread::yieldCurrentThread();
+    }
+    return entry && entry->getLoadStatus() == LoadStatus::Loaded;
+}
