@@ -42,4 +42,30 @@ QVector<NamedValue<LogMessageType>> NamedValues(LogMessageType)
             {"critical", LogMessageType::critical}, {"fatal", LogMessageType::fatal}};
 }
 
+QVector<NamedValue<AppData::ActivationMask>> NamedValues(AppData::ActivationMask)
+{
+    using AppData::ActivationMask;
+    return {{"Active", ActivationMask::Active},
+            {"Inactive", ActivationMask::Inactive},
+            {"All", ActivationMask::All}};
+}
+
+QVector<NamedValue<AppData::LoadStatus>> NamedValues(AppData::LoadStatus)
+{
+    using AppData::LoadStatus;
+    return {{"Unknown", LoadStatus::Unknown},
+            {"CurrentlyLoading", LoadStatus::CurrentlyLoading},
+            {"CurrentlyUnloading", LoadStatus::CurrentlyUnloading},
+            {"Loaded", LoadStatus::Loaded},
+            {"NotLoaded", LoadStatus::NotLoaded}};
+}
+
+QVector<NamedValue<AppData::PersistenceType>> NamedValues(AppData::PersistenceType)
+{
+    using AppData::PersistenceType;
+    return {{"Unknown", PersistenceType::Unknown},
+            {"Persistent", PersistenceType::Persistent},
+            {"Volatile", PersistenceType::Volatile}};
+}
+
 } // namespace Tessellum::Tool

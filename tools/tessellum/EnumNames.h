@@ -1,5 +1,6 @@
 #pragma once
 
+#include <appdata/DataTypes.h>
 #include <notification/TaskPoints.h>
 #include <shared/logging/LogLevel.h>
 
@@ -22,6 +23,9 @@ QVector<NamedValue<Notification::UpdatePoint>> NamedValues(Notification::UpdateP
 QVector<NamedValue<Notification::DeletePoint>> NamedValues(Notification::DeletePoint);
 QVector<NamedValue<Notification::UpdateResult>> NamedValues(Notification::UpdateResult);
 QVector<NamedValue<Shared::Logging::LogMessageType>> NamedValues(Shared::Logging::LogMessageType);
+QVector<NamedValue<AppData::ActivationMask>> NamedValues(AppData::ActivationMask);
+QVector<NamedValue<AppData::LoadStatus>> NamedValues(AppData::LoadStatus);
+QVector<NamedValue<AppData::PersistenceType>> NamedValues(AppData::PersistenceType);
 
 /*! Name and number of \a value. */
 template <typename Enum>

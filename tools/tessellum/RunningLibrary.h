@@ -3,6 +3,7 @@
 #include "ToolError.h"
 
 #include <appconfig/interfaces/RepositoryInterface.h>
+#include <appdata/interfaces/RepositoryInterface.h>
 #include <core/Library.h>
 
 #include <memory>
@@ -14,6 +15,16 @@ inline std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> Configuration
 {
     const Core::CoreInterface *const core = getCoreInterface();
     const auto repository = core ? core->getAppConfigRepository() : nullptr;
+    if (!repository)
+        Fail(QStringLiteral("the library does not run"));
+    return repository;
+}
+
+/*! The recorded data of the running library; fails the command if it does not run. */
+inline std::shared_ptr<AppData::Interfaces::RepositoryInterface> RecordedData()
+{
+    const Core::CoreInterface *const core = getCoreInterface();
+    const auto repository = core ? core->getAppDataRepository() : nullptr;
     if (!repository)
         Fail(QStringLiteral("the library does not run"));
     return repository;

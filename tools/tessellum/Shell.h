@@ -58,6 +58,16 @@ private:
     QJsonObject listValidations(const Arguments &arguments);
     QJsonObject assignValidation(const Arguments &arguments);
     QJsonObject removeValidation(const Arguments &arguments);
+    QJsonObject addStorage(const Arguments &arguments);
+    QJsonObject listStorages(const Arguments &arguments);
+    QJsonObject addEntry(const Arguments &arguments);
+    QJsonObject listEntries(const Arguments &arguments);
+    QJsonObject addValue(const Arguments &arguments);
+    QJsonObject listElements(const Arguments &arguments);
+    QJsonObject listRange(const Arguments &arguments);
+    QJsonObject changeElement(const Arguments &arguments);
+    QJsonObject memoryStrategy(const Arguments &arguments);
+    QJsonObject removeData(const Arguments &arguments);
     QJsonObject setLogLevel(const Arguments &arguments);
     QJsonObject locale(const Arguments &arguments);
 

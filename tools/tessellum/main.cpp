@@ -1,5 +1,6 @@
 #include "FileCommands.h"
 #include "Shell.h"
+#include "StorageCommands.h"
 #include "ToolError.h"
 
 #include <QCoreApplication>
@@ -13,11 +14,16 @@ namespace {
 
 QString usage()
 {
-    return QStringLiteral("usage: tessellum tree FILE.json [PATTERN]   print the values of a file\n"
-                          "       tessellum get FILE PATH              print one value\n"
-                          "       tessellum set FILE PATH VALUE        set one value and save\n"
-                          "       tessellum shell                      read commands from standard input\n"
-                          "       tessellum --help\n");
+    return QStringLiteral(
+        "usage: tessellum tree FILE.json [PATTERN]   print the values of a file\n"
+        "       tessellum get FILE PATH              print one value\n"
+        "       tessellum set FILE PATH VALUE        set one value and save\n"
+        "       tessellum history FILE.sqlite [ENTRY] [--from STAMP] [--to STAMP] [--every SPAN]\n"
+        "                                            print the entries, or the values of one\n"
+        "       tessellum export FILE.sqlite --csv|--json\n"
+        "                                            print all values\n"
+        "       tessellum shell                      read commands from standard input\n"
+        "       tessellum --help\n");
 }
 
 QString help()
@@ -28,6 +34,8 @@ QString help()
                "Values are JSON; on a command line a text needs quotes around its quotes: '\"text\"'.\n"
                "A path is written with dots, a.b.c; the elements of an array \"a\" are <a>.0, <a>.1.\n"
                "A pattern is a path with the wildcards * and ?; \"a.*\" is all that lies below a.\n"
+               "Time stamps are those of the recording, such as milliseconds since 1970; SPAN is so many of\n"
+               "them. Storage plug-ins come from the folder of this installation, or from --plugins FOLDER.\n"
                "Exit codes: 0, 1 if an operation failed, 2 for a wrong usage. Log lines go to standard "
                "error.\n"
                "\n"
@@ -47,6 +55,55 @@ void print(const QString &text, std::FILE *file)
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
 }
 
+quint64 stampOf(const QString &text)
+{
+    bool isNumber = false;
+    const quint64 stamp = text.toULongLong(&isNumber);
+    if (!isNumber)
+        FailUsage(QStringLiteral("%1 is no time stamp").arg(text));
+    return stamp;
+}
+
+/*! Reads "FILE [ENTRY] [--option VALUE]..." from the third argument on; what is no option of a history is
+ * left in \a flags. */
+HistoryRequest historyRequest(const QStringList &arguments, QStringList &flags)
+{
+    HistoryRequest request;
+    request.plugins = DefaultPluginFolder();
+    QStringList words;
+    for (int i = 2; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (argument == QLatin1String("--from"))
+            request.from = stampOf(arguments.value(++i));
+        else if (argument == QLatin1String("--to"))
+            request.to = stampOf(arguments.value(++i));
+        else if (argument == QLatin1String("--every"))
+            request.every = stampOf(arguments.value(++i));
+        else if (argument == QLatin1String("--plugins"))
+            request.plugins = arguments.value(++i);
+        else
+            (argument.startsWith(QLatin1String("--")) ? flags : words).append(argument);
+    }
+    if (words.isEmpty() || words.size() > 2)
+        FailUsage(usage());
+    request.file = words.at(0);
+    request.entry = words.value(1);
+    return request;
+}
+
+void runOnRecording(const QString &command, const QStringList &arguments, QTextStream &out)
+{
+    QStringList flags;
+    const HistoryRequest request = historyRequest(arguments, flags);
+    const bool asJson = flags == QStringList{QStringLiteral("--json")};
+    if (command == QLatin1String("history") && flags.isEmpty())
+        PrintHistory(request, out);
+    else if (command == QLatin1String("export") && (asJson || flags == QStringList{QStringLiteral("--csv")}))
+        ExportData(request, asJson, out);
+    else
+        FailUsage(usage());
+}
+
 int run(const QStringList &arguments)
 {
     const QString command = arguments.value(1);
@@ -61,6 +118,8 @@ int run(const QStringList &arguments)
         PrintValue(arguments.at(2), arguments.at(3), out);
     } else if (command == QLatin1String("set") && count == 3) {
         SetValue(arguments.at(2), arguments.at(3), arguments.at(4));
+    } else if (command == QLatin1String("history") || command == QLatin1String("export")) {
+        runOnRecording(command, arguments, out);
     } else if (command == QLatin1String("shell") && count == 0) {
         return Shell().run(std::cin);
     } else {
