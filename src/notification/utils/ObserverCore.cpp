@@ -16,9 +16,27 @@ void ObserverCore::wait()
 
 void ObserverCore::end()
 {
-    const QMutexLocker locker(&mutex);
-    ended.store(true, std::memory_order_release);
-    condition.wakeAll();
+    std::unique_ptr<std::function<void()>> function;
+    {
+        const QMutexLocker locker(&mutex);
+        ended.store(true, std::memory_order_release);
+        function = std::move(endFunction);
+        condition.wakeAll();
+    }
+    if (function)
+        (*function)();
+}
+
+void ObserverCore::whenEnded(std::function<void()> function)
+{
+    {
+        const QMutexLocker locker(&mutex);
+        if (!isEnded()) {
+            endFunction = std::make_unique<std::function<void()>>(std::move(function));
+            return;
+        }
+    }
+    function();
 }
 
 void ObserverCore::finishLocked()

@@ -6,6 +6,8 @@
 #include <QWaitCondition>
 
 #include <atomic>
+#include <functional>
+#include <memory>
 
 namespace Tessellum::Notification::utils {
 
@@ -37,6 +39,12 @@ public:
      * nothing. */
     void end();
 
+    /*!
+     * Has \a function called once the task is over, by the thread that ends it, or at once by the caller if
+     * it is over already. One function for each observer. No lock is held; it must not wait.
+     */
+    void whenEnded(std::function<void()> function);
+
 protected:
     /*! Marks the wait point as reached and releases all who wait. The caller holds the mutex. */
     void finishLocked();
@@ -49,6 +57,7 @@ private:
     QWaitCondition condition;
     std::atomic<bool> finished = false;
     std::atomic<bool> ended = false;
+    std::unique_ptr<std::function<void()>> endFunction; // few tasks have one
     TrackedRunnable *runnable = nullptr; // of the pool's tracker, guarded by the tracker's mutex
 };
 

@@ -48,12 +48,12 @@ public:
     ElementData &dataLocked() { return data; }
     /*! Takes a copy under the lock. */
     ElementData copyData() const;
+    std::shared_ptr<Interfaces::DataElementParserInterface> copyParser() const;
     quint64 getTimestamp() const;
     bool isActive() const;
     LoadStatus getLoadStatus() const;
 
-    /*! Also takes the element out of its entry's index by time stamp. */
-    bool setDeleteFlag() override;
+    /*! Also takes the element out of the index by time stamp of the entry that it leaves. */
     bool setParent(const std::weak_ptr<HierarchyNode> &newParent, const bool &silent = false) override;
 
 private:

@@ -65,9 +65,11 @@ Q_SIGNALS:
     void dataUnloaded();
 
 private:
+    bool takeRawData(const ElementValueKind &kind, const QVariant &value, ElementUpdateData &data) const;
     bool loadParsedDataLocked();
 
     Element *const element;
+    bool isConnected = false; // guarded by the element's data lock
 };
 
 } // namespace Tessellum::AppData::Data::Elements

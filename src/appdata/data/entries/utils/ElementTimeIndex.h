@@ -2,6 +2,7 @@
 
 #include <shared/TessellumExport.h>
 
+#include <QHash>
 #include <QList>
 #include <QMutex>
 
@@ -37,10 +38,11 @@ public:
 
 private:
     using Key = std::pair<quint64, quint64>; // time stamp, order of adding
+    using Table = std::map<Key, std::weak_ptr<Elements::Element>>;
 
     mutable QMutex mutex;
-    std::map<Key, std::weak_ptr<Elements::Element>> byTime;
-    std::map<const Elements::Element *, Key> keys;
+    Table byTime;
+    QHash<const Elements::Element *, Key> keys;
     quint64 nextOrder = 0;
 };
 

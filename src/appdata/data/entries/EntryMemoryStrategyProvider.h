@@ -1,0 +1,35 @@
+#pragma once
+
+#include <appdata/interfaces/DataEntryMemoryStrategyInterface.h>
+
+#include <memory>
+
+namespace Tessellum::AppData::MemoryStrategies {
+class MemoryStrategyWrapper;
+}
+
+namespace Tessellum::AppData::Data::Entries {
+
+class Entry;
+
+/*! Holds the wrapper of an entry, to which it belongs, and installs strategies in it. */
+class TESSELLUM_EXPORT EntryMemoryStrategyProvider : public Interfaces::DataEntryMemoryStrategyInterface
+{
+public:
+    /*! Connects \a entry to the wrapper, which has no strategy. */
+    explicit EntryMemoryStrategyProvider(Entry *entry);
+    ~EntryMemoryStrategyProvider() override;
+
+    bool installMemoryStrategy(const QString &type, const QString &parameters) override;
+    bool removeMemoryStrategy() override;
+    bool configureMemoryStrategy(const QString &parameters) override;
+    bool getMemoryStrategyType(QString &type) const override;
+
+    std::shared_ptr<MemoryStrategies::MemoryStrategyWrapper> getWrapper() const { return wrapper; }
+
+private:
+    Entry *const entry;
+    const std::shared_ptr<MemoryStrategies::MemoryStrategyWrapper> wrapper;
+};
+
+} // namespace Tessellum::AppData::Data::Entries
