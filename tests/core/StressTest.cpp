@@ -1,4 +1,5 @@
 #include "core/StressWorker.h"
+#include "support/Watchdog.h"
 
 #include <appconfig/utils/RepositoryProvider.h>
 #include <core/Library.h>
@@ -8,59 +9,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <cstdlib>
-#include <thread>
-
 using namespace Tessellum;
 
 namespace {
 
 constexpr int workerCount = 8;
-
-/*! Ends the process with a message if the test does not come on for a minute. */
-class Watchdog
-{
-public:
-    Watchdog()
-        : thread([this] { watch(); })
-    { }
-    ~Watchdog()
-    {
-        ended.release();
-        thread.join();
-    }
-    Q_DISABLE_COPY_MOVE(Watchdog)
-
-    void progress(const char *where)
-    {
-        place = where;
-        ++steps;
-    }
-
-private:
-    void watch()
-    {
-        constexpr int longestStepMs = 60000;
-        for (int seen = steps; !ended.tryAcquire(1, longestStepMs); seen = steps) {
-            if (seen == steps) {
-                fprintf(stderr, "StressTest hangs after: %s\n", place.load());
-                std::abort();
-            }
-        }
-    }
-
-    std::atomic<const char *> place{"begin"};
-    std::atomic<int> steps{0};
-    QSemaphore ended;
-    std::thread thread;
-};
-
-int stressSeconds()
-{
-    bool ok = false;
-    const int seconds = qEnvironmentVariableIntValue("TESSELLUM_STRESS_SECONDS", &ok);
-    return ok ? seconds : 5;
-}
 
 } // namespace
 
@@ -139,7 +92,7 @@ void StressTest::everythingAtOnce()
 
     // Each refused update says so.
     Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::critical);
-    Watchdog watchdog;
+    TestSupport::Watchdog watchdog;
     StressGate gate(workerCount);
     for (int i = 0; i < workerCount; ++i)
         workers.append(std::make_shared<StressWorker>(i, gate, record));
@@ -159,7 +112,7 @@ void StressTest::everythingAtOnce()
     int runs = 0;
     int operations = 0;
     int heard = 0;
-    while (passed.elapsed() < stressSeconds() * 1000) {
+    while (passed.elapsed() < TestSupport::StressSeconds() * 1000) {
         QVERIFY(startRun());
         record.clear();
         StressWorker::stopping = false;

@@ -1,0 +1,350 @@
+#include "core/DataStressWorker.h"
+
+#include <appdata/data/entries/EntrySpecification.h>
+#include <core/Library.h>
+
+#include <algorithm>
+
+using namespace Tessellum;
+using namespace Tessellum::AppData;
+using Notification::CreatePoint;
+using Notification::UpdatePoint;
+using TestSupport::StorageTwin;
+namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+
+std::atomic<bool> DataStressWorker::stopping{false};
+
+namespace {
+
+std::shared_ptr<Interfaces::RepositoryInterface> repository()
+{
+    Core::CoreInterface *const core = getCoreInterface();
+    return core ? core->getAppDataRepository() : nullptr;
+}
+
+quint64 nextStamp()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+
+} // namespace
+
+DataStressWorker::DataStressWorker(int workerNumber, StressGate &workersGate)
+    : number(workerNumber)
+    , gate(workersGate)
+    , random(quint32(workerNumber) + 1)
+{ }
+
+bool DataStressWorker::beginRun()
+{
+    valid = true;
+    medium = StorageTwin::Make();
+    model = {{QStringLiteral("plain"), {{}, 0, false, {}}},
+             {QStringLiteral("ring"), {{}, 3, false, {}}},
+             {QStringLiteral("stored"), {{}, 0, true, {}}},
+             {QStringLiteral("storedring"), {{}, 5, true, {}}}};
+    Storages::StorageCreateDataDetails details;
+    details.implementation = medium;
+    bool ok = repository()->getStorageInterface()->addStorage(QStringLiteral("twin"), storageName(), details,
+                                                              CreatePoint::Done, QString());
+    for (const QString &name : model.keys())
+        ok = addEntry(name) && ok;
+    return ok;
+}
+
+void DataStressWorker::run()
+{
+    while (gate.pass())
+        doSomething();
+}
+
+void DataStressWorker::doSomething()
+{
+    if (!valid)
+        return;
+    ++operations;
+    const QStringList names = model.keys();
+    const QString name = names.at(random.bounded(names.size()));
+    const int dice = random.bounded(100);
+    if (dice < 45)
+        add(name);
+    else if (dice < 50)
+        setTimestamp(name);
+    else if (dice < 65)
+        readOwn(name);
+    else if (dice < 72)
+        readOthers();
+    else if (dice < 80)
+        loadOrUnload(name);
+    else if (dice < 86)
+        changeStrategy(name);
+    else if (dice < 90)
+        removeAndAdd(name);
+    else if (dice < 92)
+        removeAndAddStorage();
+    else if (dice < 96)
+        unloadAndLoadEntry(name);
+    else
+        useConfiguration();
+    if (stopping)
+        valid = false;
+}
+
+DataStressWorker::EntryPtr DataStressWorker::find(const QString &name) const
+{
+    const auto data = repository();
+    const EntryPtr entry
+        = data ? data->getDataEntryInterface()->getDataEntry(model.value(name).uuid) : nullptr;
+    if (!entry)
+        fail(QStringLiteral("the entry %1 is not there").arg(name));
+    return entry;
+}
+
+void DataStressWorker::fail(const QString &text) const
+{
+    if (!stopping && failure.isEmpty())
+        failure = QStringLiteral("worker %1: %2").arg(number).arg(text);
+}
+
+bool DataStressWorker::addEntry(const QString &name)
+{
+    Entry &entry = model[name];
+    entry.values.clear();
+    const auto data = repository();
+    const auto added = data
+        ? data->getDataEntryInterface()->addDataEntryExtended(
+            entry.persistent ? storageName() : QString(),
+            {{Specify::Classification(), classification()},
+             {Specify::Name(), name},
+             {Specify::CategoryType(), quint32(CategoryType::Float)},
+             {Specify::Persistence(),
+              quint32(entry.persistent ? PersistenceType::Persistent : PersistenceType::Volatile)},
+             {Specify::Capacity(), entry.capacity}})
+        : nullptr;
+    entry.uuid = added ? added->getUuid() : QString();
+    return added != nullptr;
+}
+
+void DataStressWorker::add(const QString &name)
+{
+    const EntryPtr entry = find(name);
+    if (!entry)
+        return;
+    const quint64 timestamp = nextStamp();
+    const double value = double(timestamp) / 2;
+    qint64 index = -1;
+    const QString uuid = entry->getManipulationInterface()->addDataElementValue(
+        timestamp, ElementValueKind::ParsedValue, value, CreatePoint::Done, &index);
+    if (uuid.isEmpty()) {
+        fail(QStringLiteral("a value of %1 was not taken").arg(name));
+        return;
+    }
+    Entry &known = model[name];
+    if (known.capacity == 0 || quint64(known.values.size()) < known.capacity) {
+        known.values.append({uuid, timestamp, value});
+        if (index != known.values.size() - 1)
+            fail(QStringLiteral("%1: the new index is %2").arg(name).arg(index));
+        return;
+    }
+    const auto oldest = std::min_element(
+        known.values.begin(), known.values.end(),
+        [](const Value &left, const Value &right) { return left.timestamp < right.timestamp; });
+    if (oldest->uuid != uuid)
+        fail(QStringLiteral("%1: the ring did not overwrite the oldest").arg(name));
+    *oldest = {oldest->uuid, timestamp, value};
+}
+
+void DataStressWorker::setTimestamp(const QString &name)
+{
+    Entry &known = model[name];
+    if (known.capacity > 0 || known.values.isEmpty()) // the order of a ring is that of its time stamps
+        return;
+    Value &value = known.values[random.bounded(known.values.size())];
+    const EntryPtr entry = find(name);
+    const auto element = entry ? entry->getQueryInterface()->getElementById(value.uuid) : nullptr;
+    const quint64 timestamp = nextStamp();
+    if (element && element->getManipulationInterface()->setTimestamp(timestamp, UpdatePoint::Done))
+        value.timestamp = timestamp;
+    else
+        fail(QStringLiteral("%1: a time stamp was not set").arg(name));
+}
+
+void DataStressWorker::readOwn(const QString &name) const
+{
+    const EntryPtr entry = find(name);
+    if (!entry)
+        return;
+    const QString difference = differenceOf(name, model.value(name));
+    if (!difference.isEmpty())
+        fail(difference);
+}
+
+void DataStressWorker::readOthers() const
+{
+    const auto data = repository();
+    if (!data)
+        return;
+    for (const auto &entry : data->getDataEntryInterface()->getDataEntries(QStringLiteral("stress*"))) {
+        for (const auto &element :
+             entry->getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter())) {
+            element->getQueryInterface()->getParsedData();
+        }
+        quint64 first = 0;
+        quint64 last = 0;
+        entry->getQueryInterface()->getTimeSpan(first, last);
+    }
+}
+
+void DataStressWorker::loadOrUnload(const QString &name)
+{
+    const Entry &known = model[name];
+    if (!known.persistent || known.values.isEmpty()) // what is volatile would be lost
+        return;
+    const QString uuid = known.values.at(random.bounded(known.values.size())).uuid;
+    const EntryPtr entry = find(name);
+    const auto element = entry ? entry->getQueryInterface()->getElementById(uuid) : nullptr;
+    const auto command = random.bounded(2) == 0 ? ElementCommand::Load : ElementCommand::Unload;
+    if (!element || !element->getManipulationInterface()->performCommand(command))
+        fail(QStringLiteral("%1: an element was not loaded or unloaded").arg(name));
+}
+
+void DataStressWorker::changeStrategy(const QString &name)
+{
+    const EntryPtr entry = model.value(name).persistent ? find(name) : nullptr;
+    if (!entry)
+        return;
+    const auto memory = entry->getMemoryStrategyInterface();
+    switch (random.bounded(4)) {
+    case 0:
+        memory->installMemoryStrategy(QStringLiteral("last"), QStringLiteral("{\"limit\":2}"));
+        break;
+    case 1:
+        memory->installMemoryStrategy(
+            QStringLiteral("timespan"),
+            QStringLiteral("{\"from\":{\"value\":5,\"type\":\"relative_from_end\"}}"));
+        break;
+    case 2:
+        memory->configureMemoryStrategy(QStringLiteral("{\"limit\":1}"));
+        break;
+    default:
+        memory->removeMemoryStrategy();
+    }
+}
+
+void DataStressWorker::removeAndAdd(const QString &name)
+{
+    const auto data = repository();
+    if (!data || !data->getDataEntryInterface()->removeDataEntry(model.value(name).uuid) || !addEntry(name))
+        fail(QStringLiteral("%1 was not removed and added again").arg(name));
+}
+
+void DataStressWorker::removeAndAddStorage()
+{
+    const auto data = repository();
+    if (!data)
+        return;
+    const auto storages = data->getStorageInterface();
+    Storages::StorageCreateDataDetails details;
+    details.implementation = medium;
+    bool ok = storages->removeStorage(storageName())
+        && storages->addStorage(QStringLiteral("twin"), storageName(), details, CreatePoint::Done, QString());
+    for (const Entry &entry : qAsConst(model))
+        ok = ok && (!entry.persistent || loadEntry(entry.uuid));
+    if (!ok)
+        fail(QStringLiteral("the storage was not removed and added again"));
+}
+
+void DataStressWorker::unloadAndLoadEntry(const QString &name)
+{
+    const Entry &known = model[name];
+    const auto data = repository();
+    const auto storage = data ? data->getStorageInterface()->getStorage(storageName()) : nullptr;
+    if (!known.persistent || !storage)
+        return;
+    if (!storage->getManipulationInterface()->unloadDataEntry(known.uuid) || !loadEntry(known.uuid))
+        fail(QStringLiteral("%1 was not unloaded and loaded again").arg(name));
+}
+
+bool DataStressWorker::loadEntry(const QString &uuid) const
+{
+    const auto data = repository();
+    const auto storage = data ? data->getStorageInterface()->getStorage(storageName()) : nullptr;
+    if (!storage || !storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand))
+        return false;
+    const EntryPtr entry = data->getDataEntryInterface()->getDataEntry(uuid);
+    // Its elements come by a task of their own.
+    while (entry && !stopping && entry->getLoadStatus() == LoadStatus::CurrentlyLoading)
+        QThread::yieldCurrentThread();
+    return entry && entry->getLoadStatus() == LoadStatus::Loaded;
+}
+
+void DataStressWorker::useConfiguration()
+{
+    Core::CoreInterface *const core = getCoreInterface();
+    const auto configuration = core ? core->getAppConfigRepository() : nullptr;
+    if (configuration)
+        configuration->getManipulationInterface()->updateAttribute(QStringLiteral("stressed.w%1").arg(number),
+                                                                   operations, UpdatePoint::Done);
+}
+
+QString DataStressWorker::findDifference() const
+{
+    if (!failure.isEmpty())
+        return failure;
+    for (auto entry = model.cbegin(); valid && entry != model.cend(); ++entry) {
+        const QString difference = differenceOf(entry.key(), *entry);
+        if (!difference.isEmpty())
+            return QStringLiteral("worker %1: %2").arg(number).arg(difference);
+    }
+    return {};
+}
+
+QString DataStressWorker::differenceOf(const QString &name, const Entry &expected) const
+{
+    const auto data = repository();
+    const auto entries = data ? data->getDataEntryInterface() : nullptr;
+    const auto pair = entries ? entries->getDataEntry(classification(), name) : nullptr;
+    const auto entry = entries ? entries->getDataEntry(expected.uuid) : nullptr;
+    if (!pair || !entry)
+        return QStringLiteral("%1 or its pair is missing").arg(name);
+    const auto linked = entries->getDataEntries(classification() + QLatin1Char('.') + name);
+    if (linked.size() != 1 || linked.first()->getUuid() != expected.uuid)
+        return QStringLiteral("%1: the pair links to %2 entries").arg(name).arg(linked.size());
+    const auto found
+        = entry->getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter());
+    const auto references = pair->getQueryInterface()->countElements(ActivationMask::All);
+    if (found.size() != expected.values.size() || references != quint64(found.size())) {
+        return QStringLiteral("%1: %2 elements and %3 references in place of %4")
+            .arg(name)
+            .arg(found.size())
+            .arg(references)
+            .arg(expected.values.size());
+    }
+    for (int i = 0; i < found.size(); ++i) {
+        const Value &value = expected.values.at(i);
+        const auto query = found.at(i)->getQueryInterface();
+        const QVariant parsed = *query->getParsedData();
+        if (found.at(i)->getUuid() != value.uuid || query->getTimestamp() != value.timestamp
+            || parsed.toDouble() != value.value) {
+            return QStringLiteral("%1: element %2 is %3 at %4 in place of %5 at %6")
+                .arg(name)
+                .arg(i)
+                .arg(parsed.toString())
+                .arg(query->getTimestamp())
+                .arg(value.value)
+                .arg(value.timestamp);
+        }
+        if (!expected.persistent)
+            continue;
+        Data::Elements::ElementUpdateData stored;
+        quint64 timestamp = 0;
+        QByteArray raw;
+        if (!medium->deserializeElement(expected.uuid, value.uuid, stored, LoadDataHint::LoadAtOnce)
+            || !stored.getTimestamp(timestamp) || timestamp != value.timestamp || !stored.getRawData(raw)
+            || raw != query->getRawData()) {
+            return QStringLiteral("%1: the medium differs in element %2").arg(name).arg(i);
+        }
+    }
+    return {};
+}
