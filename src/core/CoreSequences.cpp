@@ -1,9 +1,12 @@
 #include <appconfig/attributes/AttributeCreation.h>
+#include <appconfig/backends/AutomaticConstraintsBackendLoader.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appconfig/validation/AttributeValidationRepository.h>
 #include <core/CoreSequences.h>
+#include <core/utils/LibraryFile.h>
 #include <core/utils/LibraryHash.h>
 #include <core/utils/StartFault.h>
+#include <core/VersionRecords.h>
 #include <notification/NotificationThreadPool.h>
 #include <notification/Observer.h>
 #include <notification/RepositoryHierarchyThreadProvider.h>
@@ -13,6 +16,8 @@
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QThread>
 
 #include <utility>
@@ -93,6 +98,14 @@ bool linkInternalSettings(RepositoryProvider &provider, const NodePtr &target)
     return (present && present->isLinked()) || provider.addRootLink(name, target, true);
 }
 
+void loadAutomaticConstraints(const QString &libraryFile, const NodePtr &root)
+{
+    if (libraryFile.isEmpty())
+        return;
+    const QString file = QFileInfo(libraryFile).dir().absoluteFilePath(QStringLiteral("constraints.ini"));
+    AppConfig::Backends::AutomaticConstraintsBackendLoader(file, QStringLiteral("constraints"), root);
+}
+
 bool addMissingTypes(const QString &list, const QStringList &keys, const QString &description)
 {
     const auto pattern = RepositoryProvider::getInstance()->getListPattern(QStringLiteral("types"), list);
@@ -134,7 +147,7 @@ bool registerMetatypes()
     return result;
 }
 
-bool registerInternalSettings()
+bool registerInternalSettings(const QString &libraryFile)
 {
     RepositoryProvider *const provider = RepositoryProvider::getInstance();
     const auto settings = provider->getSettings();
@@ -150,7 +163,9 @@ bool registerInternalSettings()
     bool result = true;
     for (const auto &[key, value] : entries)
         result = writeSetting(*settings, root, key, value) && result;
-    return linkInternalSettings(*provider, root) && result;
+    result = linkInternalSettings(*provider, root) && result;
+    loadAutomaticConstraints(libraryFile, root);
+    return result;
 }
 
 bool attachListNodes()
@@ -184,8 +199,11 @@ bool startCore()
 {
     NodePtr noKeeper;
     RepositoryProvider::getInstance()->setRepositoryActive(noKeeper, false);
-    bool result = registerMetatypes();
-    result = registerInternalSettings() && result;
+    const QString libraryFile = utils::LibraryFilePath();
+    bool result = registerVersionInformation(VersionInformationList{LibraryVersionRecord(libraryFile)}
+                                             + rememberedPluginRecords());
+    result = registerMetatypes() && result;
+    result = registerInternalSettings(libraryFile) && result;
     result = attachListNodes() && result;
     result = registerTypeLists() && result;
     result = !utils::IsStartFaultRequested() && result;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace Tessellum::Core {
 
 /*!
@@ -18,8 +20,11 @@ bool stopCore();
 
 /*! Publishes the numbers and names of the library's metatypes in the list "metatypes.repository". */
 bool registerMetatypes();
-/*! Writes the library's settings and links them read-only at "internal". */
-bool registerInternalSettings();
+/*!
+ * Writes the library's settings and links them read-only at "internal". Starts to load the constraints that
+ * lie beside \a libraryFile, if it is not empty, and does not wait for them.
+ */
+bool registerInternalSettings(const QString &libraryFile);
 /*! Hangs the lists into the tree of the internal settings. */
 bool attachListNodes();
 /*! Adds the type keys that the lists beneath "types" miss; false if none of the lists is there. */

@@ -1,5 +1,7 @@
+#include <appconfig/utils/RepositoryProvider.h>
 #include <core/CoreSequences.h>
 #include <core/Library.h>
+#include <core/PluginLoader.h>
 #include <core/TessellumImplementation.h>
 #include <core/utils/LibraryHash.h>
 #include <core/utils/ThreadData.h>
@@ -154,4 +156,26 @@ bool getLibraryHash(QString *out)
         return false;
     *out = Core::utils::LibraryHash();
     return true;
+}
+
+bool getVersionInformation(const int &index, QString *value, QString *identifier, unsigned int *count)
+{
+    const Shared::VersionInformation::IdentifierMapping mapping;
+    if (count)
+        *count = static_cast<unsigned int>(mapping.getIdentifiers().size());
+    if (!value)
+        return count != nullptr;
+    const QString prefix
+        = QStringLiteral("Tessellum") + Shared::Hierarchy::HierarchyNode::GetHierarchyNodePathSeparator();
+    const Shared::VersionInformation::VersionInformation record(
+        AppConfig::utils::RepositoryProvider::getInstance()->getSettings(), prefix);
+    *value = record.getVersionInformationByIdentifier(mapping.getIdentifierByIndex(index));
+    if (identifier)
+        *identifier = mapping.getIdentifierStringByIndex(index);
+    return true;
+}
+
+int addPluginSearchPath(const QString &path)
+{
+    return Core::AddPluginSearchPath(path);
 }

@@ -37,4 +37,21 @@ getLocalizationInterface(std::weak_ptr<Tessellum::Core::CoreLocalizationInterfac
 
 /*! The constant text that identifies this line of the library to its plug-ins; false for a null \a out. */
 TESSELLUM_EXPORT bool getLibraryHash(QString *out);
+
+/*!
+ * Reads the version record that the library published at its start: \a value gets the text of the entry \a
+ * index (from 0), \a identifier its name, \a count how many entries there are; each may be null. Outside of
+ * the entries, and while the library does not run, the texts are empty. False if both \a value and \a count
+ * are null.
+ */
+TESSELLUM_EXPORT bool getVersionInformation(const int &index, QString *value, QString *identifier,
+                                            unsigned int *count);
+
+/*!
+ * Loads the plug-ins of the folder \a path; they stay in the process, also over a stop. 0: the path is new,
+ * and its plug-ins are loaded (or there are none). -1: the path was given before, or another thread is at it,
+ * and nothing was done. -2: it is empty. A plug-in that cannot be loaded, or throws, is passed over. The
+ * library need not run.
+ */
+TESSELLUM_EXPORT int addPluginSearchPath(const QString &path);
 }

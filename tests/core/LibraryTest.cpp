@@ -56,6 +56,7 @@ private Q_SLOTS:
     void resultsOfStartAndStop();
     void localesAndHash();
     void internalTree();
+    void versionInformation();
     void everyStartGivesTheSameTree();
     void failedStart();
     void stopInsideHandlerIsRefused();
@@ -132,6 +133,36 @@ void LibraryTest::internalTree()
                                                                      Notification::CreatePoint::Done, 3));
     QVERIFY(!repository->getManipulationInterface()->deleteAttribute(QStringLiteral("internal"),
                                                                      Notification::DeletePoint::Done));
+}
+
+void LibraryTest::versionInformation()
+{
+    unsigned int count = 0;
+    QString value = QStringLiteral("old");
+    QString name;
+    QVERIFY(!getVersionInformation(0, nullptr, &name, nullptr));
+    QVERIFY(getVersionInformation(-1, nullptr, nullptr, &count));
+    QCOMPARE(count, 11u);
+    QVERIFY(getVersionInformation(7, &value, &name, nullptr));
+    QCOMPARE(value, QString());
+    QCOMPARE(name, QString("ProductName"));
+
+    QCOMPARE(initializeLibrary(), 0);
+    QVERIFY(getVersionInformation(7, &value, nullptr, nullptr));
+    QCOMPARE(value, QString("Tessellum library"));
+    for (const int outside : {-1, 11}) {
+        QVERIFY(getVersionInformation(outside, &value, &name, &count));
+        QVERIFY(value.isEmpty() && name.isEmpty());
+    }
+    const auto *const provider = AppConfig::utils::RepositoryProvider::getInstance();
+    const auto modules = provider->getListPattern(QStringLiteral("names"), QStringLiteral("modules"));
+    QCOMPARE(modules->getElements(), QStringList("Tessellum"));
+    QVariant place;
+    QVERIFY(modules->getElement("Tessellum")->getValue(place, QMetaType::QString));
+    QCOMPARE(place, QVariant("internal.modules.information.Tessellum"));
+    const auto repository = getCoreInterface()->getAppConfigRepository();
+    QVERIFY(repository->getBackendInterface()->hasBackend("Tessellum"));
+    QVERIFY(!repository->getBackendInterface()->saveBackend("Tessellum"));
 }
 
 void LibraryTest::everyStartGivesTheSameTree()

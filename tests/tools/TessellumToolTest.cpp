@@ -103,6 +103,7 @@ private Q_SLOTS:
     void theShellWorksOnBackends();
     void theShellHears();
     void theShellRunsTheLibrary();
+    void theShellTellsVersionsAndLoadsPlugins();
     void theShellTellsItsGravestResult();
 
 private:
@@ -272,6 +273,23 @@ void TessellumToolTest::theShellRunsTheLibrary()
     QVERIFY(shell.succeeds("create text 1"));
     QVERIFY(shell.heard.isEmpty());
     QCOMPARE(shell.finish(), 2); // the end of the input stops the library
+}
+
+void TessellumToolTest::theShellTellsVersionsAndLoadsPlugins()
+{
+    ShellProcess shell;
+    QVERIFY(shell.ask("version").contains("error"));
+    QVERIFY(shell.succeeds("plugins " + QFileInfo(FOLDER_BACKEND).path().toUtf8()));
+    QVERIFY(shell.succeeds("start"));
+    const QJsonObject record = shell.ask("version").value("version").toObject();
+    QCOMPARE(record.size(), 11);
+    QCOMPARE(record.value("ProductName"), QJsonValue("Tessellum library"));
+    QVERIFY(shell.ask("backends").value("types").toArray().contains("folder"));
+    QCOMPARE(shell.ask("plugins " + QFileInfo(FOLDER_BACKEND).path().toUtf8()).value("result"),
+             QJsonValue(-1));
+    QCOMPARE(shell.ask("plugins \"\"").value("result"), QJsonValue(-2));
+    QCOMPARE(shell.ask("get internal.modules.information.FolderBackend.FileVersion").value("value"),
+             QJsonValue("1.0"));
 }
 
 void TessellumToolTest::theShellTellsItsGravestResult()

@@ -123,6 +123,8 @@ const QVector<Shell::Entry> &Shell::Entries()
         {"log", "verbose|debug|log|warning|critical|fatal", "set the least level that is logged", 1, 1,
          &Shell::setLogLevel},
         {"locale", "[NAME]", "the locales; with a name, set the default", 0, 1, &Shell::locale},
+        {"plugins", "PATH", "load the plug-ins of a folder", 1, 1, &Shell::addPlugins},
+        {"version", "", "the version record of the running library", 0, 0, &Shell::version},
         {"help", "", "this list", 0, 0, &Shell::help},
     };
     return entries;
@@ -190,6 +192,33 @@ QJsonObject Shell::locale(const Arguments &arguments)
         registered.append(locale.name());
     return {{QStringLiteral("default"), localization->defaultLocale().name()},
             {QStringLiteral("registered"), registered}};
+}
+
+QJsonObject Shell::version(const Arguments &)
+{
+    if (!getCoreInterface())
+        Fail(QStringLiteral("the library does not run"));
+    unsigned int count = 0;
+    getVersionInformation(0, nullptr, nullptr, &count);
+    QJsonObject record;
+    for (unsigned int index = 0; index < count; ++index) {
+        QString name;
+        QString value;
+        getVersionInformation(static_cast<int>(index), &value, &name, nullptr);
+        record.insert(name, value);
+    }
+    return {{QStringLiteral("version"), record}};
+}
+
+QJsonObject Shell::addPlugins(const Arguments &arguments)
+{
+    const int result = addPluginSearchPath(arguments.text(0));
+    const QJsonObject object{{QStringLiteral("result"), result}};
+    if (result != 0)
+        Fail(result == -1 ? QStringLiteral("the folder was given before")
+                          : QStringLiteral("the folder has no name"),
+             object);
+    return object;
 }
 
 } // namespace Tessellum::Tool

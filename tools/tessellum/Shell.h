@@ -70,6 +70,8 @@ private:
     QJsonObject removeData(const Arguments &arguments);
     QJsonObject setLogLevel(const Arguments &arguments);
     QJsonObject locale(const Arguments &arguments);
+    QJsonObject version(const Arguments &arguments);
+    QJsonObject addPlugins(const Arguments &arguments);
 
     JsonLines lines;
     Watches watches;

@@ -1,14 +1,17 @@
 #include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/backends/ConstraintsBackend.h>
+#include <appconfig/backends/IniFileBackend.h>
 #include <appconfig/backends/JsonBackend.h>
 #include <appconfig/backends/MemoryBackend.h>
+#include <appconfig/backends/VersionInformationBackend.h>
 
 namespace Tessellum::AppConfig::Backends {
 
 int RegisterBackends(BackendFactory &factory)
 {
     return RegisterBackend<MemoryBackend>(factory) + RegisterBackend<JsonBackend>(factory)
-        + RegisterBackend<ConstraintsBackend>(factory);
+        + RegisterBackend<ConstraintsBackend>(factory) + RegisterBackend<IniFileBackend>(factory)
+        + RegisterBackend<VersionInformationBackend>(factory);
 }
 
 } // namespace Tessellum::AppConfig::Backends

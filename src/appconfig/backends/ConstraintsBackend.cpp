@@ -79,7 +79,7 @@ ConstraintsBackend::ConstraintResult ConstraintsBackend::registerConstraint(cons
         if (!validation->addChild(child, nullptr))
             return ConstraintResult::Failed;
     }
-    return repository->registerBackendValidation(validation) && addChild(validation, nullptr)
+    return repository->registerBackendValidation(validation, self()) && addChild(validation, nullptr)
         ? ConstraintResult::Registered
         : ConstraintResult::Failed;
 }

@@ -14,6 +14,17 @@ namespace Tessellum::AppConfig::Validation {
 namespace {
 
 using ValidationPtr = std::shared_ptr<AttributeValidationInterface>;
+using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
+
+/*! Whether a backend has left the tree, by itself or with what it hung beneath. */
+bool HasLeftTree(NodePtr backend)
+{
+    if (!backend)
+        return true;
+    while (backend && !backend->isDeleteFlagSet())
+        backend = backend->getParent();
+    return backend != nullptr;
+}
 
 template <class T>
 ValidationPtr MakeLimits(const QString &id)
@@ -63,12 +74,13 @@ ValidationPtr AttributeValidationRepository::getValidation(const QString &id) co
 
 bool AttributeValidationRepository::registerValidation(const ValidationPtr &validation)
 {
-    return insert(validation, false);
+    return insert(validation, nullptr);
 }
 
-bool AttributeValidationRepository::registerBackendValidation(const ValidationPtr &validation)
+bool AttributeValidationRepository::registerBackendValidation(const ValidationPtr &validation,
+                                                              const NodePtr &backend)
 {
-    return insert(validation, true);
+    return insert(validation, backend);
 }
 
 bool AttributeValidationRepository::unregisterValidation(const QString &id)
@@ -76,7 +88,7 @@ bool AttributeValidationRepository::unregisterValidation(const QString &id)
     ValidationPtr removed; // may be the last pointer, and dies after the lock
     QWriteLocker locker(&lock);
     removed = validations.take(id);
-    backendIds.remove(id);
+    backends.remove(id);
     return removed != nullptr;
 }
 
@@ -84,9 +96,9 @@ void AttributeValidationRepository::unregisterBackendValidations()
 {
     QList<ValidationPtr> removed; // die after the lock
     QWriteLocker locker(&lock);
-    for (const QString &id : qAsConst(backendIds))
-        removed.append(validations.take(id));
-    backendIds.clear();
+    for (auto backend = backends.cbegin(); backend != backends.cend(); ++backend)
+        removed.append(validations.take(backend.key()));
+    backends.clear();
 }
 
 QStringList AttributeValidationRepository::getValidationIds() const
@@ -95,22 +107,48 @@ QStringList AttributeValidationRepository::getValidationIds() const
     return validations.keys();
 }
 
-bool AttributeValidationRepository::insert(const ValidationPtr &validation, bool fromBackend)
+void AttributeValidationRepository::removeIfGone(const QString &id,
+                                                 const std::shared_ptr<Core::HierarchyListPattern> &list)
+{
+    std::shared_ptr<AttributeValidationInterface> removed; // dies after the lock
+    NodePtr backend;
+    {
+        QReadLocker locker(&lock);
+        removed = validations.value(id);
+        if (!backends.contains(id))
+            return;
+        backend = backends.value(id).lock();
+    }
+    if (!HasLeftTree(backend)) // takes locks of nodes
+        return;
+    {
+        QWriteLocker locker(&lock);
+        if (validations.value(id) != removed)
+            return;
+        validations.remove(id);
+        backends.remove(id);
+    }
+    if (list)
+        list->removeElementFromList(id);
+}
+
+bool AttributeValidationRepository::insert(const ValidationPtr &validation, const NodePtr &backend)
 {
     const QString id = validation ? validation->getValidationId() : QString();
     if (id.isEmpty())
         return false;
+    const auto list = AppConfig::utils::RepositoryProvider::getInstance()->getListPattern(
+        QStringLiteral("names"), QStringLiteral("validations"));
+    removeIfGone(id, list);
     {
         QWriteLocker locker(&lock);
         if (validations.contains(id))
             return false;
         validations.insert(id, validation);
-        if (fromBackend)
-            backendIds.insert(id);
+        if (backend)
+            backends.insert(id, backend);
     }
     // The list starts a task, so it is told with no lock held.
-    const auto list = AppConfig::utils::RepositoryProvider::getInstance()->getListPattern(
-        QStringLiteral("names"), QStringLiteral("validations"));
     if (list) {
         const Shared::Hierarchy::HierarchyStringPathLink place(validation->getNodePath());
         list->addElementToList(id, QVariant::fromValue(place), true);

@@ -1,20 +1,21 @@
 #pragma once
 
+#include <appconfig/HierarchyListPattern.h>
 #include <appconfig/InternalSettingsProvider.h>
 #include <appconfig/validation/AttributeValidationInterface.h>
 #include <shared/synchronization/Factory.h>
 #include <shared/synchronization/Singleton.h>
 
+#include <QHash>
 #include <QMap>
 #include <QReadWriteLock>
-#include <QSet>
 
 namespace Tessellum::AppConfig::Validation {
 
 /*!
  * All validations of the process, by id, and the factory of their types.
  *
- * Threads: any. The lock guards the map and the set of backends' ids alone: nodes are made and lists are
+ * Threads: any. The lock guards the two maps alone: nodes are made and lists are
  * written outside it.
  */
 class AttributeValidationRepository
@@ -33,8 +34,9 @@ public:
     /*! False for a null pointer, an empty id, and an id that is registered already. */
     bool registerValidation(const std::shared_ptr<AttributeValidationInterface> &validation);
     /*! As registerValidation(), for a validation that was read from a file and comes again with the next
-     * start. */
-    bool registerBackendValidation(const std::shared_ptr<AttributeValidationInterface> &validation);
+     * start. Once \a backend has left the tree, another one may take its id. */
+    bool registerBackendValidation(const std::shared_ptr<AttributeValidationInterface> &validation,
+                                   const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &backend);
     /*! Forgets an id whose source goes away; the list of names is the caller's business. */
     bool unregisterValidation(const QString &id);
     /*! Forgets what registerBackendValidation() took, also of backends that have gone; for the stop. */
@@ -45,11 +47,15 @@ public:
 private:
     AttributeValidationRepository();
 
-    bool insert(const std::shared_ptr<AttributeValidationInterface> &validation, bool fromBackend);
+    /*! Forgets the validation of a backend that has left the tree. */
+    void removeIfGone(const QString &id, const std::shared_ptr<Core::HierarchyListPattern> &list);
+    /*! \a backend is null for a validation of the application. */
+    bool insert(const std::shared_ptr<AttributeValidationInterface> &validation,
+                const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &backend);
 
     mutable QReadWriteLock lock;
     QMap<QString, std::shared_ptr<AttributeValidationInterface>> validations;
-    QSet<QString> backendIds;
+    QHash<QString, std::weak_ptr<Shared::Hierarchy::HierarchyNode>> backends; ///< whose the ids are
 };
 
 } // namespace Tessellum::AppConfig::Validation

@@ -1,6 +1,9 @@
 #include <shared/foundation/IniFile.h>
 #include <shared/logging/FrameworkLog.h>
 
+#include <QFileInfo>
+#include <QSaveFile>
+
 namespace Shared {
 
 namespace {
@@ -20,6 +23,80 @@ void StoreValue(QHash<QString, QVariant> &section, const QString &key, const QSt
         return;
     }
     section.insert(key, value);
+}
+
+bool HasLineBreak(const QString &text)
+{
+    return text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'));
+}
+
+QString InOneLine(const QString &section, const QString &key, QString value)
+{
+    if (HasLineBreak(value)) {
+        value.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        value.replace(QLatin1Char('\n'), QLatin1Char(' '));
+        value.replace(QLatin1Char('\r'), QLatin1Char(' '));
+        Logging::FrameworkLog().warning() << "Shared::WriteIniFile: The value of key '" << key
+                                          << "' in section '" << section << "' loses its line breaks";
+    }
+    return value;
+}
+
+bool IsWritable(const char *kind, const QString &name)
+{
+    if (!HasLineBreak(name))
+        return true;
+    Logging::FrameworkLog().warning()
+        << "Shared::WriteIniFile: The " << kind << " '" << name << "' holds a line break and is not written";
+    return false;
+}
+
+QStringList SortedKeys(QStringList keys)
+{
+    keys.sort();
+    return keys;
+}
+
+/*! False if something had to be left out. */
+bool Render(const IniContent &content, const QString &separator, QByteArray &text)
+{
+    bool complete = true;
+    QTextStream stream(&text, QIODevice::WriteOnly);
+    stream.setCodec("UTF-8");
+    for (const QString &section : SortedKeys(content.keys())) {
+        if (!IsWritable("section", section)) {
+            complete = false;
+            continue;
+        }
+        stream << '[' << section << "]\n";
+        const auto values = content.value(section);
+        for (const QString &key : SortedKeys(values.keys())) {
+            if (IsWritable("key", key))
+                stream << key << separator << '"' << InOneLine(section, key, values.value(key).toString())
+                       << "\"\n";
+            else
+                complete = false;
+        }
+    }
+    return complete;
+}
+
+template <class File>
+bool Write(File &file, const QByteArray &text)
+{
+    return file.open(QIODevice::WriteOnly | QIODevice::Text) && file.write(text) == text.size()
+        && file.flush();
+}
+
+bool WriteWhole(const QString &name, const QByteArray &text)
+{
+    const QFileInfo present(name);
+    if (present.exists() && !present.isFile()) {
+        QFile device(name);
+        return Write(device, text);
+    }
+    QSaveFile file(name);
+    return Write(file, text) && file.commit();
 }
 
 } // namespace
@@ -69,6 +146,23 @@ bool ParseIniFile(const QByteArray &bytes, IniContent &result, const QRegExp &se
     QTextStream stream(bytes, QIODevice::ReadOnly);
     stream.setCodec("UTF-8");
     return ParseIniFile(stream, result, separator);
+}
+
+bool WriteIniFile(QFile &file, const IniContent &content, bool replace, const QRegExp &separator)
+{
+    const QString name = file.fileName();
+    IniContent merged;
+    QFile present(name);
+    if (!replace && QFileInfo(name).isFile() && !ParseIniFile(present, merged, separator))
+        return false;
+    for (auto section = content.begin(); section != content.end(); ++section) {
+        auto &values = merged[section.key()];
+        for (auto value = section->begin(); value != section->end(); ++value)
+            values.insert(value.key(), value.value());
+    }
+    QByteArray text;
+    const bool complete = Render(merged, separator.pattern(), text);
+    return WriteWhole(name, text) && complete;
 }
 
 } // namespace Shared

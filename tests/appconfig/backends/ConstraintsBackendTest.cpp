@@ -1,6 +1,9 @@
 #include <appconfig/attributes/Attribute.h>
+#include <appconfig/backends/AutomaticConstraintsBackendLoader.h>
 #include <appconfig/backends/ConstraintsBackend.h>
+#include <appconfig/utils/RepositoryBackendProvider.h>
 #include <appconfig/utils/RepositoryProvider.h>
+#include <appconfig/utils/RunningRepository.h>
 #include <appconfig/validation/AttributeValidationRepository.h>
 #include <notification/utils/MakeNode.h>
 
@@ -28,10 +31,12 @@ private Q_SLOTS:
     void firstFileKeepsTheId();
     void nestedSection();
     void savesNothing();
+    void loadsByItself();
 
 private:
     std::shared_ptr<ConstraintsBackend> backend(const QString &file) const;
     std::shared_ptr<ConstraintsBackend> backendOf(const QByteArray &content);
+    QString fileOf(const QByteArray &content);
     static bool load(const std::shared_ptr<ConstraintsBackend> &backend);
 
     AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
@@ -52,10 +57,15 @@ std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backend(const QStrin
 
 std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backendOf(const QByteArray &content)
 {
+    return backend(fileOf(content));
+}
+
+QString ConstraintsBackendTest::fileOf(const QByteArray &content)
+{
     QFile file(directory.filePath(QString::number(++files)));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write the test's file");
-    return backend(file.fileName());
+    return file.fileName();
 }
 
 bool ConstraintsBackendTest::load(const std::shared_ptr<ConstraintsBackend> &backend)
@@ -146,6 +156,33 @@ void ConstraintsBackendTest::savesNothing()
     QVERIFY(load(constraints));
     QVERIFY(!constraints->saveAttributes());
     QCOMPARE(constraints->getTypeKeys(), QStringList({"constraint", "constraints"}));
+}
+
+void ConstraintsBackendTest::loadsByItself()
+{
+    using Backends::AutomaticConstraintsBackendLoader;
+    RunningRepository run;
+    const auto internal = run.provider().getInternalRoot();
+    const QString file = fileOf("[limit]\nType=limit\n");
+    {
+        TestSupport::LogCapture log;
+        QVERIFY(!AutomaticConstraintsBackendLoader(directory.filePath("none"), "constraints", internal));
+        QCOMPARE(log.lines(), QStringList());
+    }
+    QVERIFY(AutomaticConstraintsBackendLoader(file, "constraints", internal));
+    QTRY_COMPARE(run.provider().getBackendProvider()->getBackendNames(), QStringList("constraints"));
+    const auto loaded = run.provider().getBackendProvider()->getBackend("constraints");
+    QVERIFY(loaded && internal->findChildByRelativePath("constraints.limit"));
+    QCOMPARE(loaded->getType(), QString("constraint"));
+    QCOMPARE(loaded->getDescription(), "Automatically registered constraints from: '" + file + "'");
+    QVERIFY(!run.provider().getBackendProvider()->saveBackend("constraints"));
+
+    run.stop();
+    TestSupport::LogCapture log;
+    QVERIFY(!AutomaticConstraintsBackendLoader(file, "constraints", internal));
+    QCOMPARE(log.lines(),
+             QStringList("WARNING AutomaticConstraintsBackendLoader() unable to load '" + file
+                         + "' as constraints 'constraints' beneath 'internal'"));
 }
 
 QTEST_GUILESS_MAIN(ConstraintsBackendTest)

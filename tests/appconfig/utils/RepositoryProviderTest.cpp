@@ -196,7 +196,8 @@ void RepositoryProviderTest::validationsOfBackendsAreForgotten()
     RunningRepository run;
     const auto ofBackend = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of a backend"));
     const auto own = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of the application"));
-    QVERIFY(known->registerBackendValidation(ofBackend) && known->registerValidation(own));
+    QVERIFY(known->registerBackendValidation(ofBackend, run.provider().getRoot()));
+    QVERIFY(known->registerValidation(own));
     run.stop();
     QCOMPARE(known->getValidationIds(), QStringList("of the application"));
     known->unregisterValidation("of the application");

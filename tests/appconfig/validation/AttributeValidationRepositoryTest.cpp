@@ -86,12 +86,20 @@ void AttributeValidationRepositoryTest::registersAnIdOnce()
 void AttributeValidationRepositoryTest::forgetsWhatBackendsRegistered()
 {
     const auto node = [](const char *id) { return MakeNode<LimitsValidation<int>>(QString(id)); };
+    const auto backend = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(QStringLiteral("backend"));
     QVERIFY(repository->registerValidation(node("kept")));
-    QVERIFY(repository->registerBackendValidation(node("file")));
-    QVERIFY(!repository->registerBackendValidation(node("kept")));
+    QVERIFY(repository->registerBackendValidation(node("file"), backend));
+    QVERIFY(!repository->registerBackendValidation(node("kept"), backend));
     repository->unregisterBackendValidations();
     QCOMPARE(repository->getValidationIds(), QStringList("kept"));
-    QVERIFY(repository->registerBackendValidation(node("file")));
+    const auto other = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(QStringLiteral("other"));
+    const auto fresh = node("file");
+    QVERIFY(repository->registerBackendValidation(node("file"), backend));
+    QVERIFY(!repository->registerBackendValidation(fresh, other));
+    backend->setDeleteFlag();
+    QVERIFY(repository->registerBackendValidation(fresh, other));
+    QCOMPARE(repository->getValidation("file"),
+             std::shared_ptr<Validation::AttributeValidationInterface>(fresh));
     repository->unregisterBackendValidations();
     QVERIFY(repository->unregisterValidation(QStringLiteral("kept")));
 }

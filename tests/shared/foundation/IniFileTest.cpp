@@ -7,6 +7,7 @@
 
 using Shared::IniContent;
 using Shared::ParseIniFile;
+using Shared::WriteIniFile;
 
 class IniFileTest : public QObject
 {
@@ -19,6 +20,10 @@ private Q_SLOTS:
     void firstOfTwoValuesStays();
     void files();
     void streamWithoutSource();
+    void writtenContentReadsBack();
+    void writingLaysOverWhatIsThere();
+    void lineBreaksAreNotWritten();
+    void filesThatCannotBeWritten();
 
 private:
     const QRegExp separator{QStringLiteral("=")};
@@ -119,6 +124,69 @@ void IniFileTest::streamWithoutSource()
     QTextStream stream(&text);
     QVERIFY(ParseIniFile(stream, content, separator));
     QCOMPARE(content, IniContent({{QString(), {{"k", "v"}}}}));
+}
+
+void IniFileTest::writtenContentReadsBack()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("a.ini"));
+    const IniContent content{
+        {"", {{"early", "1"}}},
+        {"a]", {{"blanks", "  x "}, {"quotes", "\"y\" \""}, {"equal", "1=2"}, {"empty", ""}}},
+        {"deg", {{QString::fromUtf8("\xc2\xb0"), QString::fromUtf8("\xc2\xb0\x43")}}},
+    };
+    QVERIFY(WriteIniFile(file, content, true, separator));
+    IniContent back;
+    QVERIFY(ParseIniFile(file, back, separator));
+    QCOMPARE(back, content);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().startsWith("[]\nearly=\"1\"\n[a]]\nblanks=\"  x \"\n"));
+    file.close();
+    QVERIFY(WriteIniFile(file, {}, true, separator));
+    QCOMPARE(file.size(), 0);
+}
+
+void IniFileTest::writingLaysOverWhatIsThere()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("a.ini"));
+    QVERIFY(WriteIniFile(file, {{"a", {{"x", "1"}, {"y", "2"}}}, {"b", {{"z", "3"}}}}, false, separator));
+    QVERIFY(WriteIniFile(file, {{"a", {{"y", "4"}, {"n", 5.5}}}}, false, separator));
+    IniContent merged;
+    QVERIFY(ParseIniFile(file, merged, separator));
+    QCOMPARE(merged, IniContent({{"a", {{"x", "1"}, {"y", "4"}, {"n", "5.5"}}}, {"b", {{"z", "3"}}}}));
+    QVERIFY(WriteIniFile(file, {{"a", {{"y", "4"}}}}, true, separator));
+    IniContent replaced;
+    QVERIFY(ParseIniFile(file, replaced, separator));
+    QCOMPARE(replaced, IniContent({{"a", {{"y", "4"}}}}));
+}
+
+void IniFileTest::lineBreaksAreNotWritten()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("a.ini"));
+    const TestSupport::LogCapture log;
+    QVERIFY(WriteIniFile(file, {{"a", {{"x", "1\n[b]\r\ny=2"}}}}, true, separator));
+    QCOMPARE(log.lines().size(), 1);
+    QVERIFY(!WriteIniFile(file, {{"a", {{"k\nk", "1"}}}, {"b\nc", {{"z", "3"}}}}, false, separator));
+    QCOMPARE(log.lines().filter("WARNING").size(), 3);
+    IniContent content;
+    QVERIFY(ParseIniFile(file, content, separator));
+    QCOMPARE(content, IniContent({{"a", {{"x", "1 [b] y=2"}}}}));
+}
+
+void IniFileTest::filesThatCannotBeWritten()
+{
+    QTemporaryDir folder;
+    const IniContent content{{"a", {{"x", QString(100000, 'x')}}}};
+    QFile directory(folder.path());
+    QVERIFY(!WriteIniFile(directory, content, false, separator));
+    QFile nowhere(folder.filePath("no/such.ini"));
+    QVERIFY(!WriteIniFile(nowhere, content, false, separator));
+    QFile nameless;
+    QVERIFY(!WriteIniFile(nameless, content, false, separator));
+    QFile full(QStringLiteral("/dev/full"));
+    QVERIFY(!WriteIniFile(full, content, false, separator));
 }
 
 QTEST_GUILESS_MAIN(IniFileTest)

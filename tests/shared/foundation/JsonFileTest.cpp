@@ -1,0 +1,196 @@
+#include <shared/foundation/JsonFile.h>
+#include <shared/foundation/RapidJsonValidator.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <support/LogCapture.h>
+
+using namespace Shared;
+using JsonValidation::RapidJsonValidator;
+using JsonValidation::ValidateJsonAgainstSchema;
+
+/*! JSON files, and documents against schemas. */
+class JsonFileTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void filesAreLoaded();
+    void valuesBecomeDocuments();
+    void documentsAreValidated_data();
+    void documentsAreValidated();
+    void faultsAreTold();
+    void badSchemasAreRefused_data();
+    void badSchemasAreRefused();
+    void deepTextsEnd();
+
+private:
+    QFileInfo write(const QByteArray &content)
+    {
+        QFile file(folder.filePath(QString::number(++files)));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write the test's file");
+        return QFileInfo(file.fileName());
+    }
+
+    QTemporaryDir folder;
+    int files = 0;
+};
+
+void JsonFileTest::filesAreLoaded()
+{
+    const TestSupport::LogCapture log;
+    QJsonParseError error;
+    QCOMPARE(LoadJsonFromFile(write("{\"a\":1}"), &error).object(), QJsonObject({{"a", 1}}));
+    QCOMPARE(error.error, QJsonParseError::NoError);
+    QCOMPARE(log.lines(), QStringList());
+
+    QVERIFY(LoadJsonFromFile(QFileInfo(folder.filePath("none")), nullptr).isNull());
+    QCOMPARE(log.lines().last(),
+             "WARNING Shared::LoadJsonFromFile could not open file=" + folder.filePath("none"));
+    QVERIFY(LoadJsonFromFile(QFileInfo(folder.path()), nullptr).isNull());
+
+    const QFileInfo broken = write("{\"a\":}");
+    QVERIFY(LoadJsonFromFile(broken, &error).isNull());
+    QCOMPARE(error.error, QJsonParseError::IllegalValue);
+    QCOMPARE(log.lines().mid(2),
+             QStringList({"WARNING Shared::LoadJsonFromFile failed in JSON conversion of file="
+                              + broken.filePath() + " with Error=illegal value Offset=5",
+                          "WARNING Shared::LoadJsonFromFile failed in binary JSON conversion of file="
+                              + broken.filePath()}));
+
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    const QFileInfo binary = write(QJsonDocument(QJsonArray{1, "b"}).toBinaryData());
+    QT_WARNING_POP
+    QCOMPARE(LoadJsonFromFile(binary, &error).array(), QJsonArray({1, "b"}));
+    QVERIFY(error.error != QJsonParseError::NoError);
+    QCOMPARE(log.lines().size(), 5);
+}
+
+void JsonFileTest::valuesBecomeDocuments()
+{
+    const QJsonObject object{{"a", 1.5}};
+    for (const QVariant &value :
+         {QVariant("{\"a\":1.5}"), QVariant(QByteArray("{\"a\":1.5}")), QVariant(object),
+          QVariant(object.toVariantMap()), QVariant(QJsonDocument(object))}) {
+        QJsonParseError error;
+        QCOMPARE(ConvertVariantToJsonDocument(value, &error).object(), object);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+    }
+    QCOMPARE(ConvertVariantToJsonDocument(QVariantList{1}, nullptr).array(), QJsonArray{1});
+    QJsonParseError error;
+    QVERIFY(ConvertVariantToJsonDocument("{", &error).isNull());
+    QVERIFY(error.error != QJsonParseError::NoError);
+    QVERIFY(ConvertVariantToJsonDocument(5, &error).isNull());
+    QCOMPARE(error.error, QJsonParseError::IllegalValue);
+}
+
+void JsonFileTest::documentsAreValidated_data()
+{
+    QTest::addColumn<QByteArray>("schema");
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<bool>("valid");
+    const auto row = [](const char *name, const char *schema, const char *document, bool valid) {
+        QTest::newRow(name) << QByteArray(schema) << QByteArray(document) << valid;
+    };
+    const char *const tree = R"({"properties":{"next":{"$ref":"#"},"n":{"type":"integer","minimum":0}}})";
+    row("recursive, fits", tree, R"({"n":1,"next":{"next":{"n":2}}})", true);
+    row("recursive, does not fit", tree, R"({"n":1,"next":{"next":{"n":-2}}})", false);
+    const char *const chain = R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"type":"string"}},)"
+                              R"("items":{"$ref":"#/definitions/a"}})";
+    row("chain of references, fits", chain, R"(["x"])", true);
+    row("chain of references, does not fit", chain, R"(["x",1])", false);
+    const char *const patterns = R"({"patternProperties":{"^(a*)*b$":{"type":"number"}},)"
+                                 R"("additionalProperties":false})";
+    row("patterns, fits", patterns, R"({"ab":1,"b":2})", true);
+    row("patterns, wrong type", patterns, R"({"ab":"1"})", false);
+    row("patterns, no match", patterns, R"({"ab":1,"c":1})", false);
+    row("no expression", R"({"properties":{"a":{"pattern":"("}}})", R"({"a":"x"})", true);
+    row("wrong types are passed over", R"({"allOf":1,"enum":{},"minimum":"x","items":5,"type":"array"})",
+        "[1]", true);
+    row("remote reference", R"({"properties":{"a":{"$ref":"http://x/y","type":"string"}}})", R"({"a":"x"})",
+        true);
+}
+
+void JsonFileTest::documentsAreValidated()
+{
+    QFETCH(QByteArray, schema);
+    QFETCH(QByteArray, document);
+    QFETCH(bool, valid);
+    const TestSupport::LogCapture log;
+    QCOMPARE(ValidateJsonAgainstSchema(QJsonDocument::fromJson(document), QJsonDocument::fromJson(schema)),
+             valid);
+    QCOMPARE(log.lines().size(), valid ? 0 : 1);
+}
+
+void JsonFileTest::faultsAreTold()
+{
+    const TestSupport::LogCapture log;
+    const auto schema = QJsonDocument::fromJson(R"({"properties":{"a":{"type":"string"}}})");
+    QVERIFY(!ValidateJsonAgainstSchema(QJsonDocument::fromJson(R"({"a":1})"), schema));
+    QCOMPARE(
+        log.lines(),
+        QStringList("WARNING ValidateJsonAgainstSchema() validation failed with errors: Not a valid JSON \n"
+                    "Invalid Json: #/properties/a\nInvalid keyword : type \nInvalid document : #/a "));
+    QVERIFY(!ValidateJsonAgainstSchema(QJsonDocument(), schema));
+    QCOMPARE(log.lines().last(),
+             QString("WARNING ValidateJsonAgainstSchema() validation failed with errors: Not a valid JSON \n"
+                     "Error(offset 0): The document is empty.\n"));
+
+    RapidJsonValidator validator;
+    QVERIFY(!validator.validate("{\"a\"", "{}"));
+    QCOMPARE(validator.getErrors().size(), 2);
+    QVERIFY(!validator.validate("{}", "{\"a\":}"));
+    QCOMPARE(validator.getErrors(),
+             QStringList({"Schema file is not a valid JSON ", "Error(offset 5): Invalid value.\n"}));
+    QCOMPARE(log.lines().last(), "WARNING " + validator.getErrors().join('\n'));
+    QVERIFY(validator.validate("{}", "{}"));
+    QVERIFY(validator.getErrors().isEmpty());
+}
+
+void JsonFileTest::badSchemasAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("schema");
+    for (const char *schema : {
+             R"({"$ref":"#"})",
+             R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"$ref":"#/definitions/a"}}})",
+             R"({"allOf":[{"$ref":"#"}]})",
+             R"({"properties":{"a":{"not":{"anyOf":[{"$ref":"#/properties/a"}]}}}})",
+             R"({"dependencies":{"a":{"$ref":"#"}}})",
+             R"({"properties":{"a":{"$ref":"#/nowhere"}}})",
+             R"({"a":1,"items":{"$ref":"#/a"}})",
+             R"({"definitions":{"0":{}},"not":{"$ref":"#/definitions/0"}})",
+             R"({"not":1})",
+             R"({"anyOf":[true]})",
+             R"({"items":[1]})",
+             R"({"patternProperties":[]})",
+             R"({"patternProperties":{"a":1}})",
+             R"({"dependencies":{"a":[1]}})",
+             "[]",
+         })
+        QTest::newRow(schema) << QByteArray(schema);
+}
+
+void JsonFileTest::badSchemasAreRefused()
+{
+    QFETCH(QByteArray, schema);
+    RapidJsonValidator validator;
+    QVERIFY(!validator.validate("{\"a\":[{}],\"b\":1}", schema));
+    QCOMPARE(validator.getErrors(), QStringList("Schema file is not a valid JSON "));
+}
+
+void JsonFileTest::deepTextsEnd()
+{
+    RapidJsonValidator validator;
+    const QByteArray deep(2000000, '[');
+    QVERIFY(!validator.validate("{}", deep));
+    QVERIFY(!validator.validate(deep, "{}"));
+    QVERIFY(validator.validate(QByteArray(500, '[') + QByteArray(500, ']'),
+                               "{\"items\":{\"allOf\":[{\"$ref\":\"#\"}]}}"));
+}
+
+QTEST_GUILESS_MAIN(JsonFileTest)
+#include "JsonFileTest.moc"
