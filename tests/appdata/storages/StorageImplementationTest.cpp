@@ -1,0 +1,138 @@
+#include <appdata/storages/utils/StorageInterfaceProvider.h>
+#include <appdata/support/StorageTwin.h>
+
+#include <support/LogCapture.h>
+
+using namespace Tessellum::AppData;
+using namespace Tessellum::AppData::Storages;
+using Tessellum::AppData::Data::Elements::ElementUpdateData;
+using TestSupport::StorageTwin;
+using Operation = StorageTwin::Operation;
+using Fault = StorageTwin::Fault;
+
+namespace {
+
+// Leaves updateElement() as it comes and writes down what it calls.
+class DefaultUpdates : public StorageTwin
+{
+public:
+    bool updateElement(const QString &entryUuid, const QString &elementUuid,
+                       const ElementValues &values) override
+    {
+        return StorageImplementation::updateElement(entryUuid, elementUuid, values);
+    }
+    bool updateElementValue(const QString &, const QString &, const UpdateType &type,
+                            const QVariant &) override
+    {
+        updated.append(type);
+        return type != refused;
+    }
+
+    QList<UpdateType> updated;
+    UpdateType refused = UpdateType::Unknown;
+};
+
+std::shared_ptr<utils::StorageInterfaceProvider> MakeProvider(const std::shared_ptr<StorageTwin> &twin)
+{
+    StorageCreateDataDetails details;
+    details.implementation = twin;
+    return Tessellum::Notification::utils::MakeNode<utils::StorageInterfaceProvider>(
+        StorageCreateData(QStringLiteral("name"), QStringLiteral("twin"), QStringLiteral("label"), details));
+}
+
+} // namespace
+
+class StorageImplementationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void updatesGoThroughTheKeysInOrderUntilOneFails();
+    void anEmptyUpdateCallsNothing();
+    void theFactsOfAStorage();
+    void aMediumThatThrowsHasNoEntryTypes();
+    void theTwinFailsInTheCallThatWasAskedFor();
+};
+
+void StorageImplementationTest::updatesGoThroughTheKeysInOrderUntilOneFails()
+{
+    DefaultUpdates medium;
+    ElementUpdateData values;
+    values.setRawData("raw");
+    values.setTimestamp(7);
+    values.setActive(true);
+    QVERIFY(medium.updateElement(QStringLiteral("entry"), QStringLiteral("element"), values));
+    const QList<DataElementUpdateType> all{DataElementUpdateType::Active, DataElementUpdateType::Timestamp,
+                                           DataElementUpdateType::RawData};
+    QCOMPARE(medium.updated, all);
+
+    medium.refused = DataElementUpdateType::Timestamp;
+    QVERIFY(!medium.updateElement(QStringLiteral("entry"), QStringLiteral("element"), values));
+    QCOMPARE(medium.updated.mid(3), all.mid(0, 2));
+}
+
+void StorageImplementationTest::anEmptyUpdateCallsNothing()
+{
+    DefaultUpdates medium;
+    QVERIFY(medium.updateElement(QStringLiteral("entry"), QStringLiteral("element"), ElementUpdateData()));
+    QVERIFY(medium.updated.isEmpty());
+}
+
+void StorageImplementationTest::theFactsOfAStorage()
+{
+    const auto provider = MakeProvider(StorageTwin::Make());
+    QCOMPARE(provider->getName(), QStringLiteral("name"));
+    QCOMPARE(provider->getType(), QStringLiteral("twin"));
+    QVERIFY(!provider->getId().isEmpty() && provider->getId() != provider->getName());
+    QCOMPARE(provider->getEntryTypes(), QStringList{QStringLiteral("twin")});
+
+    QVERIFY(!provider->setLabel(QString()));
+    QCOMPARE(provider->getLabel(), QStringLiteral("label"));
+    QVERIFY(provider->setLabel(QStringLiteral("other")));
+    QCOMPARE(provider->getLabel(), QStringLiteral("other"));
+
+    QCOMPARE(provider->getLoadStatus(), LoadStatus::NotLoaded);
+    QVERIFY(provider->setLoadStatus(LoadStatus::Loaded));
+    QVERIFY(!provider->setLoadStatus(LoadStatus::Unknown));
+    QCOMPARE(provider->getLoadStatus(), LoadStatus::Loaded);
+}
+
+void StorageImplementationTest::aMediumThatThrowsHasNoEntryTypes()
+{
+    const auto twin = StorageTwin::Make();
+    const auto provider = MakeProvider(twin);
+    for (const Fault fault : {Fault::Throw, Fault::ThrowInt}) {
+        const TestSupport::LogCapture log;
+        twin->arrange(Operation::GetEntryTypes, fault);
+        QCOMPARE(provider->getEntryTypes(), QStringList());
+        QCOMPARE(log.lines().size(), 1);
+        QVERIFY(log.lines().constFirst().startsWith(QLatin1String("CRITICAL StorageInterfaceProvider")));
+    }
+}
+
+void StorageImplementationTest::theTwinFailsInTheCallThatWasAskedFor()
+{
+    const auto twin = StorageTwin::Make();
+    const QString entry = QStringLiteral("entry");
+    QVERIFY(twin->connectStorage());
+    twin->arrange(Operation::SerializeEntry, Fault::Fail, 2);
+    QVERIFY(twin->serializeEntry(entry, {}));
+    QVERIFY(!twin->serializeEntry(QStringLiteral("second"), {}));
+    QVERIFY(twin->serializeEntry(QStringLiteral("third"), {}));
+    QHash<QString, StorageTwin::EntryRecord> entries;
+    QCOMPARE(twin->getEntries(entries), quint64(2));
+
+    twin->arrange(Operation::RemoveEntry, Fault::Hang);
+    std::unique_ptr<QThread> remover(QThread::create([&] { twin->removeEntry(entry); }));
+    remover->start();
+    QTRY_COMPARE(twin->hanging(), 1);
+    StorageTwin::EntryRecord record;
+    QVERIFY(twin->deserializeEntry(entry, record));
+    twin->release();
+    QVERIFY(remover->wait(StorageTwin::Patience));
+    QVERIFY(!twin->deserializeEntry(entry, record));
+}
+
+QTEST_GUILESS_MAIN(StorageImplementationTest)
+
+#include "StorageImplementationTest.moc"
