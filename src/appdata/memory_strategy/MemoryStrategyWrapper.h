@@ -2,6 +2,7 @@
 
 #include <appdata/memory_strategy/MemoryStrategy.h>
 
+#include <QElapsedTimer>
 #include <QReadWriteLock>
 
 #include <atomic>
@@ -12,7 +13,7 @@ namespace Tessellum::AppData::MemoryStrategies {
 /*!
  * The stable object of one entry to which its loaded elements are connected, while strategies come and go.
  *
- * Lock: guards the pointer to the strategy alone; nothing is called and nothing emitted under it.
+ * Lock: guards the pointer to the strategy alone; no strategy is called and nothing emitted under it.
  */
 class TESSELLUM_EXPORT MemoryStrategyWrapper : public MemoryStrategy
 {
@@ -22,6 +23,7 @@ public:
     MemoryStrategyWrapper();
     ~MemoryStrategyWrapper() override;
 
+    /*! Empty without a strategy. */
     QString getType() const override;
     bool configure(const QString &parameters) override;
     /*! NoDecision without a strategy. */
@@ -30,8 +32,14 @@ public:
      * now. False where it could not be connected. */
     bool setStrategy(const std::shared_ptr<MemoryStrategy> &strategy);
     bool hasStrategy() const;
-    /*! What an added element, or a changed time stamp, starts: from any thread, tells the wrapper on the
-     * event thread, where many in a row cost one invalidated(). */
+
+public Q_SLOTS:
+    /*!
+     * What an added element, or a changed time stamp, starts, from any thread: tells the strategy at once and
+     * lets the event thread emit invalidated(). One emission answers all that was announced before it, and as
+     * it reaches every loaded element, the next one keeps a distance that leaves the event thread mostly
+     * free.
+     */
     void announceElement(const QString &elementId);
 
 protected:
@@ -39,10 +47,15 @@ protected:
 
 private:
     std::shared_ptr<MemoryStrategy> currentStrategy() const;
+    void emitAnnounced();
+    qint64 millisecondsToWait() const;
 
     mutable QReadWriteLock lock;
     std::shared_ptr<MemoryStrategy> strategy;
-    std::atomic<int> announced{0};
+    std::atomic<bool> announced{false}; // an emission is on its way
+    // For the event thread alone.
+    QElapsedTimer sinceEmission;
+    qint64 emissionMilliseconds = 0;
 };
 
 } // namespace Tessellum::AppData::MemoryStrategies

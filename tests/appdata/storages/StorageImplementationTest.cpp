@@ -3,6 +3,8 @@
 
 #include <support/LogCapture.h>
 
+#include <QtTest>
+
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::Storages;
 using Tessellum::AppData::Data::Elements::ElementUpdateData;
@@ -32,11 +34,11 @@ public:
     UpdateType refused = UpdateType::Unknown;
 };
 
-std::shared_ptr<utils::StorageInterfaceProvider> MakeProvider(const std::shared_ptr<StorageTwin> &twin)
+std::shared_ptr<Storages::utils::StorageInterfaceProvider> MakeProvider(const std::shared_ptr<StorageTwin> &twin)
 {
     StorageCreateDataDetails details;
     details.implementation = twin;
-    return Tessellum::Notification::utils::MakeNode<utils::StorageInterfaceProvider>(
+    return Tessellum::Notification::utils::MakeNode<Storages::utils::StorageInterfaceProvider>(
         StorageCreateData(QStringLiteral("name"), QStringLiteral("twin"), QStringLiteral("label"), details));
 }
 

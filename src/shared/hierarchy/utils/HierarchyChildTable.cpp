@@ -89,7 +89,10 @@ quint64 HierarchyChildTable::position(QStringView id) const
     if (live == slots.size())
         return found;
     const auto isChild = [](const Slot &slot) { return slot.node != nullptr; };
-    return quint64(std::count_if(slots.begin(), slots.begin() + found, isChild));
+    // From the nearer end: most look-ups are for late children.
+    if (found < slots.size() / 2)
+        return quint64(std::count_if(slots.begin(), slots.begin() + found, isChild));
+    return live - quint64(std::count_if(slots.begin() + found, slots.end(), isChild));
 }
 
 const HierarchyChildTable::Node *HierarchyChildTable::at(quint64 wanted) const

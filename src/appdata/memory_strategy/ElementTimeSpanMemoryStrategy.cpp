@@ -1,0 +1,54 @@
+#include <appdata/data/entries/Entry.h>
+#include <appdata/memory_strategy/ElementTimeSpanMemoryStrategy.h>
+
+namespace Tessellum::AppData::MemoryStrategies {
+
+using Data::Entries::Entry;
+
+ElementTimeSpanMemoryStrategy::ElementTimeSpanMemoryStrategy(const QString &strategyId,
+                                                             const QString &parameters,
+                                                             const std::weak_ptr<const Entry> &strategyEntry)
+    : MemoryStrategy(Keys().constFirst(), strategyId)
+    , entry(strategyEntry)
+    , range(std::make_shared<TimeRangeProvider>([strategyEntry](quint64 &first, quint64 &last) {
+        const auto present = strategyEntry.lock();
+        return present && present->getQueryInterface()->getTimeSpan(first, last);
+    }))
+{
+    ElementTimeSpanMemoryStrategy::configure(parameters);
+}
+
+ElementTimeSpanMemoryStrategy::~ElementTimeSpanMemoryStrategy() = default;
+
+const QStringList &ElementTimeSpanMemoryStrategy::Keys()
+{
+    static const QStringList keys{QStringLiteral("time"), QStringLiteral("timespan")};
+    return keys;
+}
+
+bool ElementTimeSpanMemoryStrategy::configure(const QString &parameters)
+{
+    return range->configure(parameters);
+}
+
+qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
+{
+    const auto present = entry.lock();
+    if (!present)
+        return NoDecision;
+    range->recompute();
+    const TimeRangeProvider::Range resolved = range->getRange();
+    if (resolved.type == TimeRangeProvider::RangeType::None)
+        return NoDecision;
+    const auto element = present->getQueryInterface()->getElementById(elementUuid);
+    if (!element)
+        return NoDecision;
+    return resolved.contains(element->getQueryInterface()->getTimestamp()) ? Keep : Unload;
+}
+
+void ElementTimeSpanMemoryStrategy::handleElementAdded(const QString & /*elementId*/)
+{
+    range->setDirty();
+}
+
+} // namespace Tessellum::AppData::MemoryStrategies
