@@ -1,9 +1,9 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/EntryDeserializeInformation.h>
-#include <appdata/data/entries/utils/PairLinks.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageManipulationProvider.h>
+#include <appdata/storages/utils/DetachEntry.h>
 #include <appdata/utils/LoadStatusMirror.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/PoolWait.h>
@@ -44,9 +44,7 @@ bool StorageManipulationProvider::unloadDataEntry(const QString &uuid)
     if (!entry)
         return false;
     const QString path = entry->getNodePath()->getFullPath();
-    Data::Entries::utils::UnlinkEntryFromPair(entry);
-    // Whoever still holds the entry finds it dead, or its values would miss the one that is attached next.
-    entry->setDeleteFlag();
+    utils::DetachEntry(entry);
     // The next attachment shows its own status there, which a late removal would take away.
     Notification::utils::WaitForTask(AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(),
                                      LoadStatusMirror::StartRemoval(path));

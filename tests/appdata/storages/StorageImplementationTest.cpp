@@ -1,9 +1,9 @@
 #include <appdata/storages/utils/StorageInterfaceProvider.h>
 #include <appdata/support/StorageTwin.h>
 
-#include <support/LogCapture.h>
-
 #include <QtTest>
+
+#include <support/LogCapture.h>
 
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::Storages;
@@ -34,7 +34,8 @@ public:
     UpdateType refused = UpdateType::Unknown;
 };
 
-std::shared_ptr<Storages::utils::StorageInterfaceProvider> MakeProvider(const std::shared_ptr<StorageTwin> &twin)
+std::shared_ptr<Storages::utils::StorageInterfaceProvider>
+MakeProvider(const std::shared_ptr<StorageTwin> &twin)
 {
     StorageCreateDataDetails details;
     details.implementation = twin;

@@ -132,6 +132,7 @@ public:
     }
     quint64 getEntries(QHash<QString, EntryRecord> &found) const override
     {
+        found.clear();
         change(Operation::GetEntries, [&] {
             for (auto entry = entries.cbegin(); entry != entries.cend(); ++entry)
                 found.insert(entry.key(), entry->record);
@@ -150,6 +151,7 @@ public:
     }
     quint64 getElementIds(const QString &entryUuid, QStringList &uuids) const override
     {
+        uuids.clear();
         change(Operation::GetElementIds, [&] {
             uuids = entries.value(entryUuid).order;
             return true;
