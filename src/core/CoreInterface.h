@@ -1,12 +1,9 @@
 #pragma once
 
 #include <appconfig/interfaces/RepositoryInterface.h>
+#include <appdata/interfaces/RepositoryInterface.h>
 
 #include <memory>
-
-namespace Tessellum::AppData::Interfaces {
-class RepositoryInterface;
-}
 
 namespace Tessellum::Core {
 

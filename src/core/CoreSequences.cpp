@@ -2,6 +2,9 @@
 #include <appconfig/backends/AutomaticConstraintsBackendLoader.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appconfig/validation/AttributeValidationRepository.h>
+#include <appdata/DataMetatypes.h>
+#include <appdata/memory_strategy/MemoryStrategyRepository.h>
+#include <appdata/utils/RepositoryProvider.h>
 #include <core/CoreSequences.h>
 #include <core/utils/LibraryFile.h>
 #include <core/utils/LibraryHash.h>
@@ -29,6 +32,7 @@ namespace {
 using AppConfig::Attributes::AttributeAccess;
 using AppConfig::Attributes::AttributeCreateData;
 using AppConfig::utils::RepositoryProvider;
+using DataRepositoryProvider = AppData::utils::RepositoryProvider;
 using NodePtr = RepositoryProvider::NodePtr;
 
 template <class T>
@@ -48,7 +52,7 @@ QList<int> registerTypes()
     appendMetatype<CreateObserver::ResultType>(types, "Tessellum::Notification::CreateObserver::ResultType");
     appendMetatype<UpdateObserver::ResultType>(types, "Tessellum::Notification::UpdateObserver::ResultType");
     appendMetatype<DeleteObserver::ResultType>(types, "Tessellum::Notification::DeleteObserver::ResultType");
-    return types;
+    return types + AppData::RegisterDataMetatypes();
 }
 
 bool writeSetting(Shared::SettingsWrapper::SettingsWrapper &settings, const NodePtr &root, const QString &key,
@@ -188,17 +192,25 @@ bool registerTypeLists()
     const bool backends = addMissingTypes(QStringLiteral("backends"),
                                           RepositoryProvider::getInstance()->getRegisteredProductIdentifier(),
                                           QStringLiteral("Backend: "));
+    const bool storages = addMissingTypes(
+        QStringLiteral("storages"), DataRepositoryProvider::getInstance()->getRegisteredProductIdentifier(),
+        QStringLiteral("Storage: "));
     const bool validations = addMissingTypes(
         QStringLiteral("validations"),
         AppConfig::Validation::AttributeValidationRepository::getInstance()->getRegisteredProductIdentifier(),
         QStringLiteral("Validation: "));
-    return backends || validations;
+    const bool strategies = addMissingTypes(
+        QStringLiteral("memory_strategy"),
+        AppData::MemoryStrategies::MemoryStrategyRepository::getInstance()->getRegisteredProductIdentifier(),
+        QStringLiteral("MemoryStrategy: "));
+    return backends || storages || validations || strategies;
 }
 
 bool startCore()
 {
     NodePtr noKeeper;
     RepositoryProvider::getInstance()->setRepositoryActive(noKeeper, false);
+    DataRepositoryProvider::getInstance()->setRepositoryActive(false);
     const QString libraryFile = utils::LibraryFilePath();
     bool result = registerVersionInformation(VersionInformationList{LibraryVersionRecord(libraryFile)}
                                              + rememberedPluginRecords());
@@ -215,8 +227,12 @@ bool stopCore()
 {
     NodePtr keeper = Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>();
     Notification::setNotificationPoolRunning(false);
+    // What runs there uses the configuration, whose providers are about to go.
+    DataRepositoryProvider::getInstance()->endTasks();
     RepositoryProvider::getInstance()->setRepositoryActive(keeper, true);
     endNodes(keeper);
+    DataRepositoryProvider::getInstance()->setRepositoryActive(true);
+    RepositoryHierarchyThreadProvider::getInstance()->barrier();
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/utils/RepositoryProvider.h>
+#include <appdata/utils/RepositoryProvider.h>
 #include <core/CoreSequences.h>
 #include <core/PluginLoader.h>
 #include <core/utils/LibraryHash.h>
@@ -63,10 +64,14 @@ bool loadPluginsFrom(const QString &path)
 {
     using AppConfig::utils::RepositoryProvider;
     VersionInformationList versions;
-    // The factory has its own lock: a plug-in's code runs with none held, so that it may use the library.
+    // The factories have their own locks: a plug-in's code runs with none held, so that it may use the
+    // library.
     AppConfig::Backends::BackendFactory &backends = *RepositoryProvider::getInstance();
     loadPluginFiles(path, pluginPatterns(QStringLiteral("*.bp")), "registerBackendInstance", versions,
                     backends, utils::LibraryHash());
+    AppData::Storages::StorageFactory &storages = *AppData::utils::RepositoryProvider::getInstance();
+    loadPluginFiles(path, pluginPatterns(QStringLiteral("*.sp")), "registerStorageInstance", versions,
+                    storages, utils::LibraryHash());
     registerTypeLists();
     rememberPluginRecords(versions);
     return registerVersionInformation(versions);

@@ -1,8 +1,24 @@
 #include <appconfig/ManagedRepository.h>
+#include <appdata/ManagedRepository.h>
 #include <core/TessellumImplementation.h>
 #include <notification/RepositoryLocks.h>
 
 namespace Tessellum {
+
+namespace {
+
+template <class Repository>
+void makeRepository(std::shared_ptr<Repository> &repository,
+                    const std::shared_ptr<Shared::Localization::LocalizationInterface> &localization,
+                    QReadWriteLock &lock)
+{
+    const QWriteLocker locker(&lock);
+    const std::shared_ptr<Repository> present = std::atomic_load(&repository);
+    if (!present || present->isExpired())
+        std::atomic_store(&repository, std::make_shared<Repository>(localization, &lock));
+}
+
+} // namespace
 
 TessellumImplementation::TessellumImplementation(
     const std::shared_ptr<Shared::Localization::LocalizationInterface> &localizationInterface)
@@ -25,13 +41,8 @@ bool TessellumImplementation::createRepositories()
 {
     if (!localization)
         return false;
-    const QWriteLocker locker(&Core::appConfigLock());
-    const std::shared_ptr<AppConfig::ManagedRepository> present = std::atomic_load(&appConfigRepository);
-    if (!present || present->isExpired()) {
-        std::atomic_store(
-            &appConfigRepository,
-            std::make_shared<AppConfig::ManagedRepository>(localization, &Core::appConfigLock()));
-    }
+    makeRepository(appConfigRepository, localization, Core::appConfigLock());
+    makeRepository(appDataRepository, localization, Core::appDataLock());
     return true;
 }
 
@@ -39,7 +50,7 @@ void TessellumImplementation::releaseRepositories()
 {
     // What is let go of ends after the lock.
     std::shared_ptr<AppConfig::ManagedRepository> configuration;
-    std::shared_ptr<AppData::Interfaces::RepositoryInterface> data;
+    std::shared_ptr<AppData::ManagedRepository> data;
     {
         const QWriteLocker locker(&Core::appConfigLock());
         configuration = std::atomic_exchange(&appConfigRepository, configuration);

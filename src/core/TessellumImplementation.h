@@ -8,6 +8,9 @@ namespace Tessellum {
 namespace AppConfig {
 class ManagedRepository;
 }
+namespace AppData {
+class ManagedRepository;
+}
 
 /*!
  * The object behind getCoreInterface(); there is one for the life of the process.
@@ -33,7 +36,7 @@ public:
 private:
     const std::shared_ptr<Shared::Localization::LocalizationInterface> localization;
     std::shared_ptr<AppConfig::ManagedRepository> appConfigRepository;
-    std::shared_ptr<AppData::Interfaces::RepositoryInterface> appDataRepository;
+    std::shared_ptr<AppData::ManagedRepository> appDataRepository;
 };
 
 } // namespace Tessellum
