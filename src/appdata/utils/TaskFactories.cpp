@@ -1,10 +1,25 @@
 #include <appconfig/attributes/AttributeCreateTask.h>
 #include <appconfig/attributes/AttributeUpdateTask.h>
+#include <appdata/data/elements/Element.h>
+#include <appdata/data/elements/ElementsCreateTask.h>
+#include <appdata/data/elements/ElementsDeleteTask.h>
+#include <appdata/data/elements/ElementUpdateTask.h>
+#include <appdata/data/entries/Entry.h>
+#include <appdata/data/entries/EntryCreateTask.h>
+#include <appdata/data/entries/EntryDeleteTask.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <appdata/utils/TaskFactories.h>
 
 namespace Tessellum::AppData::utils {
 
+using Data::Elements::Element;
+using Data::Elements::ElementsCreateTask;
+using Data::Elements::ElementsDeleteTask;
+using Data::Elements::ElementUpdateData;
+using Data::Elements::ElementUpdateTask;
+using Data::Entries::Entry;
+using Data::Entries::EntryCreateTask;
+using Data::Entries::EntryDeleteTask;
 using Notification::CreatePoint;
 using Notification::CreateTask;
 using Notification::DeletePoint;
@@ -21,6 +36,10 @@ ThreadPool::CreateFactory MakeCreateTaskFactory(RepositoryProvider &repository)
         using namespace AppConfig::Attributes;
         const auto notifications = repository.getNotificationProvider();
         const auto examiner = notifications ? notifications->getCreateRegistration() : nullptr;
+        if (ElementsCreateTask::Accepts(data))
+            return std::make_unique<ElementsCreateTask>(examiner, parent, path, data, waitPoint);
+        if (EntryCreateTask::Accepts(data))
+            return std::make_unique<EntryCreateTask>(examiner, parent, path, data, waitPoint);
         if (data.canConvert<AttributeCreateData>() || data.canConvert<AttributesCreateData>())
             return std::make_unique<AttributeCreateTask>(examiner, parent, path, data, waitPoint);
         return nullptr;
@@ -33,14 +52,27 @@ ThreadPool::UpdateFactory MakeUpdateTaskFactory(RepositoryProvider &repository)
                          UpdatePoint waitPoint) -> std::unique_ptr<UpdateTask> {
         const auto notifications = repository.getNotificationProvider();
         const auto examiner = notifications ? notifications->getUpdateRegistration() : nullptr;
+        if (value.userType() == qMetaTypeId<ElementUpdateData>())
+            return std::make_unique<ElementUpdateTask>(examiner, node, value, waitPoint);
         return std::make_unique<AppConfig::Attributes::AttributeUpdateTask>(examiner, node, value, waitPoint);
     };
 }
 
-ThreadPool::DeleteFactory MakeDeleteTaskFactory(RepositoryProvider & /*repository*/)
+ThreadPool::DeleteFactory MakeDeleteTaskFactory(RepositoryProvider &repository)
 {
-    return [](const std::weak_ptr<HierarchyNode> &, const QString &, const QVariant &,
-              DeletePoint) -> std::unique_ptr<DeleteTask> { return nullptr; };
+    return [&repository](const std::weak_ptr<HierarchyNode> &node, const QString &path, const QVariant &data,
+                         DeletePoint waitPoint) -> std::unique_ptr<DeleteTask> {
+        const auto notifications = repository.getNotificationProvider();
+        const auto examiner = notifications ? notifications->getDeleteRegistration() : nullptr;
+        const auto target = node.lock();
+        if (const auto element = std::dynamic_pointer_cast<Element>(target))
+            return std::make_unique<ElementsDeleteTask>(examiner, node, path,
+                                                        QVariant::fromValue(element->copyData()), waitPoint);
+        if (std::dynamic_pointer_cast<Entry>(target))
+            return std::make_unique<EntryDeleteTask>(repository.getThreadPool(), examiner, node, path, data,
+                                                     waitPoint);
+        return nullptr;
+    };
 }
 
 } // namespace Tessellum::AppData::utils

@@ -87,8 +87,9 @@ bool Entry::addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index
         return false;
     }
     if (const auto element = std::dynamic_pointer_cast<Element>(child)) {
-        ++dataLocked().serialize.addCounter;
-        elementTimes->insert(element, element->getTimestamp());
+        // A child that gets its parent asks the parent to add it, so that this is passed twice for one child.
+        if (elementTimes->insert(element, element->getTimestamp()))
+            ++dataLocked().serialize.addCounter;
         if (element->isDeleteFlagSet())
             elementTimes->remove(element.get());
     }

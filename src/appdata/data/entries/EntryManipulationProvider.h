@@ -3,7 +3,6 @@
 #include <appdata/data/elements/ElementUpdateData.h>
 #include <appdata/interfaces/DataElementInterface.h>
 #include <appdata/interfaces/DataEntryManipulationInterface.h>
-#include <notification/Observer.h>
 
 #include <memory>
 
@@ -38,9 +37,11 @@ private:
     using ElementPtr = std::shared_ptr<Interfaces::DataElementInterface>;
     struct Addition;
 
-    Addition startAddition(Elements::ElementUpdateData &data, const Notification::CreatePoint &point) const;
-    void startCreation(const Elements::ElementUpdateData &data, const Notification::CreatePoint &point,
-                       Addition &addition) const;
+    Addition startAddition(const Elements::ElementUpdateData &data, const QString &freshUuid,
+                           const Notification::CreatePoint &point) const;
+    static bool changeActivation(const ElementPtr &element, bool active);
+    static std::shared_ptr<QVariant> read(const ElementPtr &element);
+    bool rawBytes(const ElementValueKind &kind, const QVariant &value, QByteArray &raw) const;
     bool write(const ElementPtr &element, const ElementValueKind &kind, const QVariant &value,
                const Notification::UpdatePoint &point) const;
 

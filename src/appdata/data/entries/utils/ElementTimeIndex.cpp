@@ -7,13 +7,16 @@
 
 namespace Tessellum::AppData::Data::Entries::utils {
 
-void ElementTimeIndex::insert(const ElementPtr &element, quint64 timestamp)
+bool ElementTimeIndex::insert(const ElementPtr &element, quint64 timestamp)
 {
     const QMutexLocker locker(&mutex);
+    if (keys.contains(element.get()))
+        return false;
     const Key key(timestamp, nextOrder++);
     // Most come in the order of their time stamps.
     byTime.emplace_hint(byTime.cend(), key, element);
     keys.insert(element.get(), key);
+    return true;
 }
 
 void ElementTimeIndex::remove(const Elements::Element *element)

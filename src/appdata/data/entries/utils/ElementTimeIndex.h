@@ -26,8 +26,8 @@ class TESSELLUM_EXPORT ElementTimeIndex
 public:
     using ElementPtr = std::shared_ptr<Elements::Element>;
 
-    /*! Enters \a element as the last in the order of adding. */
-    void insert(const ElementPtr &element, quint64 timestamp);
+    /*! Enters \a element as the last in the order of adding; false where it is there. */
+    bool insert(const ElementPtr &element, quint64 timestamp);
     void remove(const Elements::Element *element);
     /*! Follows a changed time stamp; nothing where the element is not here. */
     void move(const Elements::Element *element, quint64 timestamp);

@@ -1,0 +1,73 @@
+#include <appdata/data/elements/Element.h>
+#include <appdata/data/elements/ElementsCreateTask.h>
+#include <appdata/data/entries/Entry.h>
+#include <appdata/data/entries/utils/ElementJobs.h>
+#include <appdata/storages/Storage.h>
+#include <appdata/storages/StorageImplementation.h>
+#include <appdata/storages/utils/CallMedium.h>
+#include <appdata/utils/RepositoryProvider.h>
+
+#include <QSet>
+
+namespace Tessellum::AppData::Data::Entries::utils {
+
+using AppData::utils::RepositoryProvider;
+using Elements::Element;
+using Elements::ElementInfo;
+using Elements::ElementsCreateRequest;
+using Elements::ElementUpdateData;
+using Elements::ElementUpdateDataList;
+
+namespace {
+
+void SetValue(const std::shared_ptr<Element> &element, ElementUpdateData &copy)
+{
+    const auto data = element->copyData();
+    const auto storage = data.deserialize.entry.storage.lock();
+    if (!data.parser && storage) {
+        // Nothing has ever been parsed: the value is on the medium alone.
+        copy.setRawData(
+            Storages::utils::CallMedium("EntryCreateTask::copyElementsFromSource()", QByteArray(), [&] {
+                return storage->getImplementation()->getElementRawData(data.deserialize.entry.uuid,
+                                                                       data.deserialize.uuid);
+            }));
+        return;
+    }
+    copy.setParsedData(*element->getQueryInterface()->getParsedData());
+}
+
+} // namespace
+
+void StartElementJob(const std::shared_ptr<Entry> &entry, const QVariant &elements)
+{
+    const auto setStatus = [entry](bool success) {
+        if (!entry->isDeleteFlagSet())
+            entry->setLoadStatus(success ? LoadStatus::Loaded : LoadStatus::NotLoaded);
+    };
+    const auto observer = RepositoryProvider::getInstance()->getThreadPool().startCreateTask(
+        entry, QString(), QVariant::fromValue(ElementsCreateRequest{elements, setStatus}),
+        Notification::CreatePoint::All);
+    if (!observer)
+        setStatus(false); // a stopped pool makes no task that would do so
+}
+
+ElementUpdateDataList CopiesOfElements(Entry &source, const Entry &destination, const QStringList &uuids)
+{
+    const QSet<QString> wanted(uuids.cbegin(), uuids.cend());
+    ElementUpdateDataList copies;
+    for (const auto &child : source.getChildren(false)) {
+        const auto element = std::dynamic_pointer_cast<Element>(child);
+        if (!element || !wanted.contains(element->getId()) || destination.hasChild(element->getId()))
+            continue;
+        const auto info = std::make_shared<ElementInfo>();
+        info->uuid = element->getId();
+        ElementUpdateData copy(info);
+        copy.setActive(element->isActive());
+        copy.setTimestamp(element->getTimestamp());
+        SetValue(element, copy);
+        copies.append(copy);
+    }
+    return copies;
+}
+
+} // namespace Tessellum::AppData::Data::Entries::utils

@@ -1,0 +1,379 @@
+#include "../../support/AttributeTree.h"
+#include "../../support/LogCapture.h"
+#include "../support/RunningDataRepository.h"
+
+#include <appdata/data/elements/ElementReference.h>
+#include <appdata/data/elements/ElementsCreateTask.h>
+#include <appdata/data/elements/ElementsDeleteTask.h>
+#include <appdata/data/elements/ElementUpdateTask.h>
+#include <appdata/data/entries/utils/ElementTimeIndex.h>
+
+#include <QtTest>
+
+using namespace Tessellum::AppData;
+using namespace Tessellum::AppData::Data::Elements;
+using Data::Entries::EntryDeserializeInformation;
+using Tessellum::Notification::CreatePoint;
+using Tessellum::Notification::DeletePoint;
+using Tessellum::Notification::UpdatePoint;
+using Tessellum::Notification::UpdateResult;
+using TestSupport::LogCapture;
+using TestSupport::RunAndRecord;
+using TestSupport::RunningDataRepository;
+using TestSupport::StorageTwin;
+using Operation = StorageTwin::Operation;
+using Fault = StorageTwin::Fault;
+
+class ElementTasksTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    using Reports = QList<ElementUpdateTask::ResultType>;
+
+    std::unique_ptr<RunningDataRepository> run;
+    std::shared_ptr<StorageTwin> twin;
+    std::shared_ptr<Storages::Storage> storage;
+    std::shared_ptr<Data::Entries::Entry> stored; // an entry on the twin
+    std::shared_ptr<Data::Entries::Entry> fleeting; // a volatile one
+
+    auto pair(const std::shared_ptr<Data::Entries::Entry> &entry)
+    {
+        return Data::Entries::utils::FindPair(entry->getPairPath());
+    }
+    QByteArray rawOnMedium(const std::shared_ptr<Element> &element)
+    {
+        return twin->getElementRawData(stored->getId(), element->getId());
+    }
+    ElementDeserializeInformation stubOf(const QString &uuid, LoadDataHint hint)
+    {
+        return {uuid, EntryDeserializeInformation{stored->getId(), hint, storage}};
+    }
+    Reports updates(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &node, const QVariant &data)
+    {
+        ElementUpdateTask task({}, node, data, UpdatePoint::Done);
+        return RunAndRecord(task);
+    }
+    Reports updates(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &node,
+                    const ElementUpdateData &data)
+    {
+        return updates(node, QVariant::fromValue(data));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        run = std::make_unique<RunningDataRepository>();
+        twin = StorageTwin::Make();
+        storage = run->addStorage("disk", twin);
+        stored = run->addEntry(run->record("stored", "disk"));
+        fleeting = run->addEntry(run->record("fleeting"));
+        QVERIFY(stored && fleeting);
+    }
+    void cleanup()
+    {
+        stored.reset();
+        fleeting.reset();
+        storage.reset();
+        run.reset();
+        twin.reset();
+    }
+
+    void newValueReachesTreePairAndMedium()
+    {
+        const auto info = std::make_shared<ElementInfo>();
+        info->reportIndex = true;
+        auto data = run->value(7, 1.5);
+        QVERIFY(run->create(stored, data));
+        data.setInfo(info);
+        QVERIFY(run->create(stored, data));
+        QCOMPARE(info->index, 1);
+        const auto element = run->element(stored, 1);
+        QCOMPARE(element->getId(), info->uuid);
+        QCOMPARE(element->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(element->getTimestamp(), 7u);
+        QCOMPARE(rawOnMedium(element), run->raw(1.5));
+        QCOMPARE(stored->copyData().serialize.addCounter, 2u);
+        QCOMPARE(stored->copyData().serialize.pendingCreates.load(), 0u);
+        const auto reference
+            = std::dynamic_pointer_cast<ElementReference>(pair(stored)->getChildById(info->uuid));
+        QVERIFY(reference);
+        QCOMPARE(reference->getTarget()->getQueryInterface()->getTimestamp(), 7u);
+
+        // The uuid is taken: nothing is told to the medium.
+        const int writes = twin->calls(Operation::SerializeElement);
+        QVERIFY(!run->create(stored, data));
+        QCOMPARE(info->index, -1);
+        QCOMPARE(twin->calls(Operation::SerializeElement), writes);
+        QCOMPARE(stored->getNumberOfChildren(), 2u);
+    }
+
+    void failingMediumLeavesTheValueInMemory()
+    {
+        for (const Fault fault : {Fault::Fail, Fault::Throw, Fault::ThrowInt}) {
+            twin->arrange(Operation::SerializeElement, fault);
+            QVERIFY(run->create(stored, run->value(1, 2.5)));
+            QCOMPARE(run->parsed(stored, stored->getNumberOfChildren() - 1), 2.5);
+        }
+    }
+
+    void listGoesOnAfterAFailedMember()
+    {
+        ElementUpdateData incomplete;
+        incomplete.setParsedData(1.0);
+        LogCapture log;
+        QVERIFY(run->create(stored, ElementUpdateDataList{run->value(1, 1), incomplete, run->value(2, 2)}));
+        QCOMPARE(stored->getNumberOfChildren(), 2u);
+        QVERIFY(log.lines().contains(
+            "WARNING ElementsCreateTask::createAndSerializeElementInHierarchy() entry uuid=" + stored->getId()
+            + " called with invalid or missing element data values"));
+        QVERIFY(!run->create(stored, ElementUpdateDataList{incomplete}));
+        QVERIFY(run->create(stored, ElementUpdateDataList()));
+        QVERIFY(run->create(stored, ElementsDeserializeInformation()));
+        QVERIFY(!run->create(run->provider().getRoot(), run->value(1, 1)));
+        QCOMPARE(stored->getNumberOfChildren(), 2u);
+        QCOMPARE(stored->copyData().serialize.pendingCreates.load(), 0u);
+    }
+
+    void rawBytesWithoutAParser()
+    {
+        const auto custom = run->addEntry(run->record("custom", QString(), 0, CategoryType::Custom));
+        ElementUpdateData data;
+        data.setActive(true);
+        data.setTimestamp(1);
+        data.setRawData("bytes");
+        LogCapture log;
+        QVERIFY(run->create(custom, data));
+        QCOMPARE(log.lines().filter("could not load the initial raw data value").size(), 1);
+        const auto onDisk = run->addEntry(run->record("bytes", "disk", 0, CategoryType::Custom));
+        QVERIFY(run->create(onDisk, data));
+        const auto element = run->element(onDisk, 0);
+        QCOMPARE(element->getLoadStatus(), LoadStatus::NotLoaded);
+        element->getManipulationInterface()->performCommand(ElementCommand::Load); // cannot
+        data.setRawData("more");
+        QVERIFY(run->update(element, data));
+        QCOMPARE(twin->getElementRawData(onDisk->getId(), element->getId()), QByteArray("more"));
+        QCOMPARE(element->getLoadStatus(), LoadStatus::NotLoaded);
+    }
+
+    void storedValuesAreLoadedAsTheHintSays()
+    {
+        ElementUpdateData values = run->value(3, 0);
+        values.setRawData(run->raw(4.5));
+        for (const char *uuid : {"a", "b"})
+            QVERIFY(twin->serializeElement(stored->getId(), uuid, values));
+        const int reads = twin->calls(Operation::GetElementRawData);
+        QVERIFY(run->create(stored, stubOf("a", LoadDataHint::AttachOnly)));
+        QCOMPARE(run->element(stored, 0)->getLoadStatus(), LoadStatus::NotLoaded);
+        QCOMPARE(twin->calls(Operation::GetElementRawData), reads);
+        QCOMPARE(run->parsed(stored, 0), 4.5);
+        QVERIFY(run->create(stored, stubOf("b", LoadDataHint::LoadAtOnce)));
+        QCOMPARE(run->element(stored, 1)->getLoadStatus(), LoadStatus::Loaded);
+        QVERIFY(pair(stored)->hasChild(QStringLiteral("b")));
+
+        // Bad ones among a list: unknown, empty, without a storage, without a value, thrown at.
+        values.remove(DataElementUpdateType::RawData);
+        twin->serializeElement(stored->getId(), "valueless", values);
+        twin->serializeElement(stored->getId(), "good", run->value(1, 1));
+        ElementsDeserializeInformation list{stubOf("unknown", LoadDataHint::AttachOnly),
+                                            stubOf("", LoadDataHint::AttachOnly),
+                                            {"c", {}},
+                                            stubOf("valueless", LoadDataHint::LoadAtOnce)};
+        QVERIFY(!run->create(stored, list));
+        list.append(stubOf("good", LoadDataHint::AttachOnly));
+        twin->arrange(Operation::DeserializeElement, Fault::Throw);
+        QVERIFY(run->create(stored, list));
+        QCOMPARE(stored->getNumberOfChildren(), 3u);
+        QCOMPARE(twin->calls(Operation::SerializeElement), 4);
+    }
+
+    void queuedElementsAreCounted()
+    {
+        const auto pending = [this] { return stored->copyData().serialize.pendingCreates.load(); };
+        int completed = 0;
+        bool outcome = true;
+        const ElementsCreateRequest request{
+            QVariant::fromValue(ElementUpdateDataList{run->value(1, 1), run->value(2, 2)}),
+            [&](bool success) {
+                ++completed;
+                outcome = success;
+            }};
+        {
+            ElementsCreateTask unfinished({}, stored, {}, QVariant::fromValue(request), CreatePoint::Done);
+            QCOMPARE(pending(), 2u);
+        }
+        QCOMPARE(pending(), 0u);
+        QCOMPARE(completed, 1);
+        QVERIFY(!outcome);
+        QVERIFY(run->create(stored, request));
+        QCOMPARE(pending(), 0u);
+        QCOMPARE(completed, 2);
+        QVERIFY(outcome);
+        {
+            ElementsCreateTask orphan({}, stored, {}, QVariant::fromValue(run->value(1, 1)),
+                                      CreatePoint::Done);
+            run->remove(stored);
+            const auto reports = RunAndRecord(orphan);
+            QCOMPARE(reports.size(), 1);
+            QCOMPARE(reports.first().first, CreatePoint::Begin);
+            QVERIFY(!reports.first().second);
+        }
+    }
+
+    void updateReachesMediumAndIndex()
+    {
+        QVERIFY(run->create(stored, run->value(1, 1)));
+        QVERIFY(run->create(stored, run->value(2, 2)));
+        const auto element = run->element(stored, 1);
+        ElementUpdateData data = run->value(9, 8.25);
+        data.setActive(false);
+        const auto info = std::make_shared<ElementInfo>();
+        info->reportIndex = true;
+        data.setInfo(info);
+        QCOMPARE(updates(element, data),
+                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                          {UpdatePoint::Apply, UpdateResult::Ok},
+                          {UpdatePoint::Done, UpdateResult::Ok}}));
+        QCOMPARE(info->uuid, element->getId());
+        QCOMPARE(info->index, 1);
+        QVERIFY(!element->isActive());
+        QCOMPARE(run->parsed(stored, 1), 8.25);
+        QCOMPARE(rawOnMedium(element), run->raw(8.25));
+        quint64 first = 0;
+        quint64 last = 0;
+        QVERIFY(stored->timeIndex().span(first, last));
+        QCOMPARE(first, 1u);
+        QCOMPARE(last, 9u);
+    }
+
+    void failedUpdateEndsAtTheFirstFault()
+    {
+        QVERIFY(run->create(stored, run->value(1, 1)));
+        const auto element = run->element(stored, 0);
+        const Reports failed{{UpdatePoint::Check, UpdateResult::Ok},
+                             {UpdatePoint::Apply, UpdateResult::ApplyFailed}};
+        ElementUpdateData data;
+        data.setActive(false);
+        data.setRawData("no double");
+        QCOMPARE(updates(element, data), failed);
+        QVERIFY(!element->isActive());
+        QCOMPARE(twin->calls(Operation::UpdateElement), 0);
+        QCOMPARE(run->parsed(stored, 0), 1.0); // unloaded, and read again from the medium
+
+        ElementUpdateData unknown;
+        unknown.insert(DataElementUpdateType(5), 1);
+        LogCapture log;
+        QCOMPARE(updates(element, unknown), failed);
+        QVERIFY(log.lines().contains(
+            "WARNING ElementUpdateTask::runUpdate() requested unkown update type for data element="
+            + element->getId()));
+        ElementUpdateData empty;
+        empty.setParsedData(QVariant());
+        QCOMPARE(updates(element, empty), failed);
+
+        ElementUpdateData stamp;
+        stamp.setTimestamp(5);
+        for (const Fault fault : {Fault::Fail, Fault::Throw}) {
+            twin->arrange(Operation::UpdateElement, fault);
+            QCOMPARE(updates(element, stamp),
+                     (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                              {UpdatePoint::Done, UpdateResult::ApplyFailed}}));
+        }
+        QCOMPARE(updates(element, QVariant(1)), (Reports{{UpdatePoint::Check, UpdateResult::CheckFailed}}));
+        QCOMPARE(
+            updates(stored, stamp),
+            (Reports{{UpdatePoint::Check, UpdateResult::Ok}, {UpdatePoint::Apply, UpdateResult::NodeGone}}));
+        element->setDeleteFlag();
+        QCOMPARE(
+            updates(element, stamp),
+            (Reports{{UpdatePoint::Check, UpdateResult::Ok}, {UpdatePoint::Check, UpdateResult::NodeGone}}));
+    }
+
+    void deletedElementGivesPlaceToItsNamesake()
+    {
+        const auto info = std::make_shared<ElementInfo>();
+        info->uuid = "twice";
+        const auto second = run->addStorage("second", StorageTwin::Make());
+        run->addEntry(run->record("stored", "second"));
+        const auto copy = Data::Entries::utils::EntriesOfPair(stored->getPairPath()).value(1);
+        QVERIFY(copy);
+        auto data = run->value(1, 1);
+        data.setInfo(info);
+        QVERIFY(run->create(stored, data));
+        QVERIFY(run->create(copy, data));
+        const auto target = [&] {
+            const auto child
+                = std::dynamic_pointer_cast<ElementReference>(pair(stored)->getChildById("twice"));
+            return child ? child->getTarget() : nullptr;
+        };
+        const auto element = run->element(stored, 0);
+        QCOMPARE(target(), element);
+        ElementsDeleteTask task({}, element, "key", QVariant::fromValue(element->copyData()),
+                                DeletePoint::Done);
+        const auto reports = RunAndRecord(task);
+        QCOMPARE(
+            reports,
+            (QList<ElementsDeleteTask::ResultType>{{DeletePoint::Begin, true}, {DeletePoint::Done, true}}));
+        QCOMPARE(stored->getNumberOfChildren(), 0u);
+        QCOMPARE(target(), run->element(copy, 0));
+        QVERIFY(run->remove(run->element(copy, 0)));
+        QVERIFY(!target());
+        QCOMPARE(pair(stored)->getNumberOfChildren(), 0u);
+    }
+
+    void handlersHearOfEachPathOnce()
+    {
+        const auto notifications = run->provider().getNotificationProvider();
+        QMutex mutex;
+        QStringList heard;
+        const auto note = [&](const QString &path) {
+            const QMutexLocker lock(&mutex);
+            heard.append(path);
+        };
+        const auto created = notifications->registerCreateHandler(
+            "*", [&](const QString &path, const CreatePoint &, bool) { note("+" + path); }, CreatePoint::All);
+        const auto deleted = notifications->registerDeleteHandler(
+            "*", [&](const QString &path, const DeletePoint &, bool) { note("-" + path); },
+            DeletePoint::Done);
+        const auto updated = notifications->registerUpdateHandler(
+            "*",
+            [&](const QString &path, const UpdatePoint &, const UpdateResult &, const QVariant &before,
+                const QVariant &after) {
+                quint64 old = 0;
+                quint64 now = 0;
+                before.value<ElementUpdateData>().getTimestamp(old);
+                after.value<ElementUpdateData>().getTimestamp(now);
+                note(QStringLiteral("=%1 %2 %3").arg(path).arg(old).arg(now));
+            },
+            UpdatePoint::Done);
+        const auto expect = [&](const std::shared_ptr<Data::Entries::Entry> &entry, const QString &sign,
+                                const QString &uuid, const QString &tail) {
+            QStringList paths{entry->getNodePath()->getFullPath(), entry->getId(), entry->getPairPath()};
+            paths.removeDuplicates();
+            for (QString &path : paths)
+                path = sign + path + '.' + uuid + tail;
+            paths.sort();
+            const auto sorted = [&] {
+                const QMutexLocker lock(&mutex);
+                QStringList all = heard;
+                all.sort();
+                return all;
+            };
+            QTRY_COMPARE(sorted(), paths);
+            const QMutexLocker lock(&mutex);
+            heard.clear();
+        };
+        for (const auto &entry : {stored, fleeting}) {
+            QVERIFY(run->create(entry, run->value(1, 1)));
+            const auto element = run->element(entry, 0);
+            expect(entry, "+", element->getId(), "");
+            QVERIFY(run->update(element, run->value(2, 2)));
+            expect(entry, "=", element->getId(), " 1 2");
+            QVERIFY(run->remove(element));
+            expect(entry, "-", element->getId(), "");
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(ElementTasksTest)
+#include "ElementTasksTest.moc"

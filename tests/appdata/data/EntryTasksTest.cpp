@@ -1,0 +1,305 @@
+#include "../../support/AttributeTree.h"
+#include "../../support/LogCapture.h"
+#include "../support/RunningDataRepository.h"
+
+#include <appdata/data/entries/EntryCreateTask.h>
+#include <appdata/memory_strategy/MemoryStrategyRepository.h>
+
+#include <QtTest>
+
+using namespace Tessellum::AppData;
+using namespace Tessellum::AppData::Data::Entries;
+using Data::Elements::ElementUpdateData;
+using Shared::Hierarchy::HierarchyStringPathLink;
+using Tessellum::Notification::CreatePoint;
+using TestSupport::LogCapture;
+using TestSupport::RunAndRecord;
+using TestSupport::RunningDataRepository;
+using TestSupport::StorageTwin;
+using Operation = StorageTwin::Operation;
+using Fault = StorageTwin::Fault;
+
+class EntryTasksTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<RunningDataRepository> run;
+    std::shared_ptr<StorageTwin> twin;
+    std::shared_ptr<Storages::Storage> storage;
+
+    auto root() { return run->provider().getRoot(); }
+    /*! The paths of the link of plant.NAME. */
+    QStringList link(const QString &name)
+    {
+        QStringList paths;
+        const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
+            root()->findChildByRelativePath("plant." + name));
+        QVariant value;
+        if (!attribute || !attribute->getValue(value, 0))
+            return paths;
+        auto targets = value.value<HierarchyStringPathLink>();
+        while (!targets.isEmpty()) {
+            const auto target = targets.pop().lock();
+            paths.append(target ? target->getFullPath() : "gone");
+        }
+        return paths;
+    }
+    std::shared_ptr<Entry> child(const QString &uuid)
+    {
+        return std::dynamic_pointer_cast<Entry>(storage->getChildById(uuid));
+    }
+    EntryDeserializeInformation stub(const QString &uuid, LoadDataHint hint = LoadDataHint::AttachOnly)
+    {
+        return {uuid, hint, storage};
+    }
+    /*! Puts an entry with so many elements on the twin alone. */
+    void store(const QString &uuid, int elements, quint64 capacity = 0)
+    {
+        twin->serializeEntry(uuid, run->record(uuid, "disk", capacity));
+        for (int i = 0; i < elements; ++i) {
+            ElementUpdateData data = run->value(quint64(i), 0);
+            data.setRawData(run->raw(i));
+            twin->serializeElement(uuid, uuid + QString::number(i), data);
+        }
+    }
+    QStringList onMedium()
+    {
+        QHash<QString, EntrySerializeInformation> entries;
+        twin->getEntries(entries);
+        return entries.keys();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        run = std::make_unique<RunningDataRepository>();
+        twin = StorageTwin::Make();
+        storage = run->addStorage("disk", twin);
+    }
+    void cleanup()
+    {
+        storage.reset();
+        run.reset();
+        twin.reset();
+    }
+
+    void pairLinksAllItsEntries()
+    {
+        run->addStorage("second", StorageTwin::Make());
+        const auto info = std::make_shared<EntryInfo>();
+        info->serialize = run->record("speed", "disk");
+        QVERIFY(run->create(root(), info));
+        const auto first = child(info->uuid);
+        QVERIFY(first);
+        QCOMPARE(onMedium(), QStringList{info->uuid});
+        QCOMPARE(first->getLoadStatus(), LoadStatus::Loaded);
+        QVERIFY(run->addEntry(run->record("speed", "second")));
+        const QStringList both = link("speed");
+        QCOMPARE(both.size(), 3);
+        const auto pair = utils::FindPair("plant.speed");
+        QCOMPARE(both.first(), pair->getNodePath()->getFullPath());
+        QCOMPARE(both.at(1), first->getNodePath()->getFullPath());
+        QCOMPARE(pair->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(pair->getPersistenceType(), PersistenceType::Volatile);
+        QCOMPARE(pair->getStorageName(), QString());
+
+        // Once more under its uuid: true, and nothing has changed.
+        const int writes = twin->calls(Operation::SerializeEntry);
+        QVERIFY(run->create(root(), info));
+        QCOMPARE(link("speed"), both);
+        QCOMPARE(twin->calls(Operation::SerializeEntry), writes);
+
+        QVERIFY(run->create(first, run->value(1, 1)));
+        QCOMPARE(pair->getNumberOfChildren(), 1u);
+        QVERIFY(run->remove(first));
+        QCOMPARE(link("speed"), (QStringList{both.at(0), both.at(2)}));
+        QCOMPARE(pair->getNumberOfChildren(), 0u);
+        QCOMPARE(onMedium(), QStringList{info->uuid}); // the task does not tell the medium
+        QVERIFY(run->remove(utils::EntriesOfPair("plant.speed").first()));
+        QVERIFY(!root()->findChildByRelativePath("plant.speed"));
+        QVERIFY(pair->isDeleteFlagSet());
+    }
+
+    void refusedEntryLeavesNothingBehind()
+    {
+        LogCapture log;
+        QVERIFY(!run->addEntry(run->record("", "disk")));
+        QVERIFY(!run->addEntry(run->record("x", "unknown")));
+        auto record = run->record("x");
+        record.persistence = PersistenceType::Unknown;
+        QVERIFY(!run->create(root(), record));
+        for (const Fault fault : {Fault::Fail, Fault::Throw}) {
+            twin->arrange(Operation::SerializeEntry, fault);
+            QVERIFY(!run->addEntry(run->record("x", "disk")));
+        }
+        QVERIFY(!run->create(root(), EntryInfoContainer()));
+        // The place of the pair's link is taken by a node that is no attribute.
+        record = run->record("entry", "disk");
+        record.classification = storage->getId();
+        const auto node
+            = Tessellum::Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("entry");
+        storage->addChild(node);
+        QVERIFY(!run->create(root(), record));
+        QCOMPARE(storage->getNumberOfChildren(), 1u);
+        QCOMPARE(onMedium(), QStringList());
+        QCOMPARE(root()->getNumberOfChildren(), 1u);
+        QCOMPARE(log.lines().filter("failed to link uuid to entry path, removing the entry").size(), 1);
+        QCOMPARE(log.lines().filter("unknown storage name=unknown cannot add entry").size(), 1);
+
+        record = run->record("volatile", "disk");
+        record.persistence = PersistenceType::Volatile;
+        QVERIFY(run->create(root(), record));
+        QCOMPARE(utils::EntriesOfPair("plant.volatile").first()->getStorageName(), QString());
+        QVERIFY(
+            !run->addEntry(run->record("other"), utils::EntriesOfPair("plant.volatile").first()->getId()));
+    }
+
+    void pairOnTheWayToADeeperOne()
+    {
+        auto deep = run->record("b.c");
+        const auto deeper = run->addEntry(deep);
+        const auto entry = run->addEntry(run->record("b"));
+        QVERIFY(deeper && entry);
+        QCOMPARE(link("b").size(), 2);
+        QVERIFY(run->remove(entry));
+        QCOMPARE(link("b"), QStringList());
+        QCOMPARE(utils::FindPair("plant.b"), nullptr);
+        QCOMPARE(utils::EntriesOfPair("plant.b.c"), QList<std::shared_ptr<Entry>>{deeper});
+    }
+
+    void storedEntriesComeWithTheirElements()
+    {
+        store("full", 3);
+        store("empty", 0);
+        QVERIFY(run->create(storage,
+                            QList<EntryDeserializeInformation>{stub("full"), stub("bad"), stub("empty")}));
+        QVERIFY(!run->create(storage, QList<EntryDeserializeInformation>{stub("bad")}));
+        QCOMPARE(child("empty")->getLoadStatus(), LoadStatus::Loaded);
+        const auto full = child("full");
+        QTRY_COMPARE(full->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(full->getNumberOfChildren(), 3u);
+        QCOMPARE(full->copyData().serialize.pendingCreates.load(), 0u);
+        QCOMPARE(run->parsed(full, 2), 2.0);
+        QCOMPARE(utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+        QVERIFY(run->create(storage, stub("full"))); // is there
+        QCOMPARE(link("full").size(), 2);
+
+        // Taken off the tree and attached again: the pair shows the new elements.
+        utils::UnlinkEntryFromPair(full);
+        full->setDeleteFlag();
+        QVERIFY(run->create(storage, stub("full", LoadDataHint::LoadAtOnce)));
+        QTRY_COMPARE(child("full")->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+
+        // Elements that cannot be read, a medium that miscounts, a storage that has gone.
+        store("broken", 2);
+        twin->arrange(Operation::DeserializeElement, Fault::Throw, 1, StorageTwin::Always);
+        QVERIFY(run->create(storage, stub("broken")));
+        QTRY_COMPARE(child("broken")->getLoadStatus(), LoadStatus::NotLoaded);
+        twin->forgetFaults();
+        store("miscounted", 2);
+        twin->setMiscounting(true);
+        QVERIFY(run->create(storage, stub("miscounted")));
+        QCOMPARE(child("miscounted")->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(child("miscounted")->getNumberOfChildren(), 0u);
+        LogCapture log;
+        QVERIFY(!run->create(root(), EntryDeserializeInformation{"full", LoadDataHint::AttachOnly, {}}));
+        QCOMPARE(log.lines().filter("expired storage instance provided, cannot add entry").size(), 1);
+    }
+
+    void discardedElementsAreNotLoaded()
+    {
+        store("slow", 2);
+        store("late", 2);
+        auto &pool = run->pool();
+        twin->arrange(Operation::DeserializeElement, Fault::Hang, 1, StorageTwin::Always);
+        QVERIFY(run->create(storage, stub("slow")));
+        QTRY_COMPARE(twin->hanging(), 1);
+        // All threads are busy, so that the elements of the other entry stay in the queue.
+        const int threads = pool.maxThreadCount();
+        pool.setMaxThreadCount(1);
+        QVERIFY(run->create(storage, stub("late")));
+        const auto late = child("late");
+        if (late->getLoadStatus() == LoadStatus::CurrentlyLoading)
+            pool.clear();
+        twin->forgetFaults();
+        twin->release();
+        QTRY_COMPARE(child("slow")->getLoadStatus(), LoadStatus::Loaded);
+        QTRY_COMPARE(late->getLoadStatus(), LoadStatus::NotLoaded);
+        pool.setMaxThreadCount(threads);
+    }
+
+    void elementsAreCopied()
+    {
+        const auto source = run->addEntry(run->record("source", "disk"));
+        const auto bytes = run->addEntry(run->record("bytes", "disk", 0, CategoryType::Custom));
+        QStringList uuids;
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(run->create(source, run->value(quint64(i), i)));
+            uuids.append(run->element(source, quint64(i))->getId());
+        }
+        ElementUpdateData raw = run->value(1, 0);
+        raw.remove(DataElementUpdateType::ParsedData);
+        raw.setRawData("bytes");
+        QVERIFY(run->create(bytes, raw));
+
+        const auto copy
+            = [this](const std::shared_ptr<Entry> &from, const QStringList &elements, CategoryType category) {
+                  const auto info = std::make_shared<EntryInfo>();
+                  info->serialize = run->record("copy", "disk", 0, category);
+                  info->sourceUuid = from ? from->getId() : "unknown";
+                  info->copyElements = true;
+                  info->elementsList = elements;
+                  return run->create(root(), info) == (from != nullptr) ? child(info->uuid) : nullptr;
+              };
+        const auto two = copy(source, {uuids.at(2), "unknown", uuids.at(0)}, CategoryType::Float);
+        QTRY_COMPARE(two->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(two->getNumberOfChildren(), 2u);
+        QCOMPARE(run->parsed(two, 1), 2.0);
+        QCOMPARE(run->element(two, 1)->getTimestamp(), 2u);
+        QCOMPARE(twin->getElementRawData(two->getId(), uuids.at(2)), run->raw(2));
+
+        const QString uuid = run->element(bytes, 0)->getId();
+        const auto custom = copy(bytes, {uuid}, CategoryType::Custom);
+        QTRY_COMPARE(custom->getLoadStatus(), LoadStatus::Loaded);
+        QCOMPARE(twin->getElementRawData(custom->getId(), uuid), QByteArray("bytes"));
+        QVERIFY(copy(nullptr, uuids, CategoryType::Float)); // false, and the entry stays
+    }
+
+    void pairStandsForAllItsEntries()
+    {
+        run->addEntry(run->record("speed", "disk"));
+        run->addEntry(run->record("speed"));
+        const auto pair = utils::FindPair("plant.speed");
+        QVERIFY(run->remove(pair));
+        QVERIFY(!root()->findChildByRelativePath("plant.speed"));
+        QCOMPARE(storage->getNumberOfChildren(), 0u);
+        QVERIFY(!run->remove(pair)); // has gone
+    }
+
+    void newEntryGetsTheStrategyOfItsPattern()
+    {
+        MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");
+        QString type;
+        QVERIFY(
+            run->addEntry(run->record("faster"))->getMemoryStrategyInterface()->getMemoryStrategyType(type));
+        QCOMPARE(type, QString("last"));
+        QVERIFY(
+            !run->addEntry(run->record("slow"))->getMemoryStrategyInterface()->getMemoryStrategyType(type));
+    }
+
+    void reportsAndUnreadableData()
+    {
+        EntryCreateTask task({}, root(), {}, QVariant(1), CreatePoint::Done);
+        QCOMPARE(RunAndRecord(task), (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, false}}));
+        EntryCreateTask good({}, root(), {}, QVariant::fromValue(run->record("x")), CreatePoint::Done);
+        QCOMPARE(RunAndRecord(good),
+                 (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, true}, {CreatePoint::Done, true}}));
+        EntryCreateTask orphan({}, {}, {}, QVariant::fromValue(run->record("x")), CreatePoint::Done);
+        QCOMPARE(RunAndRecord(orphan), (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, false}}));
+    }
+};
+
+QTEST_GUILESS_MAIN(EntryTasksTest)
+#include "EntryTasksTest.moc"
