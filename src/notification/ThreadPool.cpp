@@ -6,6 +6,7 @@
 #include <QSemaphore>
 #include <QThread>
 
+#include <chrono>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -16,6 +17,7 @@ namespace Tessellum::Notification {
 namespace {
 
 constexpr int IdleMilliseconds = 1001;
+constexpr std::chrono::microseconds LookTime(20);
 constexpr int StopReportMilliseconds = 5000;
 constexpr int StopReportLines = 10;
 
@@ -128,8 +130,7 @@ bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
         if (!isRunning())
             return false;
         runnables.add(std::move(wrapper));
-        wantsWorker = workers < allowedWorkersLocked();
-        workers += wantsWorker;
+        wantsWorker = enlistWorkerLocked();
     }
     // Behind the lock, which is the first thing that the woken thread takes. A stop waits for the worker.
     if (wantsWorker)
@@ -142,17 +143,25 @@ int ThreadPool::allowedWorkersLocked() const
     return qMax(1, maxThreadCount()) + lentPlaces;
 }
 
-void ThreadPool::startWantedWorkers()
+/*! True if the caller is to start one more worker, which is counted from here on. Not while another one looks
+ * for work: that one takes the next item and enlists a further worker if there are more. */
+bool ThreadPool::enlistWorkerLocked()
 {
-    int further = 0;
+    if (lookingWorkers > 0 || !runnables.hasQueued() || workers >= allowedWorkersLocked())
+        return false;
+    ++workers;
+    ++lookingWorkers;
+    return true;
+}
+
+void ThreadPool::startWantedWorker()
+{
+    bool wantsWorker = false;
     {
         const QMutexLocker locker(&runnables.mutex);
-        for (int left = getQueuedCount(); left > 0 && workers < allowedWorkersLocked(); --left) {
-            ++workers;
-            ++further;
-        }
+        wantsWorker = enlistWorkerLocked();
     }
-    for (; further > 0; --further)
+    if (wantsWorker)
         QThreadPool::start(&worker, 0);
 }
 
@@ -170,21 +179,49 @@ void ThreadPool::Worker::run()
         item->run();
 }
 
-/*! Gives a finished item (or null) back and takes the next one; null ends the worker. */
+/*! Gives a finished item back and takes the next one; null ends the worker. With null, it is a new worker. */
 utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finished)
 {
-    utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-    const QMutexLocker locker(&runnables.mutex);
-    if (finished)
-        runnables.finish(finished, leftovers);
-    const bool isTooMany = workers > allowedWorkersLocked();
-    utils::TrackedRunnable *const next = isTooMany ? nullptr : runnables.takeNext();
-    if (!next) {
-        --workers;
-        if (waiting > 0)
+    utils::TrackedRunnable *next = nullptr;
+    bool wantsWorker = false;
+    {
+        utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
+        QMutexLocker locker(&runnables.mutex);
+        if (finished)
+            runnables.finish(finished, leftovers);
+        else
+            --lookingWorkers;
+        next = takeItemLocked();
+        if (!next && lookingWorkers == 0) {
+            ++lookingWorkers;
+            locker.unlock();
+            lookForItems();
+            locker.relock();
+            --lookingWorkers;
+            next = takeItemLocked();
+        }
+        if (next)
+            wantsWorker = enlistWorkerLocked();
+        else if (--workers; waiting > 0)
             nothingRuns.wakeAll();
     }
+    if (wantsWorker)
+        QThreadPool::start(&worker, 0);
     return next;
+}
+
+utils::TrackedRunnable *ThreadPool::takeItemLocked()
+{
+    const bool isTooMany = workers > allowedWorkersLocked();
+    return isTooMany ? nullptr : runnables.takeNext();
+}
+
+/*! Returns when there is something to take, or after about the time that a thread takes to be woken. */
+void ThreadPool::lookForItems() const
+{
+    const QDeadlineTimer end(LookTime, Qt::PreciseTimer);
+    while (!runnables.hasQueued() && waiting == 0 && !end.hasExpired())
+        QThread::yieldCurrentThread();
 }
 
 void ThreadPool::lendPlace()
@@ -194,7 +231,7 @@ void ThreadPool::lendPlace()
         ++lentPlaces;
     }
     releaseThread();
-    startWantedWorkers();
+    startWantedWorker();
 }
 
 void ThreadPool::takePlaceBack()
@@ -210,7 +247,7 @@ void ThreadPool::setMaxThreadCount(int threads)
         const QMutexLocker locker(&runnables.mutex);
         QThreadPool::setMaxThreadCount(threads);
     }
-    startWantedWorkers();
+    startWantedWorker();
 }
 
 void ThreadPool::adjustThreadCount()
@@ -259,7 +296,7 @@ void ThreadPool::raiseMaxThreadCount(int current, int wanted)
             return;
         QThreadPool::setMaxThreadCount(current + further);
     }
-    startWantedWorkers();
+    startWantedWorker();
 }
 
 int ThreadPool::ProbeThreads(int wanted)

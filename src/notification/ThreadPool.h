@@ -28,6 +28,8 @@ namespace Tessellum::Notification {
  *
  * The pool queues by itself and gives QThreadPool one worker for each thread that it wants; a worker goes on
  * until nothing is queued. So a start among many costs no more than one among few, as it does in QThreadPool.
+ * Waking a thread costs more than most tasks. So one worker at a time is woken, which passes that on when it
+ * finds more than one item, and one that finds nothing looks on for an instant before it leaves.
  *
  * Lock: the mutex of the record of runnables also guards the workers' number and the idle timer, and makes
  * the test of the stop flag and the entry of a task one step. It is never held while a factory, a task or a
@@ -148,8 +150,11 @@ private:
                                                            const Arguments &...arguments);
     bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
     utils::TrackedRunnable *exchangeItem(utils::TrackedRunnable *finished);
+    utils::TrackedRunnable *takeItemLocked();
+    void lookForItems() const;
     int allowedWorkersLocked() const;
-    void startWantedWorkers();
+    bool enlistWorkerLocked();
+    void startWantedWorker();
     int wantedThreadCountLocked(int current);
     bool waitForWorkers(const QDeadlineTimer &deadline);
     void logRunning() const;
@@ -163,8 +168,9 @@ private:
     std::atomic<bool> stopped;
     Worker worker{*this}; // one object for all workers
     int workers = 0; // that run or are about to
+    int lookingWorkers = 0; // those among them that have no item yet
     int lentPlaces = 0;
-    int waiting = 0; // threads that wait for nothingRuns
+    std::atomic<int> waiting = 0; // threads that wait for nothingRuns
     QWaitCondition nothingRuns;
 };
 

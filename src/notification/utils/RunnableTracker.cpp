@@ -35,11 +35,13 @@ void RunnableTracker::add(std::unique_ptr<TrackedRunnable> item)
     if (item->observer)
         item->observer->runnable = item.get();
     queued.append(item.release());
+    anyQueued.store(true, std::memory_order_relaxed);
 }
 
 void RunnableTracker::begin(TrackedRunnable *item)
 {
     queued.unlink(item);
+    anyQueued.store(queued.first() != nullptr, std::memory_order_relaxed);
     running.append(item);
     if (item->observer)
         item->observer->runnable = nullptr;
@@ -86,6 +88,7 @@ RunnableChain RunnableTracker::takeQueued()
         if (item->observer)
             item->observer->runnable = nullptr;
     }
+    anyQueued.store(false, std::memory_order_relaxed);
     return RunnableChain(queued.takeAll());
 }
 

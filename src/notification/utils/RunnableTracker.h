@@ -5,6 +5,7 @@
 #include <QList>
 #include <QMutex>
 
+#include <atomic>
 #include <memory>
 
 namespace Tessellum::Notification::utils {
@@ -29,8 +30,8 @@ private:
  * those that wait to be deleted. Each step costs the same however many there are.
  *
  * Lock: mutex guards the lists, the links in the items and the link from an observer to its item. The
- * caller of every function here holds it. It is taken before the mutex of QThreadPool and after none; nothing
- * is deleted and no foreign code runs under it.
+ * caller of every function here but hasQueued() holds it. It is taken before the mutex of QThreadPool and
+ * after none; nothing is deleted and no foreign code runs under it.
  */
 class TESSELLUM_EXPORT RunnableTracker
 {
@@ -57,6 +58,8 @@ public:
     /*! Makes the running \a item a finished one. */
     void finish(TrackedRunnable *item, Leftovers &leftovers);
 
+    /*! True if something is queued. Needs the mutex only where the answer must hold for longer. */
+    bool hasQueued() const { return anyQueued.load(std::memory_order_relaxed); }
     bool hasRunning() const { return running.first() != nullptr; }
     /*! The descriptions of those that run now, \a limit at most, to be made into texts without the lock. */
     QList<TaskDescription> runningDescriptions(int limit) const;
@@ -68,6 +71,7 @@ public:
 private:
     void begin(TrackedRunnable *item);
 
+    std::atomic<bool> anyQueued = false; // whether the list of queued items holds one
     RunnableList queued;
     RunnableList running;
     RunnableList finished;
