@@ -98,6 +98,7 @@ void JsonLoad(benchmark::State &state)
     Load(state, state.range(0));
     state.counters["items"] = double(state.range(0));
     state.counters["aim"] = 10;
+    state.counters["aim_bytes"] = 1100;
 }
 BENCHMARK(JsonLoad)->Arg(100000)->UseManualTime()->Unit(benchmark::kMillisecond);
 

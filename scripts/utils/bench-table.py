@@ -2,7 +2,7 @@
 """Makes one Markdown table of the JSON files that the benchmarks wrote: bench-table.py [--record FILE] FOLDER
 
 A benchmark "Name/arguments" is compared to its floor "Name_Floor/arguments" (or "Name_Floor" where the floor takes
-none), and likewise to "Name_Peer". The counters "items", "aim", "aim_ns" and "bytes" are those that
+none), and likewise to "Name_Peer". The counters "items", "aim", "aim_ns", "bytes" and "aim_bytes" are those that
 docs/performance.md tells.
 """
 
@@ -13,9 +13,9 @@ import re
 import sys
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
-COUNTERS = ("items", "aim", "aim_ns", "bytes")
+COUNTERS = ("items", "aim", "aim_ns", "bytes", "aim_bytes")
 BEGIN, END = "<!-- table: begin -->", "<!-- table: end -->"
-HEAD = ["benchmark", "ns", "floor ns", "ratio", "aim", "", "pinned ns", "pinned ratio", "bytes"]
+HEAD = ["benchmark", "ns", "floor ns", "ratio", "aim", "", "pinned ns", "pinned ratio", "bytes", "aim", ""]
 
 
 class Run:
@@ -26,7 +26,8 @@ class Run:
         counters = {key: entry[key] / entry["threads"] for key in COUNTERS if key in entry}
         self.name = entry["run_name"]
         self.time = entry["real_time"] * NANOSECONDS[entry["time_unit"]] / counters.get("items", 1)
-        self.aim, self.aim_ns, self.bytes = (counters.get(key) for key in ("aim", "aim_ns", "bytes"))
+        self.aim, self.aim_ns = counters.get("aim"), counters.get("aim_ns")
+        self.bytes, self.aim_bytes = counters.get("bytes"), counters.get("aim_bytes")
 
 
 def load(path):
@@ -57,6 +58,12 @@ def verdict(run, ratio):
     return number(run.aim), "ok" if ratio <= run.aim else "over"
 
 
+def memory_verdict(run):
+    if run.aim_bytes is None:
+        return "", ""
+    return number(run.aim_bytes), "ok" if run.bytes <= run.aim_bytes else "over"
+
+
 def rows(runs, pinned):
     for name, run in runs.items():
         if re.search(r"_(Floor|Peer)(/|$)", name):
@@ -75,6 +82,7 @@ def rows(runs, pinned):
                 number(alone.time if alone else None),
                 number(alone.time / floor_alone.time if alone and floor_alone else None),
                 number(run.bytes),
+                *memory_verdict(run),
             ]
 
 

@@ -38,6 +38,7 @@ int ExaminerRegistration<Point>::registerEventHandler(
     byHandle.insert(inner->getUuid(), {examiner, path, point});
     enterLocked(path, point, examiner);
     size.store(byHandle.size(), std::memory_order_release);
+    countHearersLocked(point, 1);
     return 1;
 }
 
@@ -53,6 +54,7 @@ bool ExaminerRegistration<Point>::unregisterEventHandler(const QString &uuid)
         registrations = byHandle.values(uuid);
         byHandle.remove(uuid);
         for (const Registration &registration : qAsConst(registrations)) {
+            countHearersLocked(registration.point, -1);
             connections.append(registration.examiner->takeConnection(uuid));
             allRemoved = allRemoved && connections.last();
             if (registration.examiner->isEmpty())
@@ -148,6 +150,15 @@ void ExaminerRegistration<Point>::removeExpired(const Stale &stale)
     for (const auto &[path, point] : stale) {
         if (!findLocked(path, point)) // somebody may have registered there meanwhile
             removeLocked(path, point);
+    }
+}
+
+template <class Point>
+void ExaminerRegistration<Point>::countHearersLocked(const Point &registered, int difference)
+{
+    for (size_t number = 0; number < hearers.size(); ++number) {
+        if (pointMatches(registered, Point(number)))
+            hearers[number].fetch_add(difference, std::memory_order_acq_rel);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <QMap>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -43,6 +44,12 @@ public:
     Examiners getExaminers(const QString &path, const Point &point, int mode);
     /*! True if nothing is registered: what asks on behalf of a task can end there. Costs no lock. */
     bool isEmpty() const { return size.load(std::memory_order_acquire) == 0; }
+    /*! False if no registration of any path meets \a point. Costs no lock. */
+    bool hears(const Point &point) const
+    {
+        const auto number = size_t(point);
+        return number >= hearers.size() || hearers[number].load(std::memory_order_acquire) > 0;
+    }
 
 private:
     struct Registration
@@ -60,6 +67,7 @@ private:
     void collectLocked(const PathTable &table, const QString &path, const Point &point, Examiners &found,
                        Stale &stale) const;
     void removeExpired(const Stale &stale);
+    void countHearersLocked(const Point &registered, int difference);
 
     const PointMatcher pointMatches;
     mutable QReadWriteLock lock;
@@ -68,6 +76,8 @@ private:
     PathTable wildcardPaths;
     utils::WildcardIndex wildcards; // the keys of wildcardPaths
     std::atomic<int> size = 0;
+    std::array<std::atomic<int>, size_t(AllPoint<Point>) + 1>
+        hearers{}; // registrations that meet a point, by its number
 };
 
 extern template class ExaminerRegistration<CreatePoint>;

@@ -45,14 +45,17 @@ public:
     void report(const ResultType &reported)
     {
         {
-            const QMutexLocker locker(&mutex);
+            const std::lock_guard<std::mutex> lock(mutex);
             result = reported;
         }
         if (isFinished(reported)) {
-            const QMutexLocker locker(&mutex);
-            if (!released)
-                released = reported;
-            finishLocked();
+            {
+                const std::lock_guard<std::mutex> lock(mutex);
+                if (!released)
+                    released = reported;
+                finishLocked();
+            }
+            wake();
         }
         if (onResult)
             onResult(reported);
@@ -61,7 +64,7 @@ public:
     /*! The last report, or zeroes before the first. */
     ResultType getResult() const
     {
-        const QMutexLocker locker(&mutex);
+        const std::lock_guard<std::mutex> lock(mutex);
         return result;
     }
 
@@ -70,7 +73,7 @@ public:
     std::optional<ResultType> waitForResult()
     {
         wait();
-        const QMutexLocker locker(&mutex);
+        const std::lock_guard<std::mutex> lock(mutex);
         return released;
     }
 

@@ -1,6 +1,7 @@
 #include "ThreadPool.h"
 
 #include <notification/utils/CurrentPool.h>
+#include <notification/utils/ShortLock.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QSemaphore>
@@ -57,8 +58,7 @@ private:
 
 ThreadPool::ThreadPool(const QString &poolName, CreateFactory create, UpdateFactory update,
                        DeleteFactory remove, int requestedThreads, bool startStopped)
-    : queued(std::make_shared<utils::RunnableCounter>())
-    , name(poolName)
+    : name(poolName)
     , createFactory(std::move(create))
     , updateFactory(std::move(update))
     , deleteFactory(std::move(remove))
@@ -125,7 +125,7 @@ bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
     utils::RunnableChain finished; // freed behind the lock
     bool wantsWorker = false;
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         finished = runnables.takeFinished();
         if (!isRunning())
             return false;
@@ -140,7 +140,7 @@ bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
 
 int ThreadPool::allowedWorkersLocked() const
 {
-    return qMax(1, maxThreadCount()) + lentPlaces;
+    return qMax(1, currentMaxThreadCount()) + lentPlaces;
 }
 
 /*! True if the caller is to start one more worker, which is counted from here on. Not while another one looks
@@ -158,7 +158,7 @@ void ThreadPool::startWantedWorker()
 {
     bool wantsWorker = false;
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         wantsWorker = enlistWorkerLocked();
     }
     if (wantsWorker)
@@ -186,7 +186,7 @@ utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finishe
     bool wantsWorker = false;
     {
         utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-        QMutexLocker locker(&runnables.mutex);
+        utils::ShortLocker locker(runnables.mutex);
         if (finished)
             runnables.finish(finished, leftovers);
         else
@@ -227,7 +227,7 @@ void ThreadPool::lookForItems() const
 void ThreadPool::lendPlace()
 {
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         ++lentPlaces;
     }
     releaseThread();
@@ -237,29 +237,40 @@ void ThreadPool::lendPlace()
 void ThreadPool::takePlaceBack()
 {
     reserveThread();
-    const QMutexLocker locker(&runnables.mutex);
+    const utils::ShortLocker locker(runnables.mutex);
     --lentPlaces;
 }
 
 void ThreadPool::setMaxThreadCount(int threads)
 {
     {
-        const QMutexLocker locker(&runnables.mutex);
-        QThreadPool::setMaxThreadCount(threads);
+        const utils::ShortLocker locker(runnables.mutex);
+        setMaxThreadCountLocked(threads);
     }
     startWantedWorker();
 }
 
+void ThreadPool::setMaxThreadCountLocked(int threads)
+{
+    QThreadPool::setMaxThreadCount(threads);
+    maximum.store(threads, std::memory_order_relaxed);
+}
+
 void ThreadPool::adjustThreadCount()
 {
+    // Under load there is nothing to do, and no lock to compete for.
+    if (currentMaxThreadCount() >= MaximumThreadCount() && getQueuedCount() >= MinimumThreadCount()
+        && !isTimingIdleness.load(std::memory_order_relaxed))
+        return;
     int current = 0;
     int wanted = 0;
     {
-        const QMutexLocker locker(&runnables.mutex);
-        current = maxThreadCount();
+        const utils::ShortLocker locker(runnables.mutex);
+        current = currentMaxThreadCount();
         wanted = wantedThreadCountLocked(current);
+        isTimingIdleness.store(idleTimer.isValid(), std::memory_order_relaxed);
         if (wanted < current)
-            QThreadPool::setMaxThreadCount(wanted);
+            setMaxThreadCountLocked(wanted);
     }
     if (wanted > current)
         raiseMaxThreadCount(current, wanted);
@@ -291,10 +302,10 @@ void ThreadPool::raiseMaxThreadCount(int current, int wanted)
     if (further <= 0)
         return;
     {
-        const QMutexLocker locker(&runnables.mutex);
-        if (maxThreadCount() != current) // somebody else was faster
+        const utils::ShortLocker locker(runnables.mutex);
+        if (currentMaxThreadCount() != current) // somebody else was faster
             return;
-        QThreadPool::setMaxThreadCount(current + further);
+        setMaxThreadCountLocked(current + further);
     }
     startWantedWorker();
 }
@@ -314,7 +325,7 @@ void ThreadPool::start()
 void ThreadPool::stop()
 {
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         stopped.store(true, std::memory_order_release);
     }
     cleanUp(false);
@@ -323,7 +334,7 @@ void ThreadPool::stop()
 void ThreadPool::clear()
 {
     utils::RunnableChain discarded; // ended and freed behind the lock
-    const QMutexLocker locker(&runnables.mutex);
+    const utils::ShortLocker locker(runnables.mutex);
     discarded = runnables.takeQueued();
 }
 
@@ -355,7 +366,7 @@ bool ThreadPool::waitForDone(int milliseconds)
 
 bool ThreadPool::waitForWorkers(const QDeadlineTimer &deadline)
 {
-    const QMutexLocker locker(&runnables.mutex);
+    const utils::ShortLocker locker(runnables.mutex);
     // What a waiting thread of another pool took over runs without a worker.
     const auto isOver = [this] { return workers == 0 && !runnables.hasRunning(); };
     ++waiting;
@@ -368,7 +379,7 @@ void ThreadPool::logRunning() const
 {
     QList<utils::TaskDescription> descriptions;
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         descriptions = runnables.runningDescriptions(StopReportLines);
     }
     for (const auto &description : qAsConst(descriptions)) {
@@ -387,7 +398,7 @@ void ThreadPool::cleanUp(bool all)
 {
     utils::RunnableChain finished;
     utils::RunnableChain discarded;
-    const QMutexLocker locker(&runnables.mutex);
+    const utils::ShortLocker locker(runnables.mutex);
     finished = runnables.takeFinished();
     if (all)
         discarded = runnables.takeQueued();
@@ -397,7 +408,7 @@ bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
 {
     utils::TrackedRunnable *item = nullptr;
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const utils::ShortLocker locker(runnables.mutex);
         item = runnables.take(observer);
     }
     if (!item)
@@ -407,7 +418,7 @@ bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
         item->run();
     }
     utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-    const QMutexLocker locker(&runnables.mutex);
+    const utils::ShortLocker locker(runnables.mutex);
     runnables.finish(item, leftovers);
     if (waiting > 0)
         nothingRuns.wakeAll();

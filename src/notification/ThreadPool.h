@@ -91,7 +91,7 @@ public:
 
     QString getName() const { return name; }
     /*! The number of runnables that are created and not yet begun. */
-    int getQueuedCount() const { return queued->count.load(); }
+    int getQueuedCount() const { return queued.count.load(); }
 
     /*! Frees the runnables that are over, with \a all also those that are not: for a pool at rest alone. */
     void cleanUp(bool all);
@@ -128,10 +128,14 @@ protected:
                                                                                 std::move(observer), queued));
     }
 
+    /*! Sets the maximum; the caller holds the mutex of the runnables. */
+    void setMaxThreadCountLocked(int threads);
+    /*! maxThreadCount() without a lock. */
+    int currentMaxThreadCount() const { return maximum.load(std::memory_order_relaxed); }
     /*! Raises the maximum from \a current to \a wanted, or by as many threads as the system gives now. */
     void raiseMaxThreadCount(int current, int wanted);
 
-    const std::shared_ptr<utils::RunnableCounter> queued;
+    utils::RunnableCounter queued;
     utils::RunnableTracker runnables;
 
 private:
@@ -161,6 +165,8 @@ private:
     static int ProbeThreads(int wanted);
 
     QElapsedTimer idleTimer;
+    std::atomic<bool> isTimingIdleness = false; // whether idleTimer runs
+    std::atomic<int> maximum = 0; // maxThreadCount(), which would take a lock of its own
     const QString name;
     const CreateFactory createFactory;
     const UpdateFactory updateFactory;

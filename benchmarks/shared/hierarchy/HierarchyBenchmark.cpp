@@ -138,6 +138,20 @@ void FindThreeElements_Floor(benchmark::State &state)
 }
 BENCHMARK(FindThreeElements_Floor);
 
+// Among few and among many children.
+void FindChild(benchmark::State &state)
+{
+    QStringList ids = makeIds(int(state.range(0)));
+    const NodePointer root = makeFlatTree(ids);
+    std::shuffle(ids.begin(), ids.end(), std::mt19937(1));
+    int next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(root->findChildByRelativePath(ids.at(next)));
+        next = (next + 1) % ids.size();
+    }
+}
+BENCHMARK(FindChild)->Arg(1000)->Arg(100000);
+
 void RemoveInRandomOrder(benchmark::State &state)
 {
     const QStringList ids = makeIds(int(state.range(0)));

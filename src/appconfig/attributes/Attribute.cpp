@@ -6,6 +6,7 @@
 
 namespace Tessellum::AppConfig::Attributes {
 
+using Shared::Hierarchy::HierarchyNode;
 using Shared::Synchronization::ScopedLock;
 
 namespace {
@@ -85,7 +86,7 @@ QString Attribute::getPath() const
 
 quint32 Attribute::getAccess() const
 {
-    const ScopedLock lock(self());
+    const ScopedLock lock(this);
     return state.access;
 }
 
@@ -96,14 +97,16 @@ bool Attribute::markForDeletion()
 
 bool Attribute::setValue(const QVariant &value)
 {
+    std::shared_ptr<const HierarchyNode> keepAlive; // the writer may drop the last other pointer
     QVariant replaced = value; // what stood there is freed with the lock open
-    const ScopedLock lock(self());
+    const ScopedLock lock(this);
     if (!(state.access & AttributeAccess::Write))
         return false;
     if (!state.functions || !state.functions->writer) {
         state.value.swap(replaced);
         return true;
     }
+    keepAlive = self();
     try {
         return state.functions->writer(state.value, value);
     } catch (...) {
@@ -114,19 +117,21 @@ bool Attribute::setValue(const QVariant &value)
 void Attribute::setDetails(const Details &details)
 {
     State replaced(details); // what stood there is freed with the lock open
-    const ScopedLock lock(self());
+    const ScopedLock lock(this);
     std::swap(state, replaced);
 }
 
 bool Attribute::read(QVariant &out) const
 {
-    const ScopedLock lock(self());
+    std::shared_ptr<const HierarchyNode> keepAlive; // the reader may drop the last other pointer
+    const ScopedLock lock(this);
     if (!(state.access & AttributeAccess::Read))
         return false;
     if (!state.functions || !state.functions->reader) {
         out = state.value;
         return true;
     }
+    keepAlive = self();
     try {
         return state.functions->reader(state.value, out);
     } catch (...) {

@@ -74,4 +74,14 @@ private:
     State state;
 };
 
+/*! \a node as an attribute, empty where it is something else. Each read and each update asks this, and Qt's
+ * cast costs a part of the one of the language over so many bases. */
+template <class Node>
+auto ToAttribute(std::shared_ptr<Node> node)
+{
+    using Target = std::conditional_t<std::is_const_v<Node>, const Attribute, Attribute>;
+    const auto attribute = qobject_cast<Target *>(node.get());
+    return attribute ? std::shared_ptr<Target>(std::move(node), attribute) : nullptr;
+}
+
 } // namespace Tessellum::AppConfig::Attributes

@@ -48,6 +48,12 @@ bool AcceptResult(ValidationResult result, const QVariant &value)
     return false;
 }
 
+bool IsGone(const std::weak_ptr<Attribute> &target)
+{
+    const auto attribute = target.lock();
+    return !attribute || attribute->isDeleteFlagSet();
+}
+
 bool IsInTree(const std::shared_ptr<HierarchyNode> &node)
 {
     return node && node->getParent();
@@ -68,33 +74,25 @@ AttributeUpdateTask::AttributeUpdateTask(const Examiners &updateExaminer,
 
 UpdateObserver::ResultType AttributeUpdateTask::runUpdate()
 {
-    // The reference holds the attribute for the length of each call alone, so that its end is noticed.
-    AttributeReference reference(std::weak_ptr<Attribute>(std::dynamic_pointer_cast<Attribute>(node.lock())),
-                                 {});
-    const auto unlessGone = [&reference](UpdateResult result) {
-        return reference.isDeleteFlagSet() ? UpdateResult::NodeGone : result;
-    };
+    // The attribute is held for the length of each step alone, so that its end is noticed.
+    const AttributePointer target = ToAttribute(node.lock());
+    const auto unlessGone
+        = [&target](UpdateResult result) { return IsGone(target) ? UpdateResult::NodeGone : result; };
 
-    if (reference.isDeleteFlagSet()) {
+    if (IsGone(target)) {
         observer->report({UpdatePoint::Check, UpdateResult::NodeGone});
         return observer->getResult();
     }
     if (value.userType() == qMetaTypeId<DeferredUpdateValue>())
         value = value.value<DeferredUpdateValue>().make();
-    if (!reference.getValue(previousValue, QMetaType::UnknownType))
-        previousValue = QVariant();
-    if (!preCheck(reference)) {
+    if (!preCheck(target)) {
         observer->report({UpdatePoint::Check, UpdateResult::CheckFailed});
         return observer->getResult();
     }
     observer->report({UpdatePoint::Check, UpdateResult::Ok});
     observer->report({UpdatePoint::Apply, unlessGone(UpdateResult::Ok)});
 
-    if (reference.setValue(value)) {
-        // What is told from here on is what stands there: a writer may have changed the value.
-        QVariant written;
-        if (reference.getValue(written, QMetaType::UnknownType))
-            value = written;
+    if (apply(target)) {
         observer->report({UpdatePoint::Done, unlessGone(UpdateResult::Ok)});
     } else {
         const UpdateResult failure = unlessGone(UpdateResult::ApplyFailed);
@@ -109,23 +107,43 @@ std::shared_ptr<UpdateObserver> AttributeUpdateTask::getObserver()
     return observer;
 }
 
-bool AttributeUpdateTask::preCheck(const AttributeReference &reference)
+/*! Keeps the value that stands there and asks the validations about the new one. */
+bool AttributeUpdateTask::preCheck(const AttributePointer &target)
 {
-    const auto localization = reference.getLocalization();
-    for (const auto &validation : reference.getValidations()) {
-        if (AcceptResult(validation->validate(localization, value), value))
+    QList<std::shared_ptr<Validation::AttributeValidationInterface>> validations;
+    if (const auto attribute = target.lock()) {
+        if (!attribute->getValue(previousValue, QMetaType::UnknownType))
+            previousValue = QVariant();
+        validations = attribute->getValidations();
+    }
+    for (const auto &validation : qAsConst(validations)) {
+        if (AcceptResult(validation->validate(nullptr, value), value))
             continue;
+        const auto attribute = target.lock();
         FrameworkLog().warning() << "AttributeUpdateTask::runUpdate() update failed for attribute: "
-                                 << reference.getPath() << " pre check " << validation->getValidationId()
-                                 << " failed";
+                                 << (attribute ? attribute->getPath() : QString()) << " pre check "
+                                 << validation->getValidationId() << " failed";
         return false;
     }
     return true;
 }
 
+/*! False if the value could not be set. */
+bool AttributeUpdateTask::apply(const AttributePointer &target)
+{
+    const auto attribute = target.lock();
+    if (!attribute || !attribute->setValue(value))
+        return false;
+    // What is told from here on is what stands there: a writer may have changed the value.
+    QVariant written;
+    if (attribute->getValue(written, QMetaType::UnknownType))
+        value = written;
+    return true;
+}
+
 void AttributeUpdateTask::handleUpdateNotification(const ResultType &result) const
 {
-    if (!examiner || examiner->isEmpty())
+    if (!examiner || !examiner->hears(result.first))
         return;
     const auto attribute = node.lock();
     if (!attribute)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <appconfig/attributes/AttributeReference.h>
+#include <appconfig/attributes/Attribute.h>
 #include <notification/ExaminerRegistration.h>
 #include <notification/UpdateTask.h>
 
@@ -32,7 +32,10 @@ public:
     std::shared_ptr<Notification::UpdateObserver> getObserver() override;
 
 private:
-    bool preCheck(const AttributeReference &reference);
+    using AttributePointer = std::weak_ptr<Attribute>;
+
+    bool preCheck(const AttributePointer &target);
+    bool apply(const AttributePointer &target);
     void handleUpdateNotification(const Notification::UpdateObserver::ResultType &result) const;
 
     Examiners examiner;

@@ -39,20 +39,20 @@ std::shared_ptr<const AttributeInterface> AttributesQueryProvider::getAttribute(
 
 std::shared_ptr<Attribute> AttributesQueryProvider::findAttribute(const QString &path)
 {
-    return std::dynamic_pointer_cast<Attribute>(root->findChildByRelativePath(path));
+    return Attributes::ToAttribute(root->findChildByRelativePath(path));
 }
 
 std::shared_ptr<const Attribute> AttributesQueryProvider::findAttribute(const QString &path) const
 {
-    return std::dynamic_pointer_cast<const Attribute>(std::as_const(*root).findChildByRelativePath(path));
+    return Attributes::ToAttribute(std::as_const(*root).findChildByRelativePath(path));
 }
 
 QList<std::shared_ptr<Attribute>> AttributesQueryProvider::findAttributes(const QString &pattern) const
 {
     QList<std::shared_ptr<Attribute>> result;
     for (const auto &node : root->queryChildren<HierarchyNode>(pattern)) {
-        if (const auto attribute = std::dynamic_pointer_cast<Attribute>(node))
-            result.append(attribute);
+        if (auto attribute = Attributes::ToAttribute(node))
+            result.append(std::move(attribute));
     }
     return result;
 }

@@ -32,10 +32,11 @@ bool HandlerPool::stopAndWait(int milliseconds)
 
 void HandlerPool::adjustThreadCount()
 {
+    if (currentMaxThreadCount() <= MinimumThreadCount() || getQueuedCount() > 0)
+        return;
     const QMutexLocker locker(&runnables.mutex);
-    if (maxThreadCount() > MinimumThreadCount() && getQueuedCount() == 0
-        && activeThreadCount() < MinimumThreadCount())
-        QThreadPool::setMaxThreadCount(MinimumThreadCount());
+    if (activeThreadCount() < MinimumThreadCount())
+        setMaxThreadCountLocked(MinimumThreadCount());
 }
 
 void HandlerPool::watch()
@@ -78,7 +79,7 @@ void HandlerPool::watchQueue(const std::atomic<bool> &end)
 {
     int emptyLooks = 0;
     while (!end) {
-        const quint32 begunBefore = queued->begun;
+        const quint32 begunBefore = queued.begun;
         {
             const QMutexLocker locker(&watchMutex);
             const QDeadlineTimer look(LookMilliseconds);
@@ -113,8 +114,8 @@ void HandlerPool::growIfBlocked(quint32 begunBefore)
     int current = 0;
     {
         const QMutexLocker locker(&runnables.mutex);
-        current = maxThreadCount();
-        if (getQueuedCount() == 0 || queued->begun != begunBefore || activeThreadCount() < current
+        current = currentMaxThreadCount();
+        if (getQueuedCount() == 0 || queued.begun != begunBefore || activeThreadCount() < current
             || current >= CeilingThreadCount())
             return;
     }

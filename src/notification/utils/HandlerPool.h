@@ -31,9 +31,10 @@ public:
     template <class Handler, class... Arguments>
     void startHandler(const std::shared_ptr<NotificationHandle<Handler>> &handle, Arguments &&...arguments)
     {
-        cleanUp(false);
-        if (!isRunning())
+        if (!isRunning()) {
+            cleanUp(false);
             return;
+        }
         adjustThreadCount();
         if (launch(std::make_unique<HandlerRunnable<Handler>>(handle, std::forward<Arguments>(arguments)...)))
             watch();

@@ -1,6 +1,7 @@
 #include "NotificationHandle.h"
 
 #include <notification/utils/HandlerWaits.h>
+#include <notification/utils/ShortLock.h>
 
 #include <QThread>
 #include <QUuid>
@@ -36,7 +37,7 @@ bool NotificationHandleBase::setEnabled(const bool &wanted)
 NotificationHandleBase::Running::Running(NotificationHandleBase &running)
     : handle(running)
 {
-    handle.mutex.lock();
+    LockShortly(handle.mutex);
     previous = handle.runner.exchange(QThread::currentThreadId());
 }
 

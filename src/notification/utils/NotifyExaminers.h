@@ -15,7 +15,7 @@ template <class Point, class... Arguments>
 void NotifyExaminers(const std::shared_ptr<ExaminerRegistration<Point>> &registration, const QString &path,
                      const Point &point, const Arguments &...arguments)
 {
-    if (!registration || registration->isEmpty())
+    if (!registration || !registration->hears(point))
         return;
     const auto examiners = registration->getExaminers(path, point, 1);
     for (const auto &examiner : examiners) {
@@ -31,7 +31,7 @@ void NotifyExaminers(const std::shared_ptr<ExaminerRegistration<Point>> &registr
                      const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node, const Point &point,
                      const Arguments &...arguments)
 {
-    if (!registration || registration->isEmpty())
+    if (!registration || !registration->hears(point))
         return;
     QString path;
     if (const auto target = node.lock())

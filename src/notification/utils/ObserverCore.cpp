@@ -9,20 +9,21 @@ ObserverCore::~ObserverCore()
 
 void ObserverCore::wait()
 {
-    const QMutexLocker locker(&mutex);
-    while (!finished.load(std::memory_order_relaxed) && !ended.load(std::memory_order_relaxed))
-        condition.wait(&mutex);
+    std::unique_lock<std::mutex> lock(mutex);
+    condition.wait(lock, [this] { return hasFinished() || isEnded(); });
 }
 
 void ObserverCore::end()
 {
+    if (isEnded())
+        return;
     std::unique_ptr<std::function<void()>> function;
     {
-        const QMutexLocker locker(&mutex);
+        const std::lock_guard<std::mutex> lock(mutex);
         ended.store(true, std::memory_order_release);
         function = std::move(endFunction);
-        condition.wakeAll();
     }
+    wake();
     if (function)
         (*function)();
 }
@@ -30,19 +31,13 @@ void ObserverCore::end()
 void ObserverCore::whenEnded(std::function<void()> function)
 {
     {
-        const QMutexLocker locker(&mutex);
+        const std::lock_guard<std::mutex> lock(mutex);
         if (!isEnded()) {
             endFunction = std::make_unique<std::function<void()>>(std::move(function));
             return;
         }
     }
     function();
-}
-
-void ObserverCore::finishLocked()
-{
-    finished.store(true, std::memory_order_release);
-    condition.wakeAll();
 }
 
 } // namespace Tessellum::Notification::utils

@@ -2,12 +2,13 @@
 
 #include <shared/TessellumExport.h>
 
-#include <QMutex>
-#include <QWaitCondition>
+#include <QtGlobal>
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 namespace Tessellum::Notification::utils {
 
@@ -46,15 +47,17 @@ public:
     void whenEnded(std::function<void()> function);
 
 protected:
-    /*! Marks the wait point as reached and releases all who wait. The caller holds the mutex. */
-    void finishLocked();
+    /*! Marks the wait point as reached. The caller holds the mutex and calls wake() behind it. */
+    void finishLocked() { finished.store(true, std::memory_order_release); }
+    /*! Releases all who wait. Without the mutex, which is the first thing that they take. */
+    void wake() { condition.notify_all(); }
 
-    mutable QMutex mutex;
+    mutable std::mutex mutex; // of std: it and the condition cost no allocation, and every task has one
 
 private:
     friend class RunnableTracker;
 
-    QWaitCondition condition;
+    std::condition_variable condition;
     std::atomic<bool> finished = false;
     std::atomic<bool> ended = false;
     std::unique_ptr<std::function<void()>> endFunction; // few tasks have one

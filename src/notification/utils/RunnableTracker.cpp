@@ -46,7 +46,7 @@ void RunnableTracker::begin(TrackedRunnable *item)
     if (item->observer)
         item->observer->runnable = nullptr;
     item->leaveQueue();
-    item->counter->begun.fetch_add(1, std::memory_order_relaxed);
+    item->counter.begun.fetch_add(1, std::memory_order_relaxed);
 }
 
 TrackedRunnable *RunnableTracker::takeNext()

@@ -15,8 +15,8 @@ class RunnableWrapper final : public TrackedRunnable
 {
 public:
     RunnableWrapper(std::unique_ptr<Runnable> wrapped, std::shared_ptr<ObserverCore> ended,
-                    std::shared_ptr<RunnableCounter> queued)
-        : TrackedRunnable(std::move(ended), std::move(queued), wrapped->describe())
+                    RunnableCounter &queued)
+        : TrackedRunnable(std::move(ended), queued, wrapped->describe())
         , runnable(std::move(wrapped))
     { }
 

@@ -4,13 +4,13 @@
 
 namespace Tessellum::Notification::utils {
 
-TrackedRunnable::TrackedRunnable(std::shared_ptr<ObserverCore> ended, std::shared_ptr<RunnableCounter> queued,
+TrackedRunnable::TrackedRunnable(std::shared_ptr<ObserverCore> ended, RunnableCounter &queued,
                                  TaskDescription text)
     : observer(std::move(ended))
-    , counter(std::move(queued))
+    , counter(queued)
     , description(std::move(text))
 {
-    counter->count.fetch_add(1);
+    counter.count.fetch_add(1);
     setAutoDelete(false);
 }
 
@@ -19,7 +19,7 @@ TrackedRunnable::~TrackedRunnable() = default;
 void TrackedRunnable::leaveQueue()
 {
     if (std::exchange(isQueued, false))
-        counter->count.fetch_sub(1);
+        counter.count.fetch_sub(1);
 }
 
 void TrackedRunnable::end()

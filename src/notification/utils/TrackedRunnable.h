@@ -31,9 +31,9 @@ public:
     QString getDescription() const override { return description.text(); }
 
 protected:
-    /*! Counts as queued from here on. \a ended is the observer, which may be null. */
-    TrackedRunnable(std::shared_ptr<ObserverCore> ended, std::shared_ptr<RunnableCounter> queued,
-                    TaskDescription text);
+    /*! Counts as queued from here on. \a ended is the observer, which may be null; \a queued is the pool's
+     * and outlives the item. */
+    TrackedRunnable(std::shared_ptr<ObserverCore> ended, RunnableCounter &queued, TaskDescription text);
 
     /*! Takes the item off the queued count if it never began, and ends the observer if there is one. */
     void end();
@@ -46,7 +46,7 @@ private:
     void leaveQueue();
 
     std::shared_ptr<ObserverCore> observer;
-    std::shared_ptr<RunnableCounter> counter;
+    RunnableCounter &counter;
     TaskDescription description;
     bool isQueued = true; // changed by the owner of the item: its maker, the tracker's mutex, who takes it
     TrackedRunnable *previous = nullptr; // both guarded by the tracker's mutex
