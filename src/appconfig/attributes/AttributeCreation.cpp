@@ -1,4 +1,5 @@
 #include <appconfig/attributes/AttributeCreation.h>
+#include <appconfig/utils/LiveNode.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 #include <shared/hierarchy/HierarchyStringPath.h>
@@ -54,11 +55,6 @@ bool OverwriteOrAddLeaf(const NodePtr &node, const QString &id, const Attribute:
     return true;
 }
 
-bool HasGone(const NodePtr &node)
-{
-    return node->isDeleteFlagSet();
-}
-
 /*! The nodes from the parent of a create down to that of a leaf. */
 struct Way
 {
@@ -100,10 +96,10 @@ bool CreateAlong(const NodePtr &parent, const AttributeCreateData &data, bool ke
         if ((way.nodes.isEmpty() || way.path != path) && !MakeWay(parent, path.toString(), way))
             return false;
         const bool created = OverwriteOrAddLeaf(way.nodes.constLast(), leaf, data.details, keepExisting);
-        if (HasGone(parent))
+        if (parent->isDeleteFlagSet())
             return false;
         // What was hung beneath a node that another thread took off the tree meanwhile is lost with it.
-        if (std::none_of(way.nodes.cbegin(), way.nodes.cend(), HasGone))
+        if (AppConfig::utils::AreAllLive(way.nodes))
             return created;
         way = {};
     }

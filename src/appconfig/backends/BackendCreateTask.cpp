@@ -1,12 +1,11 @@
 #include <appconfig/backends/BackendCreateTask.h>
+#include <appconfig/utils/LiveNode.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/utils/MakeNode.h>
 #include <notification/utils/NotifyExaminers.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 #include <shared/hierarchy/HierarchyStringPathLink.h>
 #include <shared/logging/FrameworkLog.h>
-
-#include <QMutex>
 
 #include <exception>
 
@@ -21,10 +20,8 @@ namespace Tessellum::AppConfig::Backends {
 
 namespace {
 
-/*! Orders the hanging in of a backend against the removal of plain parents that stayed empty, or a backend
- * could land in a parent that another task takes away. Taken before the locks of nodes; nothing waits and no
- * backend's function runs under it. */
-QBasicMutex parentsMutex;
+// Only another task that removes its parents makes a further attempt necessary.
+constexpr int MaximumAttempts = 100;
 
 QString JoinedPath(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent, const QString &path)
 {
@@ -49,15 +46,24 @@ public:
             remove();
     }
 
-    bool hangIn(NodePtr parent, const QStringList &parentElements)
+    // No lock is held: a slot that hears of the new nodes may wait for another backend.
+    bool hangIn(const NodePtr &parent, const QStringList &parentElements)
     {
-        const QMutexLocker lock(&parentsMutex);
-        for (const QString &element : parentElements) {
-            parent = childOf(parent, element);
-            if (!parent)
+        for (int attempt = 0; attempt < MaximumAttempts && !parent->isDeleteFlagSet(); ++attempt) {
+            QList<NodePtr> way{parent};
+            for (const QString &element : parentElements) {
+                const NodePtr next = childOf(way.constLast(), element);
+                if (!next)
+                    return false;
+                way.append(next);
+            }
+            if (!way.constLast()->addChild(backend, nullptr))
                 return false;
+            // Another task may have taken one of them away as one that stayed empty.
+            if (AppConfig::utils::AreAllLive(way))
+                return true;
         }
-        return parent->addChild(backend, nullptr);
+        return false;
     }
 
     void setKept() { keep = true; }
@@ -67,7 +73,7 @@ private:
     {
         if (auto present = parent->findChildByRelativePath(id))
             return present;
-        const NodePtr made = MakeNode<HierarchyNodeInstance>(id);
+        const auto made = MakeNode<HierarchyNodeInstance>(id);
         if (parent->addChild(made, nullptr)) {
             madeParents.prepend(made);
             return made;
@@ -79,29 +85,12 @@ private:
     void remove()
     {
         backend->setDeleteFlag();
-        const QMutexLocker lock(&parentsMutex);
-        for (const NodePtr &node : qAsConst(madeParents)) {
-            if (!removeIfEmpty(node))
-                return;
-        }
-    }
-
-    static bool removeIfEmpty(const NodePtr &node)
-    {
-        const NodePtr above = node->getParent();
-        if (!above || node->getNumberOfChildren() > 0)
-            return false;
-        node->setParent({}, true);
-        if (node->getNumberOfChildren() > 0) {
-            // Another task has found it meanwhile and hung an attribute into it.
-            above->addChild(node, nullptr);
-            return false;
-        }
-        return node->setDeleteFlag();
+        for (const auto &node : qAsConst(madeParents))
+            node->setDeleteFlagIfEmpty();
     }
 
     const std::shared_ptr<Backend> backend;
-    QList<NodePtr> madeParents; // the deepest first
+    QList<std::shared_ptr<HierarchyNodeInstance>> madeParents; // a child before its parent
     bool keep = false;
 };
 

@@ -73,14 +73,6 @@ bool liesWithin(RepositoryProvider::NodePtr node, const RepositoryProvider::Node
     return node != nullptr;
 }
 
-void removeWhereEmpty(const QList<RepositoryProvider::NodePtr> &nodes)
-{
-    for (const auto &node : nodes) {
-        if (node->getNumberOfChildren() == 0)
-            node->setDeleteFlag();
-    }
-}
-
 } // namespace
 
 RepositoryProvider::RepositoryProvider()
@@ -320,23 +312,24 @@ bool RepositoryProvider::addLink(const QStringList &parentPath, const NodePtr &t
     if (!target || id.isEmpty())
         return false;
     NodePtr parent = root;
-    QList<NodePtr> made;
+    QList<std::shared_ptr<HierarchyNodeInstance>> made; // a child before its parent
     for (const QString &element : parentPath) {
         NodePtr child = parent->getChildById(element);
         if (!child) {
-            const NodePtr plain = MakeNode<HierarchyNodeInstance>(element);
+            const auto plain = MakeNode<HierarchyNodeInstance>(element);
             if (parent->addChild(plain))
-                made.prepend(child = plain);
-            else
-                child = parent->getChildById(element); // somebody else was first, or the name is empty
+                made.prepend(plain);
+            child = parent->getChildById(element); // somebody else's if it was first; none has an empty name
         }
         if (!(parent = child))
             break;
     }
     const bool added = parent && !liesWithin(parent, target)
         && parent->addChild(MakeNode<HierarchyNodeLink>(target, id, readOnly));
-    if (!added)
-        removeWhereEmpty(made);
+    if (!added) {
+        for (const auto &node : qAsConst(made))
+            node->setDeleteFlagIfEmpty();
+    }
     return added;
 }
 

@@ -43,6 +43,10 @@ public:
     QString getId() const override;
     bool isDeleteFlagSet() const override;
     bool setDeleteFlag() override;
+    /*! As setDeleteFlag(), but only if the node has no child: test and flag are one step, so that who adds a
+     * child and finds the flag not set after that knows that the node stays. Returns whether the flag is set.
+     */
+    bool setDeleteFlagIfEmpty();
     quint64 getNumberOfChildren() const override;
     QList<std::shared_ptr<const HierarchyNode>> getChildren(const bool &recursive) const override;
     QList<std::shared_ptr<HierarchyNode>> getChildren(const bool &recursive) override;

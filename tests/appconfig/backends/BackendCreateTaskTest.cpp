@@ -10,6 +10,7 @@
 #include <QSemaphore>
 #include <QtTest>
 
+#include <atomic>
 #include <stdexcept>
 
 using namespace Tessellum::AppConfig::Backends;
@@ -72,6 +73,8 @@ private Q_SLOTS:
     void refusesWithoutPayloadOrPlace();
     void keepsTheFirstOfAName();
     void makesAndRemovesPlainParents();
+    void slotMayWaitForAnotherBackend();
+    void staysInParentsThatAnotherTaskRemoves();
     void leavesNoTraceOfAFailure_data();
     void leavesNoTraceOfAFailure();
     void overridesAccess();
@@ -196,6 +199,44 @@ void BackendCreateTaskTest::makesAndRemovesPlainParents()
     QVERIFY(fixture->node("a.other"));
     QVERIFY(!fixture->create(scripted, "c.d.m"));
     QVERIFY(fixture->node("c") == nullptr);
+}
+
+void BackendCreateTaskTest::slotMayWaitForAnotherBackend()
+{
+    std::atomic<bool> created{false};
+    const auto root = std::dynamic_pointer_cast<Shared::Hierarchy::HierarchyNodeInstance>(
+        fixture->repository().getRoot());
+    const auto connection = connect(
+        root.get(), &Shared::Hierarchy::HierarchyNodeInstance::notifyChildAdded, root.get(),
+        [&](const QString &id) {
+            if (id == QLatin1String("outer"))
+                created = fixture->create(memory, "inner");
+        },
+        Qt::DirectConnection);
+    QVERIFY(fixture->create(memory, "outer"));
+    QVERIFY(created);
+    disconnect(connection);
+}
+
+// One backend after the other fails in a parent of its own making while another settles there.
+void BackendCreateTaskTest::staysInParentsThatAnotherTaskRemoves()
+{
+    registerScript([](AttributesCreateData &) { return false; });
+    fixture->repository().getThreadPool().setMaxThreadCount(4);
+    for (int round = 0; round < 500; ++round) {
+        const QString parent = QStringLiteral("p%1.q.").arg(round);
+        const auto start = [&](const QString &type, const char *id) {
+            return fixture->backends().startCreateBackend(type, parent + QLatin1String(id), {},
+                                                          CreatePoint::Done);
+        };
+        const auto failing = start(scripted, "failing");
+        const auto staying = start(memory, "staying");
+        const auto failingToo = start(scripted, "too");
+        for (const auto &observer : {failing, staying, failingToo})
+            observer->wait();
+        QCOMPARE(staying->getResult(), CreateObserver::ResultType(CreatePoint::Done, true));
+        QVERIFY(fixture->node(parent + QStringLiteral("staying")));
+    }
 }
 
 void BackendCreateTaskTest::leavesNoTraceOfAFailure_data()
