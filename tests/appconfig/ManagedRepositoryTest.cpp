@@ -45,12 +45,22 @@ class NeverValid : public Validation::AttributeValidationInterface
 {
 public:
     using AttributeValidationInterface::AttributeValidationInterface;
-    QString getValidationId() const override { return getId(); }
+    QString getValidationId() const override
+    {
+        // An application's function may use the repository, whose lock it must find free.
+        if (Core::appConfigLock().tryLockForWrite(30000))
+            Core::appConfigLock().unlock();
+        else
+            ranLocked = true;
+        return getId();
+    }
     Validation::ValidationResult validate(const std::shared_ptr<Core::CoreLocalizationInterface> &,
                                           QVariant &) override
     {
         return Validation::ValidationResult::Failed;
     }
+
+    mutable std::atomic<bool> ranLocked{false};
 };
 
 template <typename Attributes>
@@ -320,6 +330,7 @@ void ManagedRepositoryTest::validationsAreAssignedAndRemoved()
     QCOMPARE(update("b", 1), UpdateResult::Ok);
     QCOMPARE(validations->removeValidation("*", "never"), 2);
     QCOMPARE(update("a.x", 1), UpdateResult::Ok);
+    QVERIFY(!validation->ranLocked);
     QVERIFY(known->unregisterValidation("never"));
 }
 

@@ -1,29 +1,13 @@
 #include <appconfig/utils/RepositoryAttributeValidationProvider.h>
 #include <appconfig/validation/AttributeValidationRepository.h>
-#include <appconfig/validation/ValidationContainerInterface.h>
+
+#include <algorithm>
 
 namespace Tessellum::AppConfig::utils {
 
 using Shared::Hierarchy::HierarchyNode;
 using Validation::AttributeValidationRepository;
 using Validation::utils::ValidationContainerInterface;
-
-namespace {
-
-/*! The number of nodes that match \a pattern and for which \a change answers true. */
-template <typename Change>
-int countChanged(HierarchyNode &root, const QString &pattern, Change change)
-{
-    int count = 0;
-    for (const auto &node : root.queryChildren<HierarchyNode>(pattern)) {
-        const auto container = std::dynamic_pointer_cast<ValidationContainerInterface>(node);
-        if (container && change(*container))
-            ++count;
-    }
-    return count;
-}
-
-} // namespace
 
 RepositoryAttributeValidationProvider::RepositoryAttributeValidationProvider(
     const std::shared_ptr<HierarchyNode> &repositoryRoot)
@@ -38,20 +22,39 @@ QStringList RepositoryAttributeValidationProvider::getValidationIds() const
 int RepositoryAttributeValidationProvider::assignValidation(const QString &pattern,
                                                             const QString &validationId)
 {
-    const auto validation = AttributeValidationRepository::getInstance()->getValidation(validationId);
-    if (!validation)
-        return 0;
-    return countChanged(*root, pattern, [&validation](ValidationContainerInterface &container) {
-        return container.addValidation(validation);
-    });
+    return Assign(findContainers(pattern), validationId);
 }
 
 int RepositoryAttributeValidationProvider::removeValidation(const QString &pattern,
                                                             const QString &validationId)
 {
-    return countChanged(*root, pattern, [&validationId](ValidationContainerInterface &container) {
-        return container.removeValidation(validationId);
-    });
+    return Remove(findContainers(pattern), validationId);
+}
+
+RepositoryAttributeValidationProvider::Containers
+RepositoryAttributeValidationProvider::findContainers(const QString &pattern) const
+{
+    Containers found;
+    for (const auto &node : root->queryChildren<HierarchyNode>(pattern)) {
+        if (auto container = std::dynamic_pointer_cast<ValidationContainerInterface>(node))
+            found.append(std::move(container));
+    }
+    return found;
+}
+
+int RepositoryAttributeValidationProvider::Assign(const Containers &containers, const QString &validationId)
+{
+    const auto validation = AttributeValidationRepository::getInstance()->getValidation(validationId);
+    return int(std::count_if(containers.begin(), containers.end(), [&validation](const auto &container) {
+        return container->addValidation(validation);
+    }));
+}
+
+int RepositoryAttributeValidationProvider::Remove(const Containers &containers, const QString &validationId)
+{
+    return int(std::count_if(containers.begin(), containers.end(), [&validationId](const auto &container) {
+        return container->removeValidation(validationId);
+    }));
 }
 
 } // namespace Tessellum::AppConfig::utils

@@ -11,16 +11,20 @@ QStringList WrappedRepositoryAttributeValidationProvider::getValidationIds() con
 int WrappedRepositoryAttributeValidationProvider::assignValidation(const QString &pattern,
                                                                    const QString &validationId)
 {
-    return writing([&](RepositoryAttributeValidationProvider &provider) {
-        return provider.assignValidation(pattern, validationId);
-    });
+    return RepositoryAttributeValidationProvider::Assign(findContainers(pattern), validationId);
 }
 
 int WrappedRepositoryAttributeValidationProvider::removeValidation(const QString &pattern,
                                                                    const QString &validationId)
 {
-    return writing([&](RepositoryAttributeValidationProvider &provider) {
-        return provider.removeValidation(pattern, validationId);
+    return RepositoryAttributeValidationProvider::Remove(findContainers(pattern), validationId);
+}
+
+RepositoryAttributeValidationProvider::Containers
+WrappedRepositoryAttributeValidationProvider::findContainers(const QString &pattern)
+{
+    return writing([&pattern](const RepositoryAttributeValidationProvider &provider) {
+        return provider.findContainers(pattern);
     });
 }
 

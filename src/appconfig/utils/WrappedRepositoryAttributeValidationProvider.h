@@ -5,7 +5,7 @@
 
 namespace Tessellum::AppConfig::utils {
 
-/*! The application's way to validations, each operation under the repository's lock. */
+/*! The application's way to validations, each look-up under the repository's lock. */
 class WrappedRepositoryAttributeValidationProvider
     : public Interfaces::RepositoryAttributeValidationInterface,
       private ProviderFront<RepositoryAttributeValidationProvider>
@@ -16,6 +16,9 @@ public:
     QStringList getValidationIds() const override;
     int assignValidation(const QString &pattern, const QString &validationId) override;
     int removeValidation(const QString &pattern, const QString &validationId) override;
+
+private:
+    RepositoryAttributeValidationProvider::Containers findContainers(const QString &pattern);
 };
 
 } // namespace Tessellum::AppConfig::utils
