@@ -3,7 +3,7 @@ cmake_minimum_required(VERSION 3.25)
 
 set(functions initializeLibrary uninitializeLibrary getCoreInterface getLocalizationInterface getLibraryHash
     getVersionInformation addPluginSearchPath)
-set(expected initializeLibrary uninitializeLibrary getCoreInterface)
+set(expected ${functions})
 
 get_filename_component(library ${LIBRARY} REALPATH)
 if(NOT library MATCHES "/libTessellum[.]so[.]" OR NOT SONAME MATCHES "^libTessellum[.]so[.][0-9]+$")

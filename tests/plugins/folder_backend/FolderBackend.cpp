@@ -54,11 +54,11 @@ bool FolderBackend::saveAttributes()
         QVariant value;
         if (!attribute || !attribute->getValue(value, QMetaType::QString) || !value.isValid())
             continue;
-        const QString path = filePath(attribute->getPath().mid(prefix));
+        const QString target = filePath(attribute->getPath().mid(prefix));
         const QByteArray text = value.toString().toUtf8();
-        if (QFile::exists(path) && readFile(path) == text)
+        if (QFile::exists(target) && readFile(target) == text)
             continue;
-        QSaveFile file(path);
+        QSaveFile file(target);
         saved = file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit() && saved;
     }
     return saved;

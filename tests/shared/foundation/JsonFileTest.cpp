@@ -54,12 +54,13 @@ void JsonFileTest::filesAreLoaded()
 
     const QFileInfo broken = write("{\"a\":}");
     QVERIFY(LoadJsonFromFile(broken, &error).isNull());
-    QCOMPARE(error.error, QJsonParseError::IllegalValue);
-    QCOMPARE(log.lines().mid(2),
-             QStringList({"WARNING Shared::LoadJsonFromFile failed in JSON conversion of file="
-                              + broken.filePath() + " with Error=illegal value Offset=5",
-                          "WARNING Shared::LoadJsonFromFile failed in binary JSON conversion of file="
-                              + broken.filePath()}));
+    QVERIFY(error.error != QJsonParseError::NoError);
+    QCOMPARE(
+        log.lines().mid(2),
+        QStringList({"WARNING Shared::LoadJsonFromFile failed in JSON conversion of file=" + broken.filePath()
+                         + " with Error=" + error.errorString() + " Offset=" + QString::number(error.offset),
+                     "WARNING Shared::LoadJsonFromFile failed in binary JSON conversion of file="
+                         + broken.filePath()}));
 
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
