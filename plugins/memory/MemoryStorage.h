@@ -1,0 +1,58 @@
+#pragma once
+
+#include <appdata/storages/StorageImplementation.h>
+
+#include <QHash>
+#include <QMutex>
+#include <QStringList>
+
+namespace Tessellum::Plugins::Memory {
+
+/*!
+ * A storage in memory: it keeps what it was given until the object dies, also over a disconnect.
+ *
+ * Lock: mutex guards all fields. Nothing is called with it held.
+ */
+class MemoryStorage : public AppData::Storages::StorageImplementation
+{
+public:
+    using StorageCreateData = AppData::Storages::StorageCreateData;
+
+    explicit MemoryStorage(const StorageCreateData &data);
+
+    QStringList getEntryTypes() const override;
+    bool connectStorage() override;
+    bool disconnectStorage() override;
+    bool isConnected() const override;
+    bool serializeEntry(const QString &uuid, const EntryRecord &record) override;
+    bool serializeElement(const QString &entryUuid, const QString &elementUuid,
+                          const ElementValues &values) override;
+    quint64 getEntries(QHash<QString, EntryRecord> &found) const override;
+    bool deserializeEntry(const QString &uuid, EntryRecord &record) const override;
+    quint64 getElementIds(const QString &entryUuid, QStringList &uuids) const override;
+    bool deserializeElement(const QString &entryUuid, const QString &elementUuid, ElementValues &values,
+                            const AppData::LoadDataHint &hint) const override;
+    QByteArray getElementRawData(const QString &entryUuid, const QString &elementUuid) const override;
+    bool removeEntry(const QString &uuid) override;
+    bool updateElement(const QString &entryUuid, const QString &elementUuid,
+                       const ElementValues &values) override;
+    bool updateElementValue(const QString &entryUuid, const QString &elementUuid,
+                            const AppData::DataElementUpdateType &type, const QVariant &value) override;
+
+private:
+    struct Entry
+    {
+        EntryRecord record;
+        QStringList order; // of the elements, as they came
+        QHash<QString, ElementValues> elements;
+    };
+
+    bool checkConnection() const;
+    const ElementValues *find(const QString &entryUuid, const QString &elementUuid) const;
+
+    mutable QMutex mutex;
+    bool connected = false;
+    QHash<QString, Entry> entries;
+};
+
+} // namespace Tessellum::Plugins::Memory

@@ -1,0 +1,81 @@
+#include "KnownElements.h"
+
+#include <QMutexLocker>
+
+namespace Tessellum::Plugins::Sql {
+
+std::optional<qint64> KnownElements::entry(const QString &uuid) const
+{
+    const QMutexLocker lock(&mutex);
+    const auto found = entries.constFind(uuid);
+    return found == entries.cend() ? std::nullopt : std::optional<qint64>(found->id);
+}
+
+void KnownElements::addEntry(const QString &uuid, qint64 id, quint64 incarnation, bool complete)
+{
+    const QMutexLocker lock(&mutex);
+    if (incarnation != forgotten)
+        return;
+    Entry &entry = entries[uuid];
+    entry.id = id;
+    entry.complete = entry.complete || complete;
+}
+
+std::optional<qint64> KnownElements::element(const QString &entryUuid, const QString &elementUuid) const
+{
+    const QMutexLocker lock(&mutex);
+    const auto entry = entries.constFind(entryUuid);
+    if (entry == entries.cend())
+        return std::nullopt;
+    const auto found = entry->elements.constFind(elementUuid);
+    return found == entry->elements.cend() ? std::nullopt : std::optional<qint64>(found.value());
+}
+
+void KnownElements::addElement(const QString &entryUuid, const QString &elementUuid, qint64 id)
+{
+    const QMutexLocker lock(&mutex);
+    entries[entryUuid].elements.insert(elementUuid, id);
+}
+
+void KnownElements::addAll(const QString &entryUuid, qint64 id, quint64 incarnation,
+                           const std::vector<Row> &rows)
+{
+    const QMutexLocker lock(&mutex);
+    if (incarnation != forgotten)
+        return;
+    Entry &entry = entries[entryUuid];
+    entry.id = id;
+    entry.complete = true;
+    entry.elements.reserve(entry.elements.size() + int(rows.size()));
+    for (const auto &[uuid, row] : rows)
+        entry.elements.insert(uuid, row);
+}
+
+bool KnownElements::isComplete(const QString &entryUuid) const
+{
+    const QMutexLocker lock(&mutex);
+    const auto entry = entries.constFind(entryUuid);
+    return entry != entries.cend() && entry->complete;
+}
+
+quint64 KnownElements::incarnation() const
+{
+    const QMutexLocker lock(&mutex);
+    return forgotten;
+}
+
+void KnownElements::forget(const QString &entryUuid)
+{
+    const QMutexLocker lock(&mutex);
+    ++forgotten;
+    entries.remove(entryUuid);
+}
+
+void KnownElements::clear()
+{
+    const QMutexLocker lock(&mutex);
+    ++forgotten;
+    entries.clear();
+}
+
+} // namespace Tessellum::Plugins::Sql

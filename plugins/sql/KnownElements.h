@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QHash>
+#include <QMutex>
+#include <QString>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace Tessellum::Plugins::Sql {
+
+/*!
+ * The rows of entries and elements that the medium is known to hold: an index by uuid, kept in memory since
+ * one on the medium would cost thirty times the row that it leads to.
+ *
+ * What is not here may be on the medium all the same, unless the entry is complete. A reader that fills in
+ * rows passes the incarnation that it saw before it read: rows of an entry that was removed or rolled back
+ * meanwhile are not taken.
+ *
+ * Threads: any. The mutex guards all fields.
+ */
+class KnownElements
+{
+public:
+    using Row = std::pair<QString, qint64>;
+
+    std::optional<qint64> entry(const QString &uuid) const;
+    void addEntry(const QString &uuid, qint64 id, quint64 incarnation, bool complete);
+    std::optional<qint64> element(const QString &entryUuid, const QString &elementUuid) const;
+    void addElement(const QString &entryUuid, const QString &elementUuid, qint64 id);
+    /*! All rows of the entry up to now; it is complete then. */
+    void addAll(const QString &entryUuid, qint64 id, quint64 incarnation, const std::vector<Row> &rows);
+    bool isComplete(const QString &entryUuid) const;
+    quint64 incarnation() const;
+    /*! Forgets the entry, as it is removed or was rolled back. */
+    void forget(const QString &entryUuid);
+    void clear();
+
+private:
+    struct Entry
+    {
+        qint64 id = 0;
+        bool complete = false;
+        QHash<QString, qint64> elements;
+    };
+
+    mutable QMutex mutex;
+    quint64 forgotten = 0;
+    QHash<QString, Entry> entries;
+};
+
+} // namespace Tessellum::Plugins::Sql

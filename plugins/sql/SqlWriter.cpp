@@ -1,0 +1,159 @@
+#include "SqlSchema.h"
+#include "SqlWriter.h"
+
+#include <shared/logging/FrameworkLog.h>
+
+#include <QSet>
+
+namespace Tessellum::Plugins::Sql {
+
+using Shared::Logging::FrameworkLog;
+
+SqlWriter::SqlWriter(const Medium &writtenMedium, WriteQueue &writeQueue, KnownElements &knownElements,
+                     ReadAhead &readAhead)
+    : medium(writtenMedium)
+    , queue(writeQueue)
+    , known(knownElements)
+    , ahead(readAhead)
+{ }
+
+SqlWriter::~SqlWriter()
+{
+    join();
+}
+
+QString SqlWriter::start()
+{
+    std::promise<QString> opened;
+    std::future<QString> result = opened.get_future();
+    thread = std::thread([this, &opened] {
+        SqlConnection connection(medium.dialect, medium.location);
+        failing = false;
+        if (!openMedium(connection)) {
+            opened.set_value(connection.lastError().text);
+            return;
+        }
+        queue.open();
+        opened.set_value(QString());
+        work(connection);
+    });
+    const QString text = result.get();
+    if (!text.isEmpty())
+        join();
+    return text;
+}
+
+void SqlWriter::join()
+{
+    if (thread.joinable())
+        thread.join();
+}
+
+bool SqlWriter::openMedium(SqlConnection &connection)
+{
+    return connection.open() && medium.dialect.startSession(connection, medium.location, medium.synchronous)
+        && PrepareSchema(connection, medium.dialect);
+}
+
+void SqlWriter::work(SqlConnection &connection)
+{
+    for (;;) {
+        const WriteGroup &group = queue.next();
+        if (group.empty())
+            return;
+        const WriteQueue::Outcome outcome = writeGroup(connection, group);
+        for (size_t index = 0; index < outcome.done; ++index)
+            ahead.invalidate(group[index].entry);
+        tell(outcome.error);
+        queue.finish(outcome);
+    }
+}
+
+WriteQueue::Outcome SqlWriter::writeGroup(SqlConnection &connection, const WriteGroup &group)
+{
+    WriteQueue::Outcome outcome;
+    if (!connection.isOpen() && !reopen(connection)) {
+        outcome.error = connection.lastError();
+        return outcome;
+    }
+    if (writeRange(connection, group.data(), group.data() + group.size())) {
+        outcome.done = group.size();
+        return outcome;
+    }
+    outcome.error = connection.lastError();
+    if (!outcome.error.isOutage) {
+        outcome.error = MediumError();
+        writeOneByOne(connection, group, outcome);
+    } else if (medium.dialect.needsReconnect(connection)) {
+        // Most often the server was only started anew: then nobody need hear of it.
+        if (reopen(connection) && writeRange(connection, group.data(), group.data() + group.size()))
+            return {group.size(), {}, {}};
+        outcome.error = connection.lastError();
+    }
+    return outcome;
+}
+
+// One transaction.
+bool SqlWriter::writeRange(SqlConnection &connection, const Write *first, const Write *last)
+{
+    int missed = 0;
+    if (connection.begin()) {
+        if (medium.dialect.write(connection, known, first, last, missed) && connection.commit()) {
+            if (missed > 0) {
+                FrameworkLog().warning() << "SqlWriter::writeRange() storage '" << medium.name
+                                         << "': " << missed << " writes found their entry or element removed";
+            }
+            return true;
+        }
+        connection.rollback();
+    }
+    // What the transaction has made known is not there.
+    QSet<QString> entries;
+    for (const Write *write = first; write != last; ++write)
+        entries.insert(write->entry);
+    for (const QString &entry : qAsConst(entries))
+        known.forget(entry);
+    return false;
+}
+
+void SqlWriter::writeOneByOne(SqlConnection &connection, const WriteGroup &group,
+                              WriteQueue::Outcome &outcome)
+{
+    for (; outcome.done < group.size(); ++outcome.done) {
+        const Write &write = group[outcome.done];
+        if (writeRange(connection, &write, &write + 1))
+            continue;
+        const MediumError error = connection.lastError();
+        if (error.isOutage) {
+            outcome.error = error;
+            return;
+        }
+        FrameworkLog().warning() << "SqlWriter::writeOneByOne() storage '" << medium.name
+                                 << "' cannot hold a value of entry " << write.entry << ": " << error.text;
+        outcome.dropped.push_back(outcome.done);
+    }
+}
+
+bool SqlWriter::reopen(SqlConnection &connection)
+{
+    if (openMedium(connection))
+        return true;
+    const MediumError error = connection.lastError();
+    connection.close();
+    connection.fail(error.text);
+    return false;
+}
+
+// Once an outage.
+void SqlWriter::tell(const MediumError &error)
+{
+    if (error && !failing) {
+        FrameworkLog().warning() << "SqlWriter::tell() storage '" << medium.name
+                                 << "' cannot be written: " << error.text;
+    } else if (!error && failing) {
+        FrameworkLog().log() << "SqlWriter::tell() storage '" << medium.name << "' can be written again";
+    }
+    failing = bool(error);
+}
+
+} // namespace Tessellum::Plugins::Sql

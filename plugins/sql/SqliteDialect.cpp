@@ -1,0 +1,237 @@
+#include "KnownElements.h"
+#include "SqliteDialect.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QUrl>
+
+namespace Tessellum::Plugins::Sql {
+
+namespace {
+
+constexpr int QueueLimit = 20000;
+
+// The primary result codes of SQLite that tell of the file and not of what was asked.
+bool TellsOfTheFile(int code)
+{
+    constexpr int Permission = 3, Busy = 5, Locked = 6, NoMemory = 7, ReadOnly = 8, Interrupted = 9, Io = 10,
+                  Corrupt = 11, Full = 13, CannotOpen = 14, Protocol = 15, NoDatabase = 26;
+    switch (code & 0xff) {
+    case Permission:
+    case Busy:
+    case Locked:
+    case NoMemory:
+    case ReadOnly:
+    case Interrupted:
+    case Io:
+    case Corrupt:
+    case Full:
+    case CannotOpen:
+    case Protocol:
+    case NoDatabase:
+        return true;
+    default:
+        return false;
+    }
+}
+
+QString FileName(const QVariant &location)
+{
+    if (location.userType() != QMetaType::QUrl)
+        return location.toString();
+    const QUrl url = location.toUrl();
+    return url.isLocalFile() ? url.toLocalFile() : url.path();
+}
+
+// Whether the file is shorter than its header says and no log is there that could hold the rest.
+bool IsCut(const QString &fileName)
+{
+    constexpr int HeaderSize = 100, PageSizeAt = 16, PageCountAt = 28;
+    QFile file(fileName);
+    if (QFileInfo(fileName + QLatin1String("-wal")).size() > 0 || !file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray header = file.read(HeaderSize);
+    if (header.size() < HeaderSize)
+        return !header.isEmpty();
+    const auto byte = [&header](int position) { return quint64(quint8(header.at(position))); };
+    quint64 pageSize = byte(PageSizeAt) << 8 | byte(PageSizeAt + 1);
+    if (pageSize == 1)
+        pageSize = 65536;
+    const quint64 pages = byte(PageCountAt) << 24 | byte(PageCountAt + 1) << 16 | byte(PageCountAt + 2) << 8
+        | byte(PageCountAt + 3);
+    return quint64(file.size()) < pageSize * pages;
+}
+
+// Lets the engine say what is wrong with a file that is cut.
+bool FailCut(SqlConnection &connection)
+{
+    const QVariant text = connection.value(QStringLiteral("PRAGMA quick_check(1)"));
+    if (connection.lastError())
+        return false;
+    return connection.fail(QStringLiteral("database disk image is malformed: ") + text.toString());
+}
+
+// All rows of an entry, which become known; an id of -1 where there is no such entry.
+bool ReadRows(SqlConnection &connection, KnownElements &known, const QString &entry, qint64 &entryId,
+              std::vector<KnownElements::Row> &rows)
+{
+    const quint64 incarnation = known.incarnation();
+    entryId = SqlDialect::findEntry(connection, entry);
+    if (entryId == -1)
+        return !connection.lastError();
+    QSqlQuery *query = connection.run(
+        QStringLiteral("SELECT uuid, id FROM tessellum_elements WHERE entry = ? ORDER BY id"), {entryId});
+    while (query && query->next())
+        rows.emplace_back(query->value(0).toString(), query->value(1).toLongLong());
+    if (!connection.finish(query))
+        return false;
+    known.addAll(entry, entryId, incarnation, rows);
+    return true;
+}
+
+} // namespace
+
+int SqliteDialect::queueLimit(const QVariant &) const
+{
+    return QueueLimit;
+}
+
+QString SqliteDialect::describe(const QVariant &location) const
+{
+    return FileName(location);
+}
+
+bool SqliteDialect::configure(QSqlDatabase &database, const QVariant &location, QString &reason) const
+{
+    const QString fileName = FileName(location);
+    if (fileName.isEmpty()) {
+        reason = QStringLiteral("the location names no file");
+        return false;
+    }
+    database.setDatabaseName(fileName);
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=500"));
+    return true;
+}
+
+bool SqliteDialect::startSession(SqlConnection &connection, const QVariant &location, bool synchronous) const
+{
+    // Before anything is written: a file that is not ours stays as it is.
+    bool found = false;
+    if (IsCut(FileName(location)) && !FailCut(connection))
+        return false;
+    if (!hasTables(connection, found))
+        return false;
+    const QVariant mode = connection.value(QStringLiteral("PRAGMA journal_mode = WAL"));
+    if (connection.lastError())
+        return false;
+    if (mode.toString() != QLatin1String("wal"))
+        return connection.fail(QStringLiteral("no write-ahead log is possible here"));
+    return connection.runOnce(synchronous ? QStringLiteral("PRAGMA synchronous = FULL")
+                                          : QStringLiteral("PRAGMA synchronous = NORMAL"))
+        != -1;
+}
+
+bool SqliteDialect::hasTables(SqlConnection &connection, bool &found) const
+{
+    const QVariant first = connection.value(
+        QStringLiteral("SELECT name FROM sqlite_master ORDER BY name = 'tessellum_schema' DESC LIMIT 1"));
+    if (connection.lastError())
+        return false;
+    found = first.toString() == QLatin1String("tessellum_schema");
+    return found || !first.isValid()
+        || connection.fail(QStringLiteral("the file is a database of another program"));
+}
+
+QStringList SqliteDialect::tableStatements() const
+{
+    return {
+        QStringLiteral("CREATE TABLE tessellum_schema (version INTEGER NOT NULL)"),
+        QStringLiteral("CREATE TABLE tessellum_entries (id INTEGER PRIMARY KEY, uuid TEXT NOT NULL UNIQUE, "
+                       "name TEXT NOT NULL, classification TEXT NOT NULL, category_type INTEGER NOT NULL, "
+                       "category_detail TEXT NOT NULL, storage_name TEXT NOT NULL, "
+                       "persistence INTEGER NOT NULL, capacity INTEGER NOT NULL)"),
+        QStringLiteral("CREATE TABLE tessellum_elements (id INTEGER PRIMARY KEY, entry INTEGER NOT NULL, "
+                       "uuid TEXT NOT NULL, active INTEGER, stamp INTEGER, raw BLOB)"),
+        QStringLiteral("CREATE INDEX tessellum_elements_by_stamp ON tessellum_elements (entry, stamp)")};
+}
+
+bool SqliteDialect::lockForTables(SqlConnection &) const
+{
+    return true; // the transaction does
+}
+
+bool SqliteDialect::isOutage(const QSqlError &error) const
+{
+    bool isNumber = false;
+    const int code = error.nativeErrorCode().toInt(&isNumber);
+    return !isNumber || TellsOfTheFile(code);
+}
+
+bool SqliteDialect::Locate(SqlConnection &connection, KnownElements &known, const QString &entry,
+                           const QString &element, qint64 &entryId, qint64 &row)
+{
+    row = -1;
+    entryId = known.entry(entry).value_or(-1);
+    if (const std::optional<qint64> knownRow = known.element(entry, element)) {
+        row = *knownRow;
+        return true;
+    }
+    if (known.isComplete(entry))
+        return true;
+    std::vector<KnownElements::Row> rows;
+    if (!ReadRows(connection, known, entry, entryId, rows))
+        return false;
+    for (const auto &[uuid, id] : rows) {
+        if (uuid == element)
+            row = id;
+    }
+    return true;
+}
+
+bool SqliteDialect::readIds(SqlConnection &connection, KnownElements &known, const QString &entry,
+                            QStringList &uuids) const
+{
+    qint64 entryId = -1;
+    std::vector<KnownElements::Row> rows;
+    if (!ReadRows(connection, known, entry, entryId, rows))
+        return false;
+    uuids.clear();
+    uuids.reserve(int(rows.size()));
+    for (const auto &[uuid, id] : rows)
+        uuids.append(uuid);
+    return true;
+}
+
+bool SqliteDialect::findElement(SqlConnection &connection, KnownElements &known, const QString &entry,
+                                const QString &element, bool &found) const
+{
+    qint64 entryId = -1;
+    qint64 row = -1;
+    if (!Locate(connection, known, entry, element, entryId, row))
+        return false;
+    found = row != -1;
+    return true;
+}
+
+bool SqliteDialect::readElements(SqlConnection &connection, KnownElements &known, const QString &entry,
+                                 const QString &element, int span, bool withRaw,
+                                 std::vector<ElementRow> &rows) const
+{
+    qint64 entryId = -1;
+    qint64 row = -1;
+    if (!Locate(connection, known, entry, element, entryId, row))
+        return false;
+    if (row == -1)
+        return true;
+    // By the row alone: the index by stamp would sort the whole entry.
+    QSqlQuery *query = connection.run(
+        QStringLiteral("SELECT ") + elementColumns(withRaw, QStringLiteral("?1"))
+            + QStringLiteral(" FROM tessellum_elements t WHERE t.id BETWEEN ?1 AND ?2 AND +t.entry = ?3 "
+                             "ORDER BY t.id"),
+        {row, row + span, entryId});
+    while (query && query->next())
+        rows.push_back(readRow(*query, withRaw));
+    return connection.finish(query);
+}
+
+} // namespace Tessellum::Plugins::Sql
