@@ -10,6 +10,7 @@
 #include <shared/logging/LogHandler.h>
 
 #include <QCoreApplication>
+#include <QScopedValueRollback>
 #include <QTextCodec>
 
 #include <atomic>
@@ -37,10 +38,30 @@ std::atomic<qint64> startedBy{0};
 /*! Whether something of a start is there to be taken down, also of a failed one. */
 std::atomic<bool> structuresUp{false};
 
+/*! Whether this thread runs a start or a stop, which may call a log sink. */
+thread_local bool isInSequence = false;
+
+/*! What a start or a stop would wait for, were it to wait for the caller. */
 bool isCalledByTaskOrHandler()
 {
-    return Notification::ThreadPool::Current() != nullptr;
+    return isInSequence || Notification::ThreadPool::Current() != nullptr;
 }
+
+/*! Whether this thread refuses a stop just now: a sink that hears of it and asks again gets no further line.
+ */
+thread_local bool isRefusing = false;
+
+/*! The right to run a start or a stop. Must not be asked for within one. */
+class Sequence
+{
+public:
+    Sequence() { isInSequence = true; }
+    ~Sequence() { isInSequence = false; }
+    Q_DISABLE_COPY_MOVE(Sequence)
+
+private:
+    const std::lock_guard<std::mutex> guard{lifecycleMutex};
+};
 
 bool runStart()
 {
@@ -72,7 +93,7 @@ void stopAtExit()
         return;
     // On a thread of its own: a handler that never ends must not keep the process from ending.
     std::packaged_task<void()> stop([] {
-        const std::lock_guard<std::mutex> guard(lifecycleMutex);
+        const Sequence sequence;
         if (!structuresUp)
             return; // a stop of the application's was under way
         libraryState = ShuttingDown;
@@ -107,9 +128,9 @@ void prepareExit()
 
 int initializeLibrary()
 {
-    if (libraryState != NotInitialised)
+    if (libraryState != NotInitialised || isInSequence)
         return 1;
-    const std::lock_guard<std::mutex> guard(lifecycleMutex);
+    const Sequence sequence;
     qint32 expected = NotInitialised;
     if (!libraryState.compare_exchange_strong(expected, Running))
         return 1;
@@ -122,14 +143,17 @@ int initializeLibrary()
 int uninitializeLibrary()
 {
     if (isCalledByTaskOrHandler()) {
-        Shared::Logging::FrameworkLog().critical()
-            << "uninitializeLibrary() called by a task or a handler, nothing done";
+        if (!isRefusing) {
+            const QScopedValueRollback<bool> refusing(isRefusing, true);
+            Shared::Logging::FrameworkLog().critical()
+                << "uninitializeLibrary() called by a task or a handler, nothing done";
+        }
         return ShuttingDown;
     }
     qint32 found = Running;
     if (!libraryState.compare_exchange_strong(found, ShuttingDown))
         return found;
-    const std::lock_guard<std::mutex> guard(lifecycleMutex);
+    const Sequence sequence;
     runStop();
     libraryState = NotInitialised;
     return 1;

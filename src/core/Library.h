@@ -23,8 +23,8 @@ TESSELLUM_EXPORT int initializeLibrary();
 
 /*!
  * Shuts down: waits for running handlers and tasks, takes the trees down. 1: shut down. 0: was not started.
- * 2: another thread is shutting down, or the caller is a handler or a task, which the shut-down would wait
- * for; nothing was done.
+ * 2: another thread is shutting down, or the caller is a handler or a task, or a log sink within a start or
+ * a shut-down, which this one would wait for; nothing was done.
  */
 TESSELLUM_EXPORT int uninitializeLibrary();
 

@@ -2,6 +2,7 @@
 #include <core/Library.h>
 #include <core/utils/StartFault.h>
 #include <shared/hierarchy/HierarchyNode.h>
+#include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
 
 #include <QMutex>
@@ -16,6 +17,7 @@ using namespace Tessellum;
 namespace {
 
 std::atomic<bool> startFault{false};
+std::atomic<bool> startLogs{false};
 
 QStringList pathsBeneath(const std::shared_ptr<const Shared::Hierarchy::HierarchyNode> &node)
 {
@@ -43,6 +45,8 @@ QStringList settledInternalTree()
 // Takes the place of the library's own switch, which is always off.
 bool Core::utils::IsStartFaultRequested()
 {
+    if (startLogs)
+        Shared::Logging::FrameworkLog().warning() << "a step of the start";
     return startFault;
 }
 
@@ -60,6 +64,7 @@ private Q_SLOTS:
     void everyStartGivesTheSameTree();
     void failedStart();
     void stopInsideHandlerIsRefused();
+    void sinkOfAStartMayCallBoth();
     void stopWaitsForTheRunningHandler();
     void threadsRace();
 };
@@ -227,6 +232,30 @@ void LibraryTest::stopInsideHandlerIsRefused()
     QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
     const QMutexLocker locker(&mutex);
     QCOMPARE(criticals.size(), 1);
+}
+
+void LibraryTest::sinkOfAStartMayCallBoth()
+{
+    const Qt::HANDLE starter = QThread::currentThreadId();
+    QStringList heard;
+    const QString sink = Shared::Logging::LogHandler::RegisterMessageSink(
+        [&](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &,
+            const QString &text) {
+            if (QThread::currentThreadId() == starter)
+                heard.append(
+                    QStringLiteral("%1 %2 %3").arg(uninitializeLibrary()).arg(initializeLibrary()).arg(text));
+        });
+    startLogs = true;
+    const int result = initializeLibrary();
+    startLogs = false;
+    QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
+    QCOMPARE(result, 0);
+    QVERIFY(getCoreInterface());
+    // The line of the refusal comes first: the sink hears it while it is still in its call.
+    QCOMPARE(
+        heard,
+        (QStringList{QStringLiteral("2 1 uninitializeLibrary() called by a task or a handler, nothing done"),
+                     QStringLiteral("2 1 a step of the start")}));
 }
 
 void LibraryTest::stopWaitsForTheRunningHandler()
