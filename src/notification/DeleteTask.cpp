@@ -6,9 +6,7 @@ namespace Tessellum::Notification {
 
 DeleteTask::DeleteTask(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &rootNode,
                        const QString &taskPath, const QVariant &taskData)
-    : root(rootNode)
-    , path(taskPath)
-    , data(taskData)
+    : PlaceTask(rootNode, taskPath, taskData)
 { }
 
 DeleteTask::~DeleteTask() = default;

@@ -1,29 +1,14 @@
 #pragma once
 
 #include <notification/Observer.h>
-#include <notification/utils/TaskDescription.h>
-#include <notification/utils/TaskInfoInterface.h>
-#include <shared/synchronization/Shareable.h>
-
-#include <QRunnable>
+#include <notification/utils/TaskBase.h>
 
 namespace Tessellum::Notification {
 
-/*!
- * The base of all tasks that change a node.
- *
- * A ThreadPool makes it through its factory, runs it once on one of its threads and deletes it. A subclass
- * makes its observer in its constructor and reports every point to it. No lock of its own.
- */
-class TESSELLUM_EXPORT UpdateTask : public QRunnable,
-                                    public utils::TaskInfoInterface,
-                                    public Shared::Synchronization::Shareable<UpdateTask>
+/*! The base of all tasks that change a node. See utils::TaskBase for its life. */
+class TESSELLUM_EXPORT UpdateTask : public utils::TaskBase<UpdateTask, UpdateObserver>
 {
 public:
-    using Point = UpdatePoint;
-    using ObserverType = UpdateObserver;
-    using ResultType = UpdateObserver::ResultType;
-
     UpdateTask(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node, const QVariant &value);
 
     /*! Calls runUpdate(). An exception ends there with a CRITICAL line; nothing leaves this function. */
