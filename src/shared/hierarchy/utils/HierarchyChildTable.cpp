@@ -58,6 +58,8 @@ void HierarchyChildTable::append(const QString &id, const Node &node)
 {
     slots.push_back({id, node, hashOf(id)});
     ++live;
+    if (!childCounts.isEmpty())
+        childCounts.append(true);
     // At most two thirds of the index are in use, holes included.
     if (slots.size() <= Handful)
         return;
@@ -76,6 +78,8 @@ HierarchyChildTable::Node HierarchyChildTable::take(QStringView id)
     slots[position].node.reset();
     slots[position].id.clear();
     --live;
+    if (!childCounts.isEmpty())
+        childCounts.unmark(position);
     if (slots.size() > 2 * size_t(live))
         closeHoles();
     return taken;
@@ -86,26 +90,23 @@ quint64 HierarchyChildTable::position(QStringView id) const
     const quint32 found = slotOf(id);
     if (found == NoPosition)
         return ~quint64(0);
-    if (live == slots.size())
-        return found;
-    const auto isChild = [](const Slot &slot) { return slot.node != nullptr; };
-    // From the nearer end: most look-ups are for late children.
-    if (found < slots.size() / 2)
-        return quint64(std::count_if(slots.begin(), slots.begin() + found, isChild));
-    return live - quint64(std::count_if(slots.begin() + found, slots.end(), isChild));
+    return live == slots.size() ? found : children().before(found);
 }
 
 const HierarchyChildTable::Node *HierarchyChildTable::at(quint64 wanted) const
 {
     if (wanted >= live)
         return nullptr;
-    if (live == slots.size())
-        return &slots[wanted].node;
-    for (const Slot &slot : slots) {
-        if (slot.node && wanted-- == 0)
-            return &slot.node;
+    return &slots[live == slots.size() ? size_t(wanted) : children().find(quint32(wanted))].node;
+}
+
+const PrefixCounts &HierarchyChildTable::children() const
+{
+    if (childCounts.isEmpty()) {
+        for (const Slot &slot : slots)
+            childCounts.append(slot.node != nullptr);
     }
-    return nullptr;
+    return childCounts;
 }
 
 std::vector<HierarchyChildTable::Node> HierarchyChildTable::takeAll()
@@ -118,6 +119,7 @@ std::vector<HierarchyChildTable::Node> HierarchyChildTable::takeAll()
     }
     slots.clear();
     index.clear();
+    childCounts.clear();
     live = 0;
     return all;
 }
@@ -135,6 +137,7 @@ void HierarchyChildTable::closeHoles()
 {
     const auto isHole = [](const Slot &slot) { return !slot.node; };
     slots.erase(std::remove_if(slots.begin(), slots.end(), isHole), slots.end());
+    childCounts.clear();
     if (slots.capacity() > 64 && slots.capacity() > 4 * slots.size())
         slots.shrink_to_fit();
     if (!index.empty())

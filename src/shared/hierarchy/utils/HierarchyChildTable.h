@@ -1,6 +1,7 @@
 #pragma once
 
 #include <shared/hierarchy/HierarchyNode.h>
+#include <shared/hierarchy/utils/PrefixCounts.h>
 
 #include <QStringView>
 
@@ -13,9 +14,10 @@ namespace Shared::Hierarchy::utils {
  * The children of one node, by id and in the order in which they came.
  *
  * A removed child leaves a hole in the order; holes are closed when they are the greater part, so that
- * removals in any order cost constant time each on average. A handful of children is searched one by one;
- * beyond that the ids are found by an open hash of positions, which takes a part of a text without making a
- * text of it.
+ * removals in any order cost constant time each on average. The first question for a position in an order
+ * with holes counts them through, the ones after that cost logarithmic time, and so does each change until
+ * the holes are closed. A handful of children is searched one by one; beyond that the ids are found by an
+ * open hash of positions, which takes a part of a text without making a text of it.
  *
  * Threads: none of its own, the lock of the node guards it.
  */
@@ -72,6 +74,7 @@ private:
     quint32 slotOf(QStringView id) const;
     quint32 scan(QStringView id) const;
     void enter(quint32 position);
+    const PrefixCounts &children() const;
     void closeHoles();
     void rebuildIndex();
 
@@ -79,6 +82,7 @@ private:
     std::vector<quint32> index; // positions in slots, NoPosition where free; empty for a handful of children
     uint shift = 0; // what a hash is shifted by to become a place in the index
     quint32 live = 0;
+    mutable PrefixCounts childCounts; // marks the slots that are no holes; empty until somebody asks
 };
 
 } // namespace Shared::Hierarchy::utils
