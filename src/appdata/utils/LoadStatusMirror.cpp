@@ -4,6 +4,7 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appdata/DataTypeStrings.h>
 #include <appdata/utils/LoadStatusMirror.h>
+#include <appdata/utils/RepositoryProvider.h>
 
 #include <QMutex>
 
@@ -25,6 +26,11 @@ QString joined(const QString &left, const QString &right)
 QString rootOf(const QString &fullPath)
 {
     return joined(QStringLiteral("appdata"), fullPath);
+}
+
+QString attributeOf(const QString &fullPath)
+{
+    return joined(rootOf(fullPath), QStringLiteral("loaded"));
 }
 
 } // namespace
@@ -57,67 +63,88 @@ struct LoadStatusMirror::State : public std::enable_shared_from_this<State>
 
     void startStep()
     {
-        LoadStatus first = LoadStatus::Unknown;
-        LoadStatus next = LoadStatus::Unknown;
-        bool mayCreate = false;
-        {
-            const QMutexLocker locker(&mutex);
-            if (shown == wanted) {
-                underWay = false;
-                return;
+        for (;;) {
+            LoadStatus first = LoadStatus::Unknown;
+            LoadStatus next = LoadStatus::Unknown;
+            bool mayCreate = false;
+            {
+                const QMutexLocker locker(&mutex);
+                if (shown == wanted) {
+                    underWay = false;
+                    return;
+                }
+                first = created;
+                next = wanted;
+                mayCreate = !std::exchange(triedToCreate, true);
             }
-            first = created;
-            next = wanted;
-            mayCreate = !std::exchange(triedToCreate, true);
-        }
-        if (!(mayCreate && createMissing(first)) && !update(next)) {
+            if ((mayCreate && createMissing(first)) || update(next))
+                return;
             const QMutexLocker locker(&mutex);
-            underWay = false; // the configuration does not run
+            shown = LoadStatus::Unknown;
+            underWay = wanted != next; // what came in between found this step under way
+            if (!underWay)
+                return; // the configuration does not run, or the node has gone
         }
     }
 
-    QString path() const
+    /*! The path of the node, empty where it is off the tree. */
+    QString nodePath() const
     {
         const auto target = AppConfig::utils::LockLiveNode(node);
-        return target ? joined(rootOf(target->getNodePath()->getFullPath()), QStringLiteral("loaded"))
-                      : QString();
+        return target ? target->getNodePath()->getFullPath() : QString();
     }
 
     bool createMissing(LoadStatus status)
     {
-        const QString attribute = path();
+        const QString target = nodePath();
         const auto provider = ConfigurationProvider::getInstance()->getManipulationProvider();
-        if (attribute.isEmpty() || !provider
-            || ConfigurationProvider::getInstance()->getRoot()->findChildByRelativePath(attribute)) {
+        if (target.isEmpty() || !provider
+            || ConfigurationProvider::getInstance()->getRoot()->findChildByRelativePath(
+                attributeOf(target))) {
             return false;
         }
-        return goOnAfter(provider->startCreateAttribute(attribute, ConvertDataEntryLoadStatusToString(status),
-                                                        CreatePoint::All,
-                                                        AttributeAccess::Read | AttributeAccess::Write));
+        return goOnAfter(
+            provider->startCreateAttribute(attributeOf(target), ConvertDataEntryLoadStatusToString(status),
+                                           CreatePoint::All, AttributeAccess::Read | AttributeAccess::Write),
+            [this, target] { removeIfGone(target); });
+    }
+
+    /*! A node that was removed while its attribute was still on its way had nothing to remove then. */
+    void removeIfGone(const QString &target) const
+    {
+        if (nodePath() != target
+            && !RepositoryProvider::getInstance()->getRoot()->findChildByRelativePath(target))
+            StartRemoval(target);
     }
 
     bool update(LoadStatus status)
     {
         const auto provider = ConfigurationProvider::getInstance()->getManipulationProvider();
-        const QString attribute = path();
-        if (attribute.isEmpty() || !provider)
+        const QString target = nodePath();
+        if (target.isEmpty() || !provider)
             return false;
         {
             const QMutexLocker locker(&mutex);
             shown = status;
         }
         return goOnAfter(provider
-                             ->startUpdateAttribute(attribute, ConvertDataEntryLoadStatusToString(status),
+                             ->startUpdateAttribute(attributeOf(target),
+                                                    ConvertDataEntryLoadStatusToString(status),
                                                     UpdatePoint::All)
-                             .observer);
+                             .observer,
+                         [] {});
     }
 
-    template <class Observer>
-    bool goOnAfter(const std::shared_ptr<Observer> &observer)
+    /*! Has \a atEnd called at the end of the step, which starts the next one. */
+    template <class Observer, class AtEnd>
+    bool goOnAfter(const std::shared_ptr<Observer> &observer, const AtEnd &atEnd)
     {
         if (!observer)
             return false;
-        observer->whenEnded([self = shared_from_this()] { self->startStep(); });
+        observer->whenEnded([self = shared_from_this(), atEnd] {
+            atEnd();
+            self->startStep();
+        });
         return true;
     }
 };

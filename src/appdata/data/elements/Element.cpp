@@ -71,14 +71,30 @@ bool Element::setMemoryStrategyWrapper(
         Shared::Logging::FrameworkLog().warning() << "Element::setMemoryStrategyWrapper() invalid memory "
                                                      "strategy wrapper provided, no strategy set";
     }
-    const auto provider = getManipulationProvider();
-    const QWriteLocker lock(data.lock.get());
-    if (provider)
-        provider->disconnectStrategyLocked();
-    data.memoryStrategy = wrapper;
-    if (data.loadStatus != LoadStatus::Loaded || !wrapper)
-        return true;
-    return provider && provider->connectStrategyLocked();
+    // What is not loaded is not connected, so that an element that is merely attached goes without a
+    // provider.
+    auto provider = getLoadStatus() == LoadStatus::Loaded ? getManipulationProvider() : madeProvider();
+    for (;;) {
+        {
+            const QWriteLocker lock(data.lock.get());
+            if (provider || data.loadStatus != LoadStatus::Loaded) {
+                if (provider)
+                    provider->disconnectStrategyLocked();
+                data.memoryStrategy = wrapper;
+                return data.loadStatus != LoadStatus::Loaded || !wrapper || provider->connectStrategyLocked();
+            }
+        }
+        // Another thread has loaded it meanwhile; the node's lock comes before that of the data.
+        provider = getManipulationProvider();
+        if (!provider)
+            return false; // the node is about to die
+    }
+}
+
+std::shared_ptr<ElementManipulationProvider> Element::madeProvider()
+{
+    const ScopedLock lock(this);
+    return manipulationProvider ? PinnedInterface(*this, manipulationProvider.get()) : nullptr;
 }
 
 ElementData Element::copyData() const

@@ -57,6 +57,8 @@ public:
     bool setParent(const std::weak_ptr<HierarchyNode> &newParent, const bool &silent = false) override;
 
 private:
+    std::shared_ptr<ElementManipulationProvider> madeProvider();
+
     ElementData data;
     std::shared_ptr<ElementQueryProvider> queryProvider;
     std::shared_ptr<ElementManipulationProvider> manipulationProvider;

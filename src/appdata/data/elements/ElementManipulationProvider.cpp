@@ -210,22 +210,17 @@ bool ElementManipulationProvider::loadParsedDataLocked()
 bool ElementManipulationProvider::connectStrategyLocked()
 {
     const auto &wrapper = element->dataLocked().memoryStrategy;
-    if (!wrapper)
+    if (!wrapper || strategyConnection)
         return true;
-    if (isConnected)
-        return true;
-    isConnected = connect(wrapper.get(), &MemoryStrategies::MemoryStrategy::invalidated, this,
-                          &ElementManipulationProvider::onMemoryStrategyInvalidated);
-    return isConnected;
+    strategyConnection = connect(wrapper.get(), &MemoryStrategies::MemoryStrategy::invalidated, this,
+                                 &ElementManipulationProvider::onMemoryStrategyInvalidated);
+    return bool(strategyConnection);
 }
 
 void ElementManipulationProvider::disconnectStrategyLocked()
 {
-    const auto &wrapper = element->dataLocked().memoryStrategy;
-    if (wrapper && std::exchange(isConnected, false)) {
-        disconnect(wrapper.get(), &MemoryStrategies::MemoryStrategy::invalidated, this,
-                   &ElementManipulationProvider::onMemoryStrategyInvalidated);
-    }
+    // By its handle: by sender and receiver the connections of all elements of the entry would be walked.
+    disconnect(std::exchange(strategyConnection, QMetaObject::Connection()));
 }
 
 void ElementManipulationProvider::onMemoryStrategyInvalidated()

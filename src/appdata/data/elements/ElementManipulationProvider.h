@@ -69,7 +69,7 @@ private:
     bool loadParsedDataLocked();
 
     Element *const element;
-    bool isConnected = false; // guarded by the element's data lock
+    QMetaObject::Connection strategyConnection; // guarded by the element's data lock
 };
 
 } // namespace Tessellum::AppData::Data::Elements

@@ -34,6 +34,20 @@ ConstDataElementList toConst(const DataElementList &elements)
     return list;
 }
 
+/*! Whether \a element is there and has that activation. An element tells it without a query provider, which
+ * each that is asked would have to make. */
+bool hasActivation(const ConstDataElementPtr &element, bool active)
+{
+    if (const auto *const node = dynamic_cast<const Elements::Element *>(element.get()))
+        return node->isActive() == active;
+    if (const auto *const reference = dynamic_cast<const Elements::ElementReference *>(element.get())) {
+        const auto target = reference->getTarget();
+        return target && hasActivation(target, active);
+    }
+    const auto query = element ? element->getQueryInterface() : nullptr;
+    return query && query->isActive() == active;
+}
+
 template <class List, class Filter>
 List filtered(const List &elements, const Filter &listFilter)
 {
@@ -49,10 +63,8 @@ bool ApplyMaskedFilter(const ConstDataElementPtr &element, const ActivationMask 
     case ActivationMask::All:
         return filter(element);
     case ActivationMask::Active:
-    case ActivationMask::Inactive: {
-        const auto query = element ? element->getQueryInterface() : nullptr;
-        return query && query->isActive() == (mask == ActivationMask::Active) && filter(element);
-    }
+    case ActivationMask::Inactive:
+        return hasActivation(element, mask == ActivationMask::Active) && filter(element);
     case ActivationMask::Unknown:
         break;
     }

@@ -1,3 +1,4 @@
+#include <appdata/data/elements/parsers/CallParser.h>
 #include <appdata/data/elements/parsers/DefaultElementParser.h>
 #include <appdata/data/elements/parsers/ElementParserFactory.h>
 #include <appdata/data/elements/parsers/FloatingPointNumberElementParser.h>
@@ -28,7 +29,9 @@ ElementParserFactory::get(const EntryCategory &category)
             return *found;
     }
     const auto creator = getCreator(category);
-    const auto parser = creator ? creator() : nullptr;
+    const auto parser = creator ? GuardParser<std::shared_ptr<Interfaces::DataElementParserInterface>>(
+                            "ElementParserFactory::get()", creator)
+                                : nullptr;
     // Where another thread was quicker, its parser is the one.
     const QMutexLocker locker(&cacheMutex);
     const auto found = cache.constFind(category);
