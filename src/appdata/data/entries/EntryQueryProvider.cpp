@@ -5,6 +5,7 @@
 #include <appdata/data/entries/utils/ElementTimeIndex.h>
 #include <appdata/data/entries/utils/PairLinks.h>
 #include <shared/logging/FrameworkLog.h>
+#include <shared/synchronization/ScopedLock.h>
 
 #include <QVector>
 
@@ -18,6 +19,7 @@ using Interfaces::DataElementInterface;
 using Interfaces::DataElementList;
 using Interfaces::DataElementPtr;
 using Shared::Hierarchy::HierarchyNode;
+using Shared::Synchronization::ScopedLock;
 
 namespace {
 
@@ -46,6 +48,20 @@ bool hasActivation(const ConstDataElementPtr &element, bool active)
     }
     const auto query = element ? element->getQueryInterface() : nullptr;
     return query && query->isActive() == active;
+}
+
+// Under the lock of the entry, which an element that is being added holds until it is in the index as well. A
+// strategy that hears of the element before that would judge it by the ends of yesterday.
+bool spanOf(const Entry &entry, quint64 &first, quint64 &last)
+{
+    const ScopedLock lock(&entry);
+    return entry.timeIndex().span(first, last);
+}
+
+QList<utils::ElementTimeIndex::ElementPtr> rangeOf(const Entry &entry, quint64 first, quint64 last)
+{
+    const ScopedLock lock(&entry);
+    return entry.timeIndex().range(first, last);
 }
 
 template <class List, class Filter>
@@ -135,12 +151,12 @@ bool EntryQueryProvider::getTimeSpan(quint64 &first, quint64 &last) const
 {
     const auto *const pair = qobject_cast<const ClassificationNameEntry *>(entry);
     if (!pair)
-        return entry->timeIndex().span(first, last);
+        return spanOf(*entry, first, last);
     bool any = false;
     for (const auto &member : utils::EntriesOfPair(pair->getLinkPath())) {
         quint64 begin = 0;
         quint64 end = 0;
-        if (!member->timeIndex().span(begin, end))
+        if (!spanOf(*member, begin, end))
             continue;
         first = any ? std::min(first, begin) : begin;
         last = any ? std::max(last, end) : end;
@@ -165,7 +181,7 @@ DataElementList EntryQueryProvider::elementsInRange(quint64 first, quint64 last,
     if (qobject_cast<const ClassificationNameEntry *>(entry))
         return masked(pairElementsInRange(first, last), mask);
     DataElementList found;
-    for (const auto &element : entry->timeIndex().range(first, last))
+    for (const auto &element : rangeOf(*entry, first, last))
         found.append(element);
     return masked(found, mask);
 }
@@ -175,7 +191,7 @@ DataElementList EntryQueryProvider::pairElementsInRange(quint64 first, quint64 l
     const auto *const pair = qobject_cast<const ClassificationNameEntry *>(entry);
     QVector<std::pair<quint64, DataElementPtr>> found;
     for (const auto &member : utils::EntriesOfPair(pair->getLinkPath())) {
-        for (const auto &element : member->timeIndex().range(first, last)) {
+        for (const auto &element : rangeOf(*member, first, last)) {
             quint64 position = 0;
             const auto reference = entry->getChildById(element->getId());
             if (reference && entry->hasChild(reference, &position))
