@@ -19,6 +19,7 @@ namespace {
 
 constexpr int IdleMilliseconds = 1001;
 constexpr std::chrono::microseconds LookTime(20);
+constexpr int MostPassedOver = 64;
 constexpr int StopReportMilliseconds = 5000;
 constexpr int StopReportLines = 10;
 
@@ -144,11 +145,15 @@ int ThreadPool::allowedWorkersLocked() const
 }
 
 /*! True if the caller is to start one more worker, which is counted from here on. Not while another one looks
- * for work: that one takes the next item and enlists a further worker if there are more. */
+ * for work, as long as that one comes soon: it takes the next item and enlists a further worker if there are
+ * more. QThreadPool may have failed to make its thread. */
 bool ThreadPool::enlistWorkerLocked()
 {
-    if (lookingWorkers > 0 || !runnables.hasQueued() || workers >= allowedWorkersLocked())
+    if (!runnables.hasQueued() || workers >= allowedWorkersLocked())
         return false;
+    if (lookingWorkers > 0 && ++passedOver < MostPassedOver)
+        return false;
+    passedOver = 0;
     ++workers;
     ++lookingWorkers;
     return true;

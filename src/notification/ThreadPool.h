@@ -175,6 +175,7 @@ private:
     Worker worker{*this}; // one object for all workers
     int workers = 0; // that run or are about to
     int lookingWorkers = 0; // those among them that have no item yet
+    int passedOver = 0; // times that nobody was started since one looks for work
     int lentPlaces = 0;
     std::atomic<int> waiting = 0; // threads that wait for nothingRuns
     QWaitCondition nothingRuns;
