@@ -36,12 +36,11 @@ qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
     const auto present = entry.lock();
     if (!present)
         return NoDecision;
+    // The element first: once it can be found it has been announced, so that the range knows of it.
+    const auto element = present->getQueryInterface()->getElementById(elementUuid);
     range->recompute();
     const TimeRangeProvider::Range resolved = range->getRange();
-    if (resolved.type == TimeRangeProvider::RangeType::None)
-        return NoDecision;
-    const auto element = present->getQueryInterface()->getElementById(elementUuid);
-    if (!element)
+    if (resolved.type == TimeRangeProvider::RangeType::None || !element)
         return NoDecision;
     return resolved.contains(element->getQueryInterface()->getTimestamp()) ? Keep : Unload;
 }

@@ -7,6 +7,9 @@
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/EntryCreateTask.h>
 #include <appdata/data/entries/EntryDeleteTask.h>
+#include <appdata/storages/Storage.h>
+#include <appdata/storages/StorageCreateTask.h>
+#include <appdata/storages/StorageDeleteTask.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <appdata/utils/TaskFactories.h>
 
@@ -28,6 +31,10 @@ using Notification::ThreadPool;
 using Notification::UpdatePoint;
 using Notification::UpdateTask;
 using Shared::Hierarchy::HierarchyNode;
+using Storages::Storage;
+using Storages::StorageCreateData;
+using Storages::StorageCreateTask;
+using Storages::StorageDeleteTask;
 
 ThreadPool::CreateFactory MakeCreateTaskFactory(RepositoryProvider &repository)
 {
@@ -36,6 +43,8 @@ ThreadPool::CreateFactory MakeCreateTaskFactory(RepositoryProvider &repository)
         using namespace AppConfig::Attributes;
         const auto notifications = repository.getNotificationProvider();
         const auto examiner = notifications ? notifications->getCreateRegistration() : nullptr;
+        if (data.userType() == qMetaTypeId<StorageCreateData>())
+            return std::make_unique<StorageCreateTask>(examiner, parent, path, data, waitPoint);
         if (ElementsCreateTask::Accepts(data))
             return std::make_unique<ElementsCreateTask>(examiner, parent, path, data, waitPoint);
         if (EntryCreateTask::Accepts(data))
@@ -68,6 +77,8 @@ ThreadPool::DeleteFactory MakeDeleteTaskFactory(RepositoryProvider &repository)
         if (const auto element = std::dynamic_pointer_cast<Element>(target))
             return std::make_unique<ElementsDeleteTask>(examiner, node, path,
                                                         QVariant::fromValue(element->copyData()), waitPoint);
+        if (std::dynamic_pointer_cast<Storage>(target))
+            return std::make_unique<StorageDeleteTask>(examiner, node, path, data, waitPoint);
         if (std::dynamic_pointer_cast<Entry>(target))
             return std::make_unique<EntryDeleteTask>(repository.getThreadPool(), examiner, node, path, data,
                                                      waitPoint);

@@ -8,6 +8,7 @@
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageImplementation.h>
 #include <appdata/storages/utils/CallMedium.h>
+#include <appdata/storages/utils/DetachEntry.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/MakeNode.h>
@@ -43,6 +44,17 @@ void InstallMemoryStrategy(const std::shared_ptr<Entry> &entry)
         record.classification, record.name);
     if (!type.isEmpty())
         entry->getMemoryStrategyInterface()->installMemoryStrategy(type, QString());
+}
+
+/*! True, and \a entry is off the tree, where its storage has been removed while it was added: the removal
+ * did not see it if it looked before. */
+bool LeaveRemovedStorage(const std::shared_ptr<Entry> &entry)
+{
+    const auto storage = entry->getStorage();
+    if (!storage || !storage->isDeleteFlagSet())
+        return false;
+    Storages::utils::DetachEntry(entry);
+    return true;
 }
 
 /*! Takes an entry off its medium that could not be added to the tree, or it would be back at the next start.
@@ -222,7 +234,7 @@ bool EntryCreateTask::finishNew(const EntryPtr &entry)
     entry->setLoadStatus(pair ? LoadStatus::Loaded : LoadStatus::NotLoaded);
     if (pair)
         pair->setLoadStatus(LoadStatus::Loaded);
-    return pair != nullptr;
+    return pair && !LeaveRemovedStorage(entry);
 }
 
 bool EntryCreateTask::createAndDeserialize(const EntryDeserializeInformation &information)
@@ -254,6 +266,8 @@ bool EntryCreateTask::createAndDeserialize(const EntryDeserializeInformation &in
     entry->setLoadStatus(LoadStatus::CurrentlyLoading);
     const auto pair = utils::LinkEntryToPair(entry);
     if (!pair)
+        return false;
+    if (LeaveRemovedStorage(entry))
         return false;
     createdPaths.append(pair->getLinkPath());
     pair->setLoadStatus(LoadStatus::CurrentlyLoading);
