@@ -8,8 +8,8 @@ namespace Tessellum::AppData::Data::Elements {
 
 /*! Stands for an element beneath the node of its pair, under the same id, and holds it weakly. An element
  * that has gone gives empty results. */
-class TESSELLUM_EXPORT ElementReference : public Interfaces::DataElementInterface,
-                                          public Shared::Hierarchy::HierarchyNodeInstance,
+class TESSELLUM_EXPORT ElementReference : public Shared::Hierarchy::HierarchyNodeInstance,
+                                          public Interfaces::DataElementInterface,
                                           public AppData::utils::AppDataRepositoryEventThreadUser
 {
     Q_OBJECT
