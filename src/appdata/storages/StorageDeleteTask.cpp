@@ -29,21 +29,26 @@ using Shared::Hierarchy::HierarchyNode;
 
 namespace {
 
-void RemoveName(const Storage &storage)
+void RemoveName(const QString &name)
 {
     const QMutexLocker locker(&RepositoryProvider::getInstance()->pairMutex());
-    const QString name = storage.getName();
     if (const auto names = utils::NameList())
         names->removeElementFromList(name);
-    const auto node = std::dynamic_pointer_cast<Attribute>(
+}
+
+/*! Until then nobody else can take the name. */
+void RemoveLinkOfName(const QString &name)
+{
+    const QMutexLocker locker(&RepositoryProvider::getInstance()->pairMutex());
+    const auto link = std::dynamic_pointer_cast<Attribute>(
         RepositoryProvider::getInstance()->getRoot()->getChildById(name));
-    if (!node)
+    if (!link)
         return;
     // Pairs whose classification is the storage's name hang beneath it.
-    if (node->getNumberOfChildren() > 0)
-        node->setDetails(Attribute::Details());
+    if (link->getNumberOfChildren() > 0)
+        link->setDetails(Attribute::Details());
     else
-        node->markForDeletion();
+        link->markForDeletion();
 }
 
 void DetachEntries(const Storage &storage)
@@ -56,11 +61,12 @@ void DetachEntries(const Storage &storage)
 
 void Remove(const std::shared_ptr<Storage> &storage, const QString &fullPath)
 {
-    RemoveName(*storage);
+    RemoveName(storage->getName());
     DetachEntries(*storage);
     storage->setDeleteFlag();
     // Those that were attached meanwhile; whoever comes later sees the flag.
     DetachEntries(*storage);
+    RemoveLinkOfName(storage->getName());
     Notification::utils::WaitForTask(AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(),
                                      LoadStatusMirror::StartRemoval(fullPath));
     // What it has queued is to be seen by the next storage on the same medium.

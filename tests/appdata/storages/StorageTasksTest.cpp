@@ -1,0 +1,307 @@
+#include "../../support/LogCapture.h"
+#include "../support/RunningDataRepository.h"
+
+#include <appdata/storages/StorageCreateTask.h>
+#include <appdata/utils/RepositoryLookup.h>
+
+#include <QtTest>
+
+using namespace Tessellum::AppData;
+using namespace Tessellum::AppData::Storages;
+using Data::Elements::ElementUpdateData;
+using Data::Entries::Entry;
+using Tessellum::AppData::utils::FindStorage;
+using Tessellum::AppData::utils::StorageNames;
+using Tessellum::Notification::CreateObserver;
+using Tessellum::Notification::CreatePoint;
+using Tessellum::Notification::utils::WaitForSuccess;
+using TestSupport::LogCapture;
+using TestSupport::RunningDataRepository;
+using TestSupport::StorageTwin;
+using Operation = StorageTwin::Operation;
+using Fault = StorageTwin::Fault;
+
+class StorageTasksTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<RunningDataRepository> run;
+    std::shared_ptr<StorageTwin> twin;
+
+    auto root() { return run->provider().getRoot(); }
+    static StorageCreateData createData(const std::shared_ptr<StorageImplementation> &implementation,
+                                        LoadDataHint hint = LoadDataHint::OnDemand,
+                                        const QString &type = QStringLiteral("any"))
+    {
+        StorageCreateDataDetails details;
+        details.implementation = implementation;
+        details.loadDataHint = hint;
+        return {QStringLiteral("given"), type, QStringLiteral("label"), details};
+    }
+    std::shared_ptr<CreateObserver> start(const QString &name, const StorageCreateData &data)
+    {
+        return run->pool().startCreateTask(root(), name, QVariant::fromValue(data), CreatePoint::Done);
+    }
+    bool add(const QString &name, const StorageCreateData &data)
+    {
+        return WaitForSuccess(run->pool(), start(name, data));
+    }
+    // An entry with so many elements, on the medium alone.
+    void store(const QString &uuid, const QString &name, int elements)
+    {
+        twin->connectStorage();
+        twin->serializeEntry(uuid, run->record(name, QStringLiteral("disk")));
+        for (int i = 0; i < elements; ++i) {
+            ElementUpdateData data = run->value(quint64(i), 0);
+            data.setRawData(QByteArray::number(i));
+            twin->serializeElement(uuid, uuid + QString::number(i), data);
+        }
+    }
+    QString shownStatus(const QString &nodePath)
+    {
+        const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
+            RunningRepository::provider().getRoot()->findChildByRelativePath("appdata." + nodePath
+                                                                             + ".loaded"));
+        QVariant value;
+        return attribute && attribute->getValue(value, QMetaType::QString) ? value.toString() : QString();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        run = std::make_unique<RunningDataRepository>();
+        twin = StorageTwin::Make();
+    }
+    void cleanup()
+    {
+        twin->release();
+        run.reset();
+        twin.reset();
+    }
+
+    void aStorageIsFoundByItsName();
+    void aTakenNameIsRefusedSilently();
+    void ofTwoAddsOfOneNameOneWins();
+    void aFailureLeavesNothing_data();
+    void aFailureLeavesNothing();
+    void entriesAreAttachedAtOnceOrOnDemand();
+    void anUnloadedEntryComesBackWhole();
+    void nothingIsLockedWhileAnEntryIsLoaded();
+    void recordsThatCannotBeTrusted();
+    void aRemovalTakesTheEntriesAlong();
+    void aRemovalLeavesTheClassificationOfItsName();
+};
+
+void StorageTasksTest::aStorageIsFoundByItsName()
+{
+    QVERIFY(add("disk", createData(twin)));
+    const auto storage = FindStorage("disk");
+    QVERIFY(storage);
+    QCOMPARE(storage->getName(), QStringLiteral("disk")); // the key is the name
+    QCOMPARE(storage->getLoadStatus(), LoadStatus::Loaded);
+    QVERIFY(twin->isConnected());
+    const auto link = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
+        root()->getChildById("disk"));
+    QVariant target;
+    QVERIFY(link && link->getValue(target, QMetaType::QString));
+    QCOMPARE(target.toString(), storage->getId());
+    QTRY_COMPARE(shownStatus(storage->getId()), QStringLiteral("loaded"));
+}
+
+void StorageTasksTest::aTakenNameIsRefusedSilently()
+{
+    QVERIFY(add("disk", createData(twin)));
+    const auto first = FindStorage("disk");
+    const LogCapture log;
+    const auto second = StorageTwin::Make();
+    QVERIFY(!add("disk", createData(second)));
+    QVERIFY(log.lines().filter("StorageCreateTask").isEmpty());
+    QCOMPARE(FindStorage("disk"), first);
+    QVERIFY(!second->isConnected());
+}
+
+void StorageTasksTest::ofTwoAddsOfOneNameOneWins()
+{
+    const auto second = StorageTwin::Make();
+    twin->arrange(Operation::ConnectStorage, Fault::Hang);
+    const auto slow = start("disk", createData(twin));
+    QTRY_COMPARE(twin->hanging(), 1);
+    QVERIFY(add("disk", createData(second)));
+    twin->release();
+    QVERIFY(!WaitForSuccess(run->pool(), slow));
+    QCOMPARE(StorageNames(), QStringList{"disk"});
+    QVERIFY(FindStorage("disk")->getImplementation() == second);
+}
+
+void StorageTasksTest::aFailureLeavesNothing_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<bool>("givesTwin");
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<QString>("line");
+
+    const QString function = QStringLiteral("WARNING StorageCreateTask::createStorageInHierarchy() ");
+    QTest::newRow("no type") << QString() << true << -1
+                             << function + "supplied creation data is empty, no storagecreated";
+    QTest::newRow("unknown type") << "unknown" << false << -1
+                                  << function
+            + "cannot create storage implementation with unknown type=unknown";
+    for (const char *type : {"makes-nothing", "throws"}) {
+        QTest::newRow(type) << type << false << -1
+                            << function + "failed to create storage implementation for storage type=" + type;
+    }
+    QTest::newRow("does not connect")
+        << "any" << true << int(Fault::Fail) << function + "failed to connect storage '";
+    QTest::newRow("throws in connecting")
+        << "any" << true << int(Fault::Throw) << function + "failed to connect storage '";
+}
+
+void StorageTasksTest::aFailureLeavesNothing()
+{
+    QFETCH(QString, type);
+    QFETCH(bool, givesTwin);
+    QFETCH(int, fault);
+    QFETCH(QString, line);
+    run->provider().registerProduct("makes-nothing", [](const StorageCreateData &) { return nullptr; });
+    run->provider().registerProduct(
+        "throws",
+        [](const StorageCreateData &) -> std::shared_ptr<StorageImplementation> { throw std::exception(); });
+    if (fault >= 0)
+        twin->arrange(Operation::ConnectStorage, Fault(fault));
+    const quint64 children = root()->getNumberOfChildren();
+    const LogCapture log;
+    QVERIFY(!add("disk", createData(givesTwin ? twin : nullptr, LoadDataHint::OnDemand, type)));
+    QCOMPARE(log.lines().filter(line).size(), 1);
+    QVERIFY(StorageNames().isEmpty());
+    QCOMPARE(root()->getNumberOfChildren(), children);
+    QVERIFY(add("disk", createData(twin))); // it stands in nobody's way
+}
+
+void StorageTasksTest::entriesAreAttachedAtOnceOrOnDemand()
+{
+    store("e1", "one", 2);
+    store("e2", "two", 0);
+    QVERIFY(add("lazy", createData(twin)));
+    QCOMPARE(FindStorage("lazy")->getNumberOfChildren(), 0u);
+    QVERIFY(add("eager", createData(twin, LoadDataHint::LoadAtOnce)));
+    const auto eager = FindStorage("eager");
+    QTRY_COMPARE(eager->getNumberOfChildren(), 2u);
+    QTRY_COMPARE(eager->getChildById("e1")->getNumberOfChildren(), 2u);
+
+    const auto lazy = FindStorage("lazy");
+    const auto query = lazy->getQueryInterface();
+    QHash<QString, StorageImplementation::EntryRecord> entries;
+    QCOMPARE(query->getEntries(entries), 2u);
+    QCOMPARE(query->getEntryLoadStatus("e1"), LoadStatus::NotLoaded);
+    QCOMPARE(query->getEntryLoadStatus("e3"), LoadStatus::Unknown);
+    QVERIFY(lazy->getManipulationInterface()->loadDataEntry("e1", LoadDataHint::OnDemand));
+    QTRY_COMPARE(query->getEntryLoadStatus("e1"), LoadStatus::Loaded);
+    QVERIFY(!lazy->getManipulationInterface()->loadDataEntry("e3", LoadDataHint::OnDemand));
+}
+
+void StorageTasksTest::anUnloadedEntryComesBackWhole()
+{
+    store("e1", "one", 3);
+    QVERIFY(add("disk", createData(twin)));
+    const auto storage = FindStorage("disk");
+    const auto manipulation = storage->getManipulationInterface();
+    QVERIFY(!manipulation->unloadDataEntry("e1"));
+    for (int round = 0; round < 2; ++round) {
+        QVERIFY(manipulation->loadDataEntry("e1", LoadDataHint::OnDemand));
+        QTRY_COMPARE(storage->getQueryInterface()->getEntryLoadStatus("e1"), LoadStatus::Loaded);
+        const auto entry = std::dynamic_pointer_cast<Entry>(storage->getChildById("e1"));
+        QCOMPARE(entry->getNumberOfChildren(), 3u);
+        QCOMPARE(Data::Entries::utils::FindPair("plant.one")->getNumberOfChildren(), 3u);
+        QTRY_COMPARE(shownStatus(entry->getNodePath()->getFullPath()), QStringLiteral("loaded"));
+
+        const QString path = entry->getNodePath()->getFullPath();
+        QVERIFY(manipulation->unloadDataEntry("e1"));
+        QVERIFY(!Data::Entries::utils::FindPair("plant.one"));
+        QVERIFY(entry->isDeleteFlagSet());
+        QVERIFY(!run->create(entry, run->value(9, 9))); // its values would miss the next one
+        QTRY_COMPARE(shownStatus(path), QString());
+    }
+    QStringList uuids;
+    QCOMPARE(twin->getElementIds("e1", uuids), 3u);
+}
+
+void StorageTasksTest::nothingIsLockedWhileAnEntryIsLoaded()
+{
+    store("e1", "one", 0);
+    QVERIFY(add("disk", createData(twin)));
+    const auto storage = FindStorage("disk");
+    twin->arrange(Operation::DeserializeEntry, Fault::Hang);
+    std::atomic<bool> loaded{false};
+    std::unique_ptr<QThread> loader(QThread::create(
+        [&] { loaded = storage->getManipulationInterface()->loadDataEntry("e1", LoadDataHint::OnDemand); }));
+    loader->start();
+    QTRY_COMPARE(twin->hanging(), 1);
+    QVERIFY(storage->setLabel("other"));
+    QCOMPARE(storage->getQueryInterface()->getEntryLoadStatus("e1"), LoadStatus::NotLoaded);
+    QVERIFY(!loaded);
+    twin->release();
+    QVERIFY(loader->wait(StorageTwin::Patience));
+    QVERIFY(loaded);
+}
+
+void StorageTasksTest::recordsThatCannotBeTrusted()
+{
+    store("e1", "one", 2);
+    auto record = run->record("two", "disk");
+    record.classification.clear();
+    twin->serializeEntry("e2", record);
+    twin->setMiscounting(true);
+    QVERIFY(add("disk", createData(twin)));
+    const auto storage = FindStorage("disk");
+    const auto query = storage->getQueryInterface();
+    QVERIFY(query->hasEntry("e1"));
+    QVERIFY(!query->hasEntry("e2"));
+    QVERIFY(storage->getManipulationInterface()->loadDataEntry("e1", LoadDataHint::OnDemand));
+    QCOMPARE(query->getEntryLoadStatus("e1"), LoadStatus::Loaded);
+    QCOMPARE(storage->getChildById("e1")->getNumberOfChildren(), 0u);
+
+    QHash<QString, StorageImplementation::EntryRecord> entries;
+    twin->arrange(Operation::GetEntries, Fault::Throw);
+    twin->arrange(Operation::DeserializeEntry, Fault::ThrowInt);
+    QCOMPARE(query->getEntries(entries), 0u);
+    QVERIFY(!query->hasEntry("e1"));
+}
+
+void StorageTasksTest::aRemovalTakesTheEntriesAlong()
+{
+    store("e1", "one", 2);
+    QVERIFY(add("disk", createData(twin, LoadDataHint::LoadAtOnce)));
+    auto storage = FindStorage("disk");
+    const QString path = storage->getId();
+    QTRY_COMPARE(storage->getQueryInterface()->getEntryLoadStatus("e1"), LoadStatus::Loaded);
+    QTRY_COMPARE(shownStatus(path), QStringLiteral("loaded"));
+    QVERIFY(run->remove(storage));
+    QVERIFY(StorageNames().isEmpty());
+    QVERIFY(!root()->hasChild("disk") && !root()->hasChild(path));
+    QVERIFY(!Data::Entries::utils::FindPair("plant.one"));
+    QTRY_COMPARE(shownStatus(path), QString());
+    QVERIFY(!run->remove(storage)); // it has gone
+
+    // The medium keeps what it held, and may be added again at once.
+    QVERIFY(add("disk", createData(twin)));
+    QVERIFY(FindStorage("disk") != storage);
+    QVERIFY(FindStorage("disk")->getQueryInterface()->hasEntry("e1"));
+}
+
+void StorageTasksTest::aRemovalLeavesTheClassificationOfItsName()
+{
+    QVERIFY(add("plant", createData(twin)));
+    QVERIFY(run->addEntry(run->record("one", "plant")));
+    QVERIFY(run->addEntry(run->record("two"))); // volatile
+    QVERIFY(run->remove(FindStorage("plant")));
+    QVERIFY(!Data::Entries::utils::FindPair("plant.one"));
+    QVERIFY(Data::Entries::utils::FindPair("plant.two"));
+    QVERIFY(add("plant", createData(twin)));
+    QVERIFY(FindStorage("plant"));
+    QVERIFY(Data::Entries::utils::FindPair("plant.two"));
+}
+
+QTEST_GUILESS_MAIN(StorageTasksTest)
+
+#include "StorageTasksTest.moc"
