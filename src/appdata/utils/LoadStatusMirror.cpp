@@ -106,7 +106,7 @@ struct LoadStatusMirror::State : public std::enable_shared_from_this<State>
         return goOnAfter(
             provider->startCreateAttribute(attributeOf(target), ConvertDataEntryLoadStatusToString(status),
                                            CreatePoint::All, AttributeAccess::Read | AttributeAccess::Write),
-            [this, target] { removeIfGone(target); });
+            target);
     }
 
     /*! A node that was removed while its attribute was still on its way had nothing to remove then. */
@@ -132,17 +132,17 @@ struct LoadStatusMirror::State : public std::enable_shared_from_this<State>
                                                     ConvertDataEntryLoadStatusToString(status),
                                                     UpdatePoint::All)
                              .observer,
-                         [] {});
+                         target);
     }
 
-    /*! Has \a atEnd called at the end of the step, which starts the next one. */
-    template <class Observer, class AtEnd>
-    bool goOnAfter(const std::shared_ptr<Observer> &observer, const AtEnd &atEnd)
+    /*! Lets the end of the step, which showed the node at \a target, start the next one. */
+    template <class Observer>
+    bool goOnAfter(const std::shared_ptr<Observer> &observer, const QString &target)
     {
         if (!observer)
             return false;
-        observer->whenEnded([self = shared_from_this(), atEnd] {
-            atEnd();
+        observer->whenEnded([self = shared_from_this(), target] {
+            self->removeIfGone(target);
             self->startStep();
         });
         return true;
