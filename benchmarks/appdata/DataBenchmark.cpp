@@ -2,14 +2,17 @@
 
 #include <appdata/data/elements/Element.h>
 #include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/storages/StorageImplementation.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <core/Library.h>
 #include <notification/RepositoryHierarchyThreadProvider.h>
+#include <notification/utils/MakeNode.h>
 
 #include <QCoreApplication>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QUuid>
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -193,6 +196,83 @@ void AddUnderTimeSpan(benchmark::State &state)
         QStringLiteral("{\"from\":{\"value\":%1,\"type\":\"relative_from_end\"}}").arg(state.range(1)));
 }
 BENCHMARK(AddUnderTimeSpan)->Args({100000, 10000})->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/*! A medium with one entry, whose elements cost it nothing. */
+class ManyElements : public Storages::StorageImplementation
+{
+public:
+    explicit ManyElements(int elements)
+        : StorageImplementation(Storages::StorageCreateData())
+    {
+        for (int i = 0; i < elements; ++i)
+            uuids.append(QUuid::createUuid().toString());
+    }
+
+    QStringList getEntryTypes() const override { return {}; }
+    bool connectStorage() override { return true; }
+    bool disconnectStorage() override { return true; }
+    bool isConnected() const override { return true; }
+    bool serializeEntry(const QString &, const EntryRecord &) override { return false; }
+    bool serializeElement(const QString &, const QString &, const ElementValues &) override { return false; }
+    quint64 getEntries(QHash<QString, EntryRecord> &) const override { return 0; }
+    bool deserializeEntry(const QString &, EntryRecord &record) const override
+    {
+        record = EntryRecord(QStringLiteral("stored"), QStringLiteral("bench"),
+                             Data::Entries::EntryCategory(CategoryType::Float, QString()), QString(),
+                             PersistenceType::Persistent, 0);
+        return true;
+    }
+    quint64 getElementIds(const QString &, QStringList &found) const override
+    {
+        found = uuids;
+        return quint64(found.size());
+    }
+    bool deserializeElement(const QString &, const QString &, ElementValues &values,
+                            const LoadDataHint &) const override
+    {
+        values.setActive(true);
+        values.setTimestamp(1);
+        return true;
+    }
+    QByteArray getElementRawData(const QString &, const QString &) const override { return {}; }
+    bool removeEntry(const QString &) override { return false; }
+    bool updateElementValue(const QString &, const QString &, const DataElementUpdateType &,
+                            const QVariant &) override
+    {
+        return false;
+    }
+
+private:
+    QStringList uuids;
+};
+
+/*! Attaches an entry of a storage until all its elements stand in the tree. */
+void AttachStored(benchmark::State &state)
+{
+    RunningLibrary::instance();
+    const auto storages = getCoreInterface()->getAppDataRepository()->getStorageInterface();
+    const QString name = QStringLiteral("medium");
+    Storages::StorageCreateDataDetails details;
+    details.implementation = Notification::utils::MakeNode<ManyElements>(int(state.range(0)));
+    storages->addStorage(QStringLiteral("bench"), name, details, CreatePoint::Done, name);
+    const auto storage = storages->getStorage(name);
+    const QString uuid = QStringLiteral("stored");
+    for (auto _ : state) {
+        if (!storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand))
+            state.SkipWithError("the entry is not attached");
+        utils::RepositoryProvider::getInstance()->getThreadPool().waitForDone();
+        state.PauseTiming();
+        if (storage->getQueryInterface()->getEntryLoadStatus(uuid) != LoadStatus::Loaded)
+            state.SkipWithError("the entry is not loaded");
+        storage->getManipulationInterface()->unloadDataEntry(uuid);
+        Core::RepositoryHierarchyThreadProvider::getInstance()->barrier();
+        state.ResumeTiming();
+    }
+    storages->removeStorage(name);
+    state.counters["items"] = double(state.range(0));
+    state.counters["aim_ns"] = 15000; // 100,000 in 1.5 s
+}
+BENCHMARK(AttachStored)->Arg(10000)->Arg(100000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 /*! One million elements for the queries. */
 EntryPtr largeEntry()
