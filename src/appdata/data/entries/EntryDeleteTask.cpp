@@ -4,6 +4,7 @@
 #include <appdata/data/elements/utils/ElementPaths.h>
 #include <appdata/data/entries/EntryDeleteTask.h>
 #include <appdata/data/entries/utils/PairLinks.h>
+#include <appdata/storages/utils/DetachEntry.h>
 #include <appdata/utils/LoadStatusMirror.h>
 #include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/PoolWait.h>
@@ -79,10 +80,10 @@ void EntryDeleteTask::removeElements(Entry &entry) const
 void EntryDeleteTask::removeEntry(const std::shared_ptr<Entry> &entry, const QString &fullPath) const
 {
     removeElements(*entry);
-    utils::UnlinkEntryFromPair(entry);
+    Storages::utils::DetachEntry(entry);
+    // Behind the flag, or a status that is on its way could bring the attribute back.
     WaitForTask(AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(),
                 LoadStatusMirror::StartRemoval(fullPath));
-    entry->setDeleteFlag();
 }
 
 void EntryDeleteTask::handleDeleteNotification(const ResultType &result) const

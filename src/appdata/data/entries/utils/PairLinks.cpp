@@ -2,6 +2,7 @@
 #include <appdata/data/elements/Element.h>
 #include <appdata/data/elements/ElementReference.h>
 #include <appdata/data/entries/utils/PairLinks.h>
+#include <appdata/interfaces/DataEntryMemoryStrategyInterface.h>
 #include <appdata/utils/LoadStatusMirror.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/MakeNode.h>
@@ -178,6 +179,7 @@ PairPtr LinkEntryToPair(const std::shared_ptr<Entry> &entry)
 {
     const QString pairPath = entry->getPairPath();
     const auto path = entry->getNodePath();
+    const QString fullPath = path->getFullPath();
     PairPtr pair;
     {
         const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
@@ -197,6 +199,8 @@ PairPtr LinkEntryToPair(const std::shared_ptr<Entry> &entry)
                                 "to entry path, removing the entry from the hierarchy and storage, uuid="
                              << entry->getId();
     entry->setDeleteFlag();
+    entry->getMemoryStrategyInterface()->removeMemoryStrategy();
+    AppData::utils::LoadStatusMirror::StartRemoval(fullPath);
     return nullptr;
 }
 
