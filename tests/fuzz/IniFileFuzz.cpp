@@ -21,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static const bool quiet
         = (Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::fatal), true);
     Q_UNUSED(quiet)
-    static const QTemporaryDir folder;
+    // In memory: each file is written down to the disk before it takes its name.
+    static const QTemporaryDir folder(QStringLiteral("/dev/shm/ini-XXXXXX"));
     const QRegExp separator(QStringLiteral("="));
     Shared::IniContent content;
     Fuzz::Require(Shared::ParseIniFile(QByteArray(reinterpret_cast<const char *>(data), int(size)), content,
