@@ -179,7 +179,7 @@ void RepositoryProvider::start()
     next->notifications = std::make_shared<Notification::utils::NotificationProvider>();
     next->validations = std::make_shared<RepositoryAttributeValidationProvider>(root);
     next->manipulation = std::make_shared<AttributesManipulationProvider>(root, &pool);
-    exchangeRun(next);
+    run.exchange(next);
     GlobalPoolJobs::BeginRun();
     pool.start();
 }
@@ -200,12 +200,12 @@ void RepositoryProvider::stop(const NodePtr &keeper)
     RemoveBackends(*internal, removed);
     MoveChildren(*root, *keeper, removed);
     MoveChildren(*internal, *keeper, removed);
-    ended = exchangeRun(nullptr);
+    ended = run.exchange(nullptr);
 }
 
 bool RepositoryProvider::isActive() const
 {
-    return currentRun() != nullptr;
+    return run.get() != nullptr;
 }
 
 bool RepositoryProvider::linkNode(const QString &path, const NodePtr &node, const QString &name)
@@ -225,13 +225,13 @@ bool RepositoryProvider::addRootLink(const QString &path, const NodePtr &target,
 RepositoryProvider::ListPatternPtr RepositoryProvider::getListPattern(const QString &first,
                                                                       const QString &second) const
 {
-    const auto present = currentRun();
+    const auto present = run.get();
     return present ? present->list(first, second) : nullptr;
 }
 
 QList<RepositoryProvider::NamedListPattern> RepositoryProvider::getListPatterns() const
 {
-    const auto present = currentRun();
+    const auto present = run.get();
     return present ? present->listPatterns : QList<NamedListPattern>();
 }
 
@@ -265,45 +265,27 @@ Notification::ThreadPool &RepositoryProvider::getThreadPool()
 
 std::shared_ptr<Notification::utils::NotificationProvider> RepositoryProvider::getNotificationProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->notifications : nullptr;
+    return run.get(&Run::notifications);
 }
 
 std::shared_ptr<RepositoryBackendProvider> RepositoryProvider::getBackendProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->backends : nullptr;
+    return run.get(&Run::backends);
 }
 
 std::shared_ptr<AttributesQueryProvider> RepositoryProvider::getQueryProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->query : nullptr;
+    return run.get(&Run::query);
 }
 
 std::shared_ptr<AttributesManipulationProvider> RepositoryProvider::getManipulationProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->manipulation : nullptr;
+    return run.get(&Run::manipulation);
 }
 
 std::shared_ptr<RepositoryAttributeValidationProvider> RepositoryProvider::getValidationProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->validations : nullptr;
-}
-
-std::shared_ptr<const RepositoryProvider::Run> RepositoryProvider::currentRun() const
-{
-    const QMutexLocker locker(&runMutex);
-    return run;
-}
-
-std::shared_ptr<const RepositoryProvider::Run>
-RepositoryProvider::exchangeRun(const std::shared_ptr<const Run> &next)
-{
-    const QMutexLocker locker(&runMutex);
-    return std::exchange(run, next);
+    return run.get(&Run::validations);
 }
 
 bool RepositoryProvider::addLink(const QStringList &parentPath, const NodePtr &target, const QString &id,

@@ -4,6 +4,7 @@
 #include <appconfig/HierarchyListPattern.h>
 #include <appconfig/interfaces/RepositoryInterface.h>
 #include <notification/ThreadPool.h>
+#include <notification/utils/CurrentRun.h>
 #include <notification/utils/NotificationProvider.h>
 #include <shared/foundation/SettingsWrapper.h>
 #include <shared/synchronization/Factory.h>
@@ -23,9 +24,9 @@ class RepositoryBackendProvider;
  *
  * Locks: appConfigLock is held for writing while a start publishes the lists and providers of a run and while
  * a stop takes them and the tree down, so that whoever holds it sees a whole run or none; it is never held
- * across a wait. runMutex guards the pointer to them, is taken last and only to copy it, so the getters may
- * be called with or without appConfigLock; between stop and start they answer empty. settingsMutex guards the
- * making of the settings wrapper.
+ * across a wait. The pointer to them has a mutex of its own, so the getters may be called with or without
+ * appConfigLock; between stop and start they answer empty. settingsMutex guards the making of the settings
+ * wrapper.
  */
 class RepositoryProvider
     : public Interfaces::RepositoryInterface,
@@ -95,8 +96,6 @@ private:
 
     struct Run;
 
-    std::shared_ptr<const Run> currentRun() const;
-    std::shared_ptr<const Run> exchangeRun(const std::shared_ptr<const Run> &next);
     void start();
     void stop(const NodePtr &keeper);
     bool addLink(const QStringList &parentPath, const NodePtr &target, const QString &id, bool readOnly);
@@ -106,8 +105,7 @@ private:
     NodePtr internalRoot;
     std::shared_ptr<Shared::SettingsWrapper::SettingsWrapper> settings;
     Notification::ThreadPool pool;
-    mutable QMutex runMutex;
-    std::shared_ptr<const Run> run;
+    Notification::utils::CurrentRun<Run> run;
 };
 
 } // namespace Tessellum::AppConfig::utils

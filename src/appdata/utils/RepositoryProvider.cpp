@@ -125,7 +125,7 @@ void RepositoryProvider::start()
         next->memoryStrategies = std::make_shared<RepositoryMemoryStrategyProvider>();
         next->entries = std::make_shared<RepositoryDataEntryProvider>(root, &pool);
         next->registration = std::make_shared<Data::utils::ElementRegistrationProvider>();
-        exchangeRun(next);
+        run.exchange(next);
     }
     pool.start();
 }
@@ -140,12 +140,12 @@ void RepositoryProvider::stop()
         child->setDeleteFlag();
         removed.append(child);
     }
-    ended = exchangeRun(nullptr);
+    ended = run.exchange(nullptr);
 }
 
 bool RepositoryProvider::isActive() const
 {
-    return currentRun() != nullptr;
+    return run.get() != nullptr;
 }
 
 RepositoryProvider::NodePtr RepositoryProvider::getRoot() const
@@ -160,46 +160,28 @@ Notification::ThreadPool &RepositoryProvider::getThreadPool()
 
 std::shared_ptr<Notification::utils::NotificationProvider> RepositoryProvider::getNotificationProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->notifications : nullptr;
+    return run.get(&Run::notifications);
 }
 
 std::shared_ptr<RepositoryStorageProvider> RepositoryProvider::getStorageProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->storages : nullptr;
+    return run.get(&Run::storages);
 }
 
 std::shared_ptr<RepositoryMemoryStrategyProvider> RepositoryProvider::getMemoryStrategyProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->memoryStrategies : nullptr;
+    return run.get(&Run::memoryStrategies);
 }
 
 std::shared_ptr<RepositoryDataEntryProvider> RepositoryProvider::getDataEntryProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->entries : nullptr;
+    return run.get(&Run::entries);
 }
 
 std::shared_ptr<Interfaces::DataElementRegistrationInterface>
 RepositoryProvider::getRegistrationProvider() const
 {
-    const auto present = currentRun();
-    return present ? present->registration : nullptr;
-}
-
-std::shared_ptr<const RepositoryProvider::Run> RepositoryProvider::currentRun() const
-{
-    const QMutexLocker locker(&runMutex);
-    return run;
-}
-
-std::shared_ptr<const RepositoryProvider::Run>
-RepositoryProvider::exchangeRun(const std::shared_ptr<const Run> &next)
-{
-    const QMutexLocker locker(&runMutex);
-    return std::exchange(run, next);
+    return run.get(&Run::registration);
 }
 
 } // namespace Tessellum::AppData::utils

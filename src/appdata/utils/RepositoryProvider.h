@@ -3,6 +3,7 @@
 #include <appdata/interfaces/RepositoryInterface.h>
 #include <appdata/storages/StorageFactory.h>
 #include <notification/ThreadPool.h>
+#include <notification/utils/CurrentRun.h>
 #include <notification/utils/NotificationProvider.h>
 #include <shared/synchronization/Singleton.h>
 
@@ -16,10 +17,10 @@ class RepositoryStorageProvider;
  * The one tree of recorded data with its pool and its providers, and the table of storage types.
  *
  * Locks: appDataLock is held for writing while a start publishes the providers of a run and while a stop
- * takes them and the tree down; it is never held across a wait. runMutex guards the pointer to them, is taken
- * last and only to copy it, so the getters may be called with or without appDataLock; between stop and start
- * they answer empty. pairMutex() makes each change of a pair's link, a pair's node and a storage's name one
- * step: taken after appDataLock, before the locks of nodes, and never held across a wait.
+ * takes them and the tree down; it is never held across a wait. The pointer to them has a mutex of its own,
+ * so the getters may be called with or without appDataLock; between stop and start they answer empty.
+ * pairMutex() makes each change of a pair's link, a pair's node and a storage's name one step: taken after
+ * appDataLock, before the locks of nodes, and never held across a wait.
  */
 class RepositoryProvider : public Interfaces::RepositoryInterface,
                            public Shared::Singleton<RepositoryProvider>,
@@ -70,16 +71,13 @@ private:
 
     struct Run;
 
-    std::shared_ptr<const Run> currentRun() const;
-    std::shared_ptr<const Run> exchangeRun(const std::shared_ptr<const Run> &next);
     void start();
     void stop();
 
     const NodePtr root;
     QMutex pairs;
     Notification::ThreadPool pool;
-    mutable QMutex runMutex;
-    std::shared_ptr<const Run> run;
+    Notification::utils::CurrentRun<Run> run;
 };
 
 } // namespace Tessellum::AppData::utils
