@@ -1,6 +1,5 @@
 #pragma once
 
-#include <notification/Observer.h>
 #include <notification/utils/TaskBase.h>
 
 namespace Tessellum::Notification {

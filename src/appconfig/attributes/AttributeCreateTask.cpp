@@ -33,9 +33,8 @@ AttributeCreateTask::AttributeCreateTask(const Examiners &createExaminer,
     : CreateTask(parent, taskPath, createData)
     , examiner(createExaminer)
     , isSingle(data.canConvert<AttributeCreateData>() || IsEnsure(data))
-    , observer(std::make_shared<CreateObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleCreateNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleCreateNotification(report); }))
 { }
 
 CreateObserver::ResultType AttributeCreateTask::runCreate()

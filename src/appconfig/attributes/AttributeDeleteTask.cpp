@@ -39,9 +39,8 @@ AttributeDeleteTask::AttributeDeleteTask(Notification::ThreadPool &taskPool, con
     : DeleteTask(node, taskPath, deleteData)
     , pool(taskPool)
     , examiner(deleteExaminer)
-    , observer(std::make_shared<DeleteObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleDeleteNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleDeleteNotification(report); }))
 { }
 
 DeleteObserver::ResultType AttributeDeleteTask::runDelete()

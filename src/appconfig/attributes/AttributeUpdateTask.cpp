@@ -67,9 +67,8 @@ AttributeUpdateTask::AttributeUpdateTask(const Examiners &updateExaminer,
     : UpdateTask(attribute, newValue)
     , examiner(updateExaminer)
     , wasInTree(IsInTree(attribute.lock()))
-    , observer(std::make_shared<UpdateObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleUpdateNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleUpdateNotification(report); }))
 { }
 
 UpdateObserver::ResultType AttributeUpdateTask::runUpdate()

@@ -7,8 +7,6 @@
 #include <shared/hierarchy/HierarchyStringPathLink.h>
 #include <shared/logging/FrameworkLog.h>
 
-#include <exception>
-
 using Shared::Hierarchy::HierarchyNodeInstance;
 using Shared::Hierarchy::HierarchyStringPathLink;
 using Shared::Logging::FrameworkLog;
@@ -103,11 +101,8 @@ BackendCreateTask::BackendCreateTask(const Examiners &createExaminer,
     , examiner(createExaminer)
     , names(backendNames)
     , waitPoint(callersWaitPoint)
-    , observer(std::make_shared<CreateObserver>(
-          [callersWaitPoint](const CreateObserver::ResultType &result) {
-              return Notification::ReachesWaitPoint(callersWaitPoint, result);
-          },
-          [this](const CreateObserver::ResultType &result) { handleCreateNotification(result); }))
+    , observer(makeObserver(callersWaitPoint,
+                            [this](const ResultType &result) { handleCreateNotification(result); }))
 { }
 
 CreateObserver::ResultType BackendCreateTask::runCreate()
@@ -128,18 +123,7 @@ CreateObserver::ResultType BackendCreateTask::runCreate()
     if (exists)
         return observer->getResult();
 
-    bool created = false;
-    std::exception_ptr failure;
-    try {
-        created = createBackend(parent);
-    } catch (...) {
-        // Who waits and who listens must hear of the end first; run() then logs the exception.
-        failure = std::current_exception();
-    }
-    observer->report({CreatePoint::Done, created});
-    if (failure)
-        std::rethrow_exception(failure);
-    return observer->getResult();
+    return reportOutcome(*observer, [&] { return createBackend(parent); });
 }
 
 std::shared_ptr<CreateObserver> BackendCreateTask::getObserver()

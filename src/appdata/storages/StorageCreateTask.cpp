@@ -16,8 +16,6 @@
 
 #include <QMutexLocker>
 
-#include <exception>
-
 namespace Tessellum::AppData::Storages {
 
 using AppData::utils::RepositoryProvider;
@@ -108,11 +106,8 @@ StorageCreateTask::StorageCreateTask(const Examiners &createExaminer,
                                      const QVariant &createData, const CreatePoint &waitPoint)
     : CreateTask(parent, name, createData)
     , examiner(createExaminer)
-    , observer(std::make_shared<CreateObserver>(
-          [waitPoint](const CreateObserver::ResultType &result) {
-              return Notification::ReachesWaitPoint(waitPoint, result);
-          },
-          [this](const CreateObserver::ResultType &result) { handleCreateNotification(result); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &result) { handleCreateNotification(result); }))
 { }
 
 CreateObserver::ResultType StorageCreateTask::runCreate()
@@ -129,18 +124,7 @@ CreateObserver::ResultType StorageCreateTask::runCreate()
     if (!isFree)
         return observer->getResult();
 
-    bool created = false;
-    std::exception_ptr failure;
-    try {
-        created = createStorageInHierarchy(parent);
-    } catch (...) {
-        // Who waits and who listens must hear of the end first; run() then logs the exception.
-        failure = std::current_exception();
-    }
-    observer->report({CreatePoint::Done, created});
-    if (failure)
-        std::rethrow_exception(failure);
-    return observer->getResult();
+    return reportOutcome(*observer, [&] { return createStorageInHierarchy(parent); });
 }
 
 std::shared_ptr<CreateObserver> StorageCreateTask::getObserver()

@@ -81,9 +81,8 @@ StorageDeleteTask::StorageDeleteTask(const Examiners &deleteExaminer,
                                      const QVariant &deleteData, const DeletePoint &waitPoint)
     : DeleteTask(node, taskPath, deleteData)
     , examiner(deleteExaminer)
-    , observer(std::make_shared<DeleteObserver>(
-          [waitPoint](const ResultType &report) { return Notification::ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleDeleteNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleDeleteNotification(report); }))
 { }
 
 DeleteObserver::ResultType StorageDeleteTask::runDelete()

@@ -49,9 +49,8 @@ ElementUpdateTask::ElementUpdateTask(const Examiners &updateExaminer,
                                      const UpdatePoint &waitPoint)
     : UpdateTask(element, newValue)
     , examiner(updateExaminer)
-    , observer(std::make_shared<UpdateObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleUpdateNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleUpdateNotification(report); }))
 { }
 
 std::shared_ptr<UpdateObserver> ElementUpdateTask::getObserver()

@@ -3,9 +3,9 @@
 #include <appdata/data/elements/ElementsFactory.h>
 #include <appdata/data/elements/parsers/CallParser.h>
 #include <appdata/data/elements/utils/ElementPaths.h>
-#include <appdata/DataTypeStrings.h>
 #include <appdata/data/entries/utils/PairLinks.h>
 #include <appdata/data/entries/utils/RingOrder.h>
+#include <appdata/DataTypeStrings.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageImplementation.h>
 #include <appdata/storages/utils/CallMedium.h>
@@ -91,9 +91,8 @@ ElementsCreateTask::ElementsCreateTask(const Examiners &createExaminer,
     , singleCreate(IsSingle(data))
     , tracker(std::make_shared<PendingCreateCounterTracker>(std::dynamic_pointer_cast<Entry>(parent.lock()),
                                                             NumberOf(data)))
-    , observer(std::make_shared<CreateObserver>(
-          [waitPoint](const ResultType &result) { return ReachesWaitPoint(waitPoint, result); },
-          [this](const ResultType &result) { handleCreateNotification(result); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &result) { handleCreateNotification(result); }))
 { }
 
 ElementsCreateTask::~ElementsCreateTask()

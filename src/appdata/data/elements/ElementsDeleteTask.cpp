@@ -17,9 +17,8 @@ ElementsDeleteTask::ElementsDeleteTask(const Examiners &deleteExaminer,
                                        const QVariant &deleteData, const DeletePoint &waitPoint)
     : DeleteTask(element, taskPath, deleteData)
     , examiner(deleteExaminer)
-    , observer(std::make_shared<DeleteObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleDeleteNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleDeleteNotification(report); }))
 { }
 
 DeleteObserver::ResultType ElementsDeleteTask::runDelete()

@@ -78,9 +78,8 @@ EntryCreateTask::EntryCreateTask(const Examiners &createExaminer, const std::wea
                                  const CreatePoint &waitPoint)
     : CreateTask(parent, taskPath, createData)
     , examiner(createExaminer)
-    , observer(std::make_shared<CreateObserver>(
-          [waitPoint](const ResultType &result) { return ReachesWaitPoint(waitPoint, result); },
-          [this](const ResultType &result) { handleCreateNotification(result); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &result) { handleCreateNotification(result); }))
 { }
 
 CreateObserver::ResultType EntryCreateTask::runCreate()

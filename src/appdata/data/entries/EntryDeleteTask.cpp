@@ -25,9 +25,8 @@ EntryDeleteTask::EntryDeleteTask(Notification::ThreadPool &taskPool, const Exami
     : DeleteTask(entry, taskPath, deleteData)
     , pool(taskPool)
     , examiner(deleteExaminer)
-    , observer(std::make_shared<DeleteObserver>(
-          [waitPoint](const ResultType &report) { return ReachesWaitPoint(waitPoint, report); },
-          [this](const ResultType &report) { handleDeleteNotification(report); }))
+    , observer(
+          makeObserver(waitPoint, [this](const ResultType &report) { handleDeleteNotification(report); }))
 { }
 
 DeleteObserver::ResultType EntryDeleteTask::runDelete()
