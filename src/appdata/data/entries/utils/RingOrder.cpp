@@ -10,7 +10,6 @@ using Elements::Element;
 void PointRingAtOldest(Entry &entry)
 {
     const quint64 capacity = entry.getCapacity();
-    const Shared::Synchronization::ScopedLock lock(&entry);
     const auto children = entry.getChildren(false);
     if (capacity == 0 || quint64(children.size()) < capacity)
         return;
@@ -29,6 +28,8 @@ void PointRingAtOldest(Entry &entry)
         smallest = stamp;
         oldest = quint64(child - children.cbegin());
     }
+    // Not while the elements are read, which may be busy with their medium.
+    const Shared::Synchronization::ScopedLock lock(&entry);
     quint64 &counter = entry.dataLocked().serialize.addCounter;
     counter += (capacity - counter % capacity) % capacity + oldest;
 }
