@@ -1,6 +1,7 @@
 #include "../support/LogCapture.h"
 
 #include <appdata/data/elements/ElementUpdateData.h>
+#include <appdata/data/entries/EntryDeserializeInformation.h>
 #include <appdata/DataMetatypes.h>
 #include <appdata/DataTypeStrings.h>
 

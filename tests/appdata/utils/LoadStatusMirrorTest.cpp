@@ -50,7 +50,7 @@ void LoadStatusMirrorTest::lastStatusIsShown()
     const auto entry = hangIn("uuid");
     QCOMPARE(entry->getLoadStatus(), LoadStatus::NotLoaded);
     // Whatever the order of the tasks, what the node has at last is what is shown at last.
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 20; ++round) {
         std::thread other([&] { entry->setLoadStatus(LoadStatus::CurrentlyUnloading); });
         entry->setLoadStatus(LoadStatus::CurrentlyLoading);
         other.join();
@@ -71,7 +71,7 @@ void LoadStatusMirrorTest::statusOfZeroIsRefused()
 void LoadStatusMirrorTest::nothingStaysOfARemovedEntry()
 {
     // Removed while the attribute is on its way, and after.
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 20; ++round) {
         const QString uuid = QString::number(round);
         const auto entry = hangIn(uuid);
         entry->setLoadStatus(LoadStatus::Loaded);
