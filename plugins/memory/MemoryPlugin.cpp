@@ -1,21 +1,15 @@
 #include "MemoryStorage.h"
 
-#include <appdata/storages/StorageFactory.h>
+#include <appdata/storages/StoragePlugin.h>
 #include <appdata/storages/StorageTypes.h>
 
-namespace Shared::VersionInformation {
-class VersionInformation;
-}
+using Shared::VersionInformation::VersionInformation;
 
-using Tessellum::AppData::Storages::StorageFactory;
-
-/*! The one function that the library looks for; returns the number of keys entered. */
-extern "C" Q_DECL_EXPORT int
-registerStorageInstance(QList<Shared::VersionInformation::VersionInformation> *versions,
-                        StorageFactory *factory, const QString &libraryHash)
+int registerStorageInstance(QList<VersionInformation> *versions,
+                            Tessellum::AppData::Storages::StorageFactory *factory, const QString &)
 {
-    Q_UNUSED(versions)
-    Q_UNUSED(libraryHash)
+    versions->append(VersionInformation(QStringLiteral("MemoryStorage"),
+                                        QStringLiteral(":/MemoryStorage.vft"), QString()));
     return Tessellum::AppData::Storages::RegisterStorage<Tessellum::Plugins::Memory::MemoryStorage>(
         *factory, Tessellum::AppData::Storages::StorageTypes::Memory());
 }

@@ -97,23 +97,23 @@ WriteQueue::Outcome SqlWriter::writeGroup(SqlConnection &connection, const Write
 bool SqlWriter::writeRange(SqlConnection &connection, const Write *first, const Write *last)
 {
     int missed = 0;
-    if (connection.begin()) {
-        if (medium.dialect.write(connection, known, first, last, missed) && connection.commit()) {
-            if (missed > 0) {
-                FrameworkLog().warning() << "SqlWriter::writeRange() storage '" << medium.name
-                                         << "': " << missed << " writes found their entry or element removed";
-            }
-            return true;
-        }
+    const bool written = connection.begin() && medium.dialect.write(connection, known, first, last, missed)
+        && connection.commit();
+    if (!written)
         connection.rollback();
-    }
-    // What the transaction has made known is not there.
+    if (written && missed == 0)
+        return true;
+    // What is known of these entries is not as the medium has it.
     QSet<QString> entries;
     for (const Write *write = first; write != last; ++write)
         entries.insert(write->entry);
     for (const QString &entry : qAsConst(entries))
         known.forget(entry);
-    return false;
+    if (missed > 0 && written) {
+        FrameworkLog().warning() << "SqlWriter::writeRange() storage '" << medium.name << "': " << missed
+                                 << " writes found their entry or element removed";
+    }
+    return written;
 }
 
 void SqlWriter::writeOneByOne(SqlConnection &connection, const WriteGroup &group,

@@ -68,7 +68,9 @@ bool FailCut(SqlConnection &connection)
     const QVariant text = connection.value(QStringLiteral("PRAGMA quick_check(1)"));
     if (connection.lastError())
         return false;
-    return connection.fail(QStringLiteral("database disk image is malformed: ") + text.toString());
+    const QString result = text.toString();
+    return connection.fail(result == QLatin1String("ok") ? QStringLiteral("database disk image is malformed")
+                                                         : result);
 }
 
 // All rows of an entry, which become known; an id of -1 where there is no such entry.
@@ -225,10 +227,11 @@ bool SqliteDialect::readElements(SqlConnection &connection, KnownElements &known
         return true;
     // By the row alone: the index by stamp would sort the whole entry.
     QSqlQuery *query = connection.run(
-        QStringLiteral("SELECT ") + elementColumns(withRaw, QStringLiteral("?1"))
-            + QStringLiteral(" FROM tessellum_elements t WHERE t.id BETWEEN ?1 AND ?2 AND +t.entry = ?3 "
+        QStringLiteral("SELECT ") + elementColumns(withRaw, QStringLiteral("f.id"))
+            + QStringLiteral(" FROM (SELECT ? AS id, ? AS entry) f CROSS JOIN tessellum_elements t "
+                             "WHERE t.id BETWEEN f.id AND f.id + ? AND +t.entry = f.entry "
                              "ORDER BY t.id"),
-        {row, row + span, entryId});
+        {row, entryId, span});
     while (query && query->next())
         rows.push_back(readRow(*query, withRaw));
     return connection.finish(query);

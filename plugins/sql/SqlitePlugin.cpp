@@ -1,16 +1,12 @@
 #include "SqliteDialect.h"
 #include "SqlStorage.h"
 
-#include <appdata/storages/StorageFactory.h>
+#include <appdata/storages/StoragePlugin.h>
 #include <appdata/storages/StorageTypes.h>
 
-namespace Shared::VersionInformation {
-class VersionInformation;
-}
+using Shared::VersionInformation::VersionInformation;
 
 namespace {
-
-using Tessellum::AppData::Storages::StorageFactory;
 
 class SqliteStorage : public Tessellum::Plugins::Sql::SqlStorage
 {
@@ -23,13 +19,11 @@ public:
 
 } // namespace
 
-/*! The one function that the library looks for; returns the number of keys entered. */
-extern "C" Q_DECL_EXPORT int
-registerStorageInstance(QList<Shared::VersionInformation::VersionInformation> *versions,
-                        StorageFactory *factory, const QString &libraryHash)
+int registerStorageInstance(QList<VersionInformation> *versions,
+                            Tessellum::AppData::Storages::StorageFactory *factory, const QString &)
 {
-    Q_UNUSED(versions)
-    Q_UNUSED(libraryHash)
+    versions->append(VersionInformation(QStringLiteral("SqliteStorage"),
+                                        QStringLiteral(":/SqliteStorage.vft"), QString()));
     return Tessellum::AppData::Storages::RegisterStorage<SqliteStorage>(
         *factory, Tessellum::AppData::Storages::StorageTypes::Sqlite());
 }

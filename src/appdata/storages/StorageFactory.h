@@ -11,16 +11,7 @@
 
 namespace Tessellum::AppData::Storages {
 
-/*!
- * The table of storage classes by type key. A storage plug-in exports one function, which enters its classes
- * here and returns their number of keys:
- *
- *     extern "C" int registerStorageInstance(QList<Shared::VersionInformation::VersionInformation> *versions,
- *                                            Tessellum::AppData::Storages::StorageFactory *factory,
- *                                            const QString &libraryHash);
- *
- * It is called with the repository locked: it must not wait for anything that the repository does.
- */
+/*! The table of storage classes by type key. */
 using StorageFactory
     = Shared::Factory<StorageImplementation, QString, std::shared_ptr<StorageImplementation>,
                       std::function<std::shared_ptr<StorageImplementation>(const StorageCreateData &)>>;

@@ -1,0 +1,106 @@
+#include "PostgresServer.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QThread>
+
+#include <pwd.h>
+#include <signal.h>
+#include <unistd.h>
+
+namespace TestSupport {
+
+namespace {
+
+constexpr int Patience = 60000; // milliseconds
+
+QString Program(const QString &name)
+{
+    const QDir versions(QStringLiteral("/usr/lib/postgresql"));
+    const QStringList found = versions.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    return found.isEmpty() ? name : versions.filePath(found.last() + QStringLiteral("/bin/") + name);
+}
+
+// The server refuses to run as root. Whatever becomes of the test, its server ends too.
+QStringList AsServersUser(const QStringList &command)
+{
+    QStringList arguments{QStringLiteral("--pdeathsig"), QStringLiteral("INT")};
+    if (geteuid() == 0) {
+        arguments << QStringLiteral("--reuid=postgres") << QStringLiteral("--regid=postgres")
+                  << QStringLiteral("--clear-groups");
+    }
+    return arguments + command;
+}
+
+} // namespace
+
+bool PostgresServer::initialize()
+{
+    if (geteuid() == 0) {
+        const passwd *user = getpwnam("postgres");
+        if (!user || chown(QFile::encodeName(folder()).constData(), user->pw_uid, user->pw_gid) != 0)
+            return false;
+    }
+    QProcess init;
+    init.setWorkingDirectory(folder());
+    init.start(
+        QStringLiteral("setpriv"),
+        AsServersUser({Program(QStringLiteral("initdb")), QStringLiteral("-D"),
+                       folder() + QStringLiteral("/data"), QStringLiteral("-U"), QStringLiteral("recorder"),
+                       QStringLiteral("--auth=trust"), QStringLiteral("-E"), QStringLiteral("UTF8"),
+                       QStringLiteral("--no-locale"), QStringLiteral("--no-sync")}));
+    initialized = init.waitForFinished(Patience) && init.exitCode() == 0;
+    if (!initialized)
+        qWarning("%s", init.readAllStandardError().constData());
+    return initialized;
+}
+
+bool PostgresServer::start()
+{
+    if (server.state() != QProcess::NotRunning)
+        return true;
+    if (!directory.isValid() || (!initialized && !initialize()))
+        return false;
+    server.setWorkingDirectory(folder());
+    server.setStandardOutputFile(folder() + QStringLiteral("/log"));
+    server.setProcessChannelMode(QProcess::MergedChannels);
+    server.start(QStringLiteral("setpriv"),
+                 AsServersUser({Program(QStringLiteral("postgres")), QStringLiteral("-D"),
+                                folder() + QStringLiteral("/data"), QStringLiteral("-k"), folder(),
+                                QStringLiteral("-c"), QStringLiteral("listen_addresses=")}));
+    const QDeadlineTimer deadline(Patience);
+    while (!isReady()) {
+        if (deadline.hasExpired() || server.state() == QProcess::NotRunning)
+            return false;
+        QThread::msleep(20);
+    }
+    return true;
+}
+
+void PostgresServer::stop(bool hard)
+{
+    if (server.state() == QProcess::NotRunning)
+        return;
+    // Without waiting for the clients to leave.
+    kill(pid_t(server.processId()), hard ? SIGQUIT : SIGINT);
+    if (!server.waitForFinished(Patience))
+        server.kill();
+    server.waitForFinished();
+}
+
+bool PostgresServer::isReady() const
+{
+    return QProcess::execute(Program(QStringLiteral("pg_isready")),
+                             {QStringLiteral("-q"), QStringLiteral("-h"), folder(), QStringLiteral("-d"),
+                              QStringLiteral("postgres")})
+        == 0;
+}
+
+QUrl PostgresServer::url(const QString &schema, const QString &more) const
+{
+    return QUrl(QStringLiteral("postgresql://recorder:secret@/postgres?host=%1&schema=%2%3")
+                    .arg(folder(), schema, more));
+}
+
+} // namespace TestSupport
