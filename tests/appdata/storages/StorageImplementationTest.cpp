@@ -1,4 +1,4 @@
-#include <appdata/storages/utils/StorageInterfaceProvider.h>
+#include <appdata/storages/Storage.h>
 #include <appdata/support/StorageTwin.h>
 
 #include <QtTest>
@@ -34,12 +34,11 @@ public:
     UpdateType refused = UpdateType::Unknown;
 };
 
-std::shared_ptr<Storages::utils::StorageInterfaceProvider>
-MakeProvider(const std::shared_ptr<StorageTwin> &twin)
+std::shared_ptr<Storage> MakeProvider(const std::shared_ptr<StorageTwin> &twin)
 {
     StorageCreateDataDetails details;
     details.implementation = twin;
-    return Tessellum::Notification::utils::MakeNode<Storages::utils::StorageInterfaceProvider>(
+    return Tessellum::Notification::utils::MakeNode<Storage>(
         StorageCreateData(QStringLiteral("name"), QStringLiteral("twin"), QStringLiteral("label"), details));
 }
 
