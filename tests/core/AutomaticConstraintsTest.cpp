@@ -17,12 +17,10 @@ int runCopy()
         if (initializeLibrary() != 0)
             return 1;
         const auto repository = getCoreInterface()->getAppConfigRepository();
+        // The backend's name is listed once its validations are there.
         const bool loaded = QTest::qWaitFor(
-            [&repository] {
-                return repository->getValidationInterface()->getValidationIds().contains("small");
-            },
-            30000);
-        if (!loaded || !repository->getBackendInterface()->hasBackend("constraints"))
+            [&repository] { return repository->getBackendInterface()->hasBackend("constraints"); }, 30000);
+        if (!loaded || !repository->getValidationInterface()->getValidationIds().contains("small"))
             return 2;
         if (uninitializeLibrary() != 1)
             return 3;
