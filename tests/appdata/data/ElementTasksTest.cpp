@@ -7,6 +7,7 @@
 #include <appdata/data/elements/ElementsDeleteTask.h>
 #include <appdata/data/elements/ElementUpdateTask.h>
 #include <appdata/data/entries/utils/ElementTimeIndex.h>
+#include <appdata/data/utils/ElementRegistrationProvider.h>
 
 #include <QtTest>
 
@@ -23,6 +24,28 @@ using TestSupport::RunningDataRepository;
 using TestSupport::StorageTwin;
 using Operation = StorageTwin::Operation;
 using Fault = StorageTwin::Fault;
+
+namespace {
+
+/*! Knows only texts that are not "bad", and throws at "worse". */
+class PickyParser : public Interfaces::DataElementParserInterface
+{
+public:
+    QByteArray toRaw(const std::shared_ptr<QVariant> &value) const override
+    {
+        if (value->toString() == "worse")
+            throw std::runtime_error("worse");
+        return value->toByteArray();
+    }
+    std::shared_ptr<QVariant> parse(const QByteArray &raw) const override
+    {
+        if (raw == "worse")
+            throw std::runtime_error("worse");
+        return raw == "bad" ? nullptr : std::make_shared<QVariant>(QString::fromUtf8(raw));
+    }
+};
+
+} // namespace
 
 class ElementTasksTest : public QObject
 {
@@ -61,6 +84,11 @@ private:
     }
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(Data::utils::ElementRegistrationProvider().registerElement(
+            CategoryType::Text, "picky", [] { return std::make_shared<PickyParser>(); }));
+    }
     void init()
     {
         run = std::make_unique<RunningDataRepository>();
@@ -248,17 +276,28 @@ private Q_SLOTS:
 
     void failedUpdateEndsAtTheFirstFault()
     {
-        QVERIFY(run->create(stored, run->value(1, 1)));
-        const auto element = run->element(stored, 0);
+        auto record = run->record("picky", "disk");
+        record.category = {CategoryType::Text, "picky"};
+        const auto entry = run->addEntry(record);
+        ElementUpdateData data = run->value(1, 0);
+        data.setParsedData("good");
+        QVERIFY(run->create(entry, data));
+        const auto element = run->element(entry, 0);
         const Reports failed{{UpdatePoint::Check, UpdateResult::Ok},
                              {UpdatePoint::Apply, UpdateResult::ApplyFailed}};
-        ElementUpdateData data;
-        data.setActive(false);
-        data.setRawData("no double");
-        QCOMPARE(updates(element, data), failed);
+        for (const char *text : {"bad", "worse"}) {
+            ElementUpdateData bad;
+            bad.setActive(false);
+            bad.setRawData(text);
+            QCOMPARE(updates(element, bad), failed);
+            QCOMPARE(element->getLoadStatus(), LoadStatus::NotLoaded);
+        }
         QVERIFY(!element->isActive());
+        ElementUpdateData worse;
+        worse.setParsedData("worse");
+        QCOMPARE(updates(element, worse), failed);
         QCOMPARE(twin->calls(Operation::UpdateElement), 0);
-        QCOMPARE(run->parsed(stored, 0), 1.0); // unloaded, and read again from the medium
+        QCOMPARE(element->getQueryInterface()->getParsedData()->toString(), QString("good")); // read again
 
         ElementUpdateData unknown;
         unknown.insert(DataElementUpdateType(5), 1);
@@ -353,15 +392,13 @@ private Q_SLOTS:
             for (QString &path : paths)
                 path = sign + path + '.' + uuid + tail;
             paths.sort();
-            const auto sorted = [&] {
+            const auto ofElement = [&] {
                 const QMutexLocker lock(&mutex);
-                QStringList all = heard;
+                QStringList all = heard.filter(uuid).filter(QRegularExpression("^\\" + sign));
                 all.sort();
                 return all;
             };
-            QTRY_COMPARE(sorted(), paths);
-            const QMutexLocker lock(&mutex);
-            heard.clear();
+            QTRY_COMPARE_WITH_TIMEOUT(ofElement(), paths, 30000);
         };
         for (const auto &entry : {stored, fleeting}) {
             QVERIFY(run->create(entry, run->value(1, 1)));

@@ -174,9 +174,9 @@ private Q_SLOTS:
         const QString uuid = add(entry, 1, 1);
         add(entry, 2, 2);
         run->addEntry(run->record("speed"));
-        const auto second = utils::EntriesOfPair("plant.speed").value(1);
+        const auto second = Data::Entries::utils::EntriesOfPair("plant.speed").value(1);
         const QString other = add(second, 3, 3);
-        const auto pair = utils::FindPair("plant.speed");
+        const auto pair = Data::Entries::utils::FindPair("plant.speed");
         const auto ofPair = pair->getManipulationInterface();
         const auto ofEntry = entry->getManipulationInterface();
         const auto parsed = ElementValueKind::ParsedValue;

@@ -4,6 +4,7 @@
 
 #include <appdata/data/entries/EntryCreateTask.h>
 #include <appdata/memory_strategy/MemoryStrategyRepository.h>
+#include <shared/hierarchy/HierarchyStringPathLink.h>
 
 #include <QtTest>
 
@@ -97,7 +98,7 @@ private Q_SLOTS:
         QVERIFY(run->addEntry(run->record("speed", "second")));
         const QStringList both = link("speed");
         QCOMPARE(both.size(), 3);
-        const auto pair = utils::FindPair("plant.speed");
+        const auto pair = Data::Entries::utils::FindPair("plant.speed");
         QCOMPARE(both.first(), pair->getNodePath()->getFullPath());
         QCOMPARE(both.at(1), first->getNodePath()->getFullPath());
         QCOMPARE(pair->getLoadStatus(), LoadStatus::Loaded);
@@ -116,7 +117,7 @@ private Q_SLOTS:
         QCOMPARE(link("speed"), (QStringList{both.at(0), both.at(2)}));
         QCOMPARE(pair->getNumberOfChildren(), 0u);
         QCOMPARE(onMedium(), QStringList{info->uuid}); // the task does not tell the medium
-        QVERIFY(run->remove(utils::EntriesOfPair("plant.speed").first()));
+        QVERIFY(run->remove(Data::Entries::utils::EntriesOfPair("plant.speed").first()));
         QVERIFY(!root()->findChildByRelativePath("plant.speed"));
         QVERIFY(pair->isDeleteFlagSet());
     }
@@ -150,9 +151,9 @@ private Q_SLOTS:
         record = run->record("volatile", "disk");
         record.persistence = PersistenceType::Volatile;
         QVERIFY(run->create(root(), record));
-        QCOMPARE(utils::EntriesOfPair("plant.volatile").first()->getStorageName(), QString());
-        QVERIFY(
-            !run->addEntry(run->record("other"), utils::EntriesOfPair("plant.volatile").first()->getId()));
+        QCOMPARE(Data::Entries::utils::EntriesOfPair("plant.volatile").first()->getStorageName(), QString());
+        QVERIFY(!run->addEntry(run->record("other"),
+                               Data::Entries::utils::EntriesOfPair("plant.volatile").first()->getId()));
     }
 
     void pairOnTheWayToADeeperOne()
@@ -164,8 +165,8 @@ private Q_SLOTS:
         QCOMPARE(link("b").size(), 2);
         QVERIFY(run->remove(entry));
         QCOMPARE(link("b"), QStringList());
-        QCOMPARE(utils::FindPair("plant.b"), nullptr);
-        QCOMPARE(utils::EntriesOfPair("plant.b.c"), QList<std::shared_ptr<Entry>>{deeper});
+        QCOMPARE(Data::Entries::utils::FindPair("plant.b"), nullptr);
+        QCOMPARE(Data::Entries::utils::EntriesOfPair("plant.b.c"), QList<std::shared_ptr<Entry>>{deeper});
     }
 
     void storedEntriesComeWithTheirElements()
@@ -181,16 +182,16 @@ private Q_SLOTS:
         QCOMPARE(full->getNumberOfChildren(), 3u);
         QCOMPARE(full->copyData().serialize.pendingCreates.load(), 0u);
         QCOMPARE(run->parsed(full, 2), 2.0);
-        QCOMPARE(utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+        QCOMPARE(Data::Entries::utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
         QVERIFY(run->create(storage, stub("full"))); // is there
         QCOMPARE(link("full").size(), 2);
 
         // Taken off the tree and attached again: the pair shows the new elements.
-        utils::UnlinkEntryFromPair(full);
+        Data::Entries::utils::UnlinkEntryFromPair(full);
         full->setDeleteFlag();
         QVERIFY(run->create(storage, stub("full", LoadDataHint::LoadAtOnce)));
         QTRY_COMPARE(child("full")->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+        QCOMPARE(Data::Entries::utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
 
         // Elements that cannot be read, a medium that miscounts, a storage that has gone.
         store("broken", 2);
@@ -271,7 +272,7 @@ private Q_SLOTS:
     {
         run->addEntry(run->record("speed", "disk"));
         run->addEntry(run->record("speed"));
-        const auto pair = utils::FindPair("plant.speed");
+        const auto pair = Data::Entries::utils::FindPair("plant.speed");
         QVERIFY(run->remove(pair));
         QVERIFY(!root()->findChildByRelativePath("plant.speed"));
         QCOMPARE(storage->getNumberOfChildren(), 0u);

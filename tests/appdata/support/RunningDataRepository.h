@@ -11,6 +11,8 @@
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/PoolWait.h>
 
+#include <QDataStream>
+
 namespace TestSupport {
 
 /*! One run of both repositories, with storages that are twins. */
@@ -140,7 +142,9 @@ public:
     /*! The bytes of a double, as a storage keeps them. */
     static QByteArray raw(double number)
     {
-        return QByteArray(reinterpret_cast<const char *>(&number), sizeof(number));
+        QByteArray bytes;
+        QDataStream(&bytes, QIODevice::WriteOnly) << number;
+        return bytes;
     }
 
 private:
