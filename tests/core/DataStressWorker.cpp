@@ -186,13 +186,16 @@ void DataStressWorker::readOthers() const
     if (!data)
         return;
     for (const auto &entry : data->getDataEntryInterface()->getDataEntries(QStringLiteral("stress*"))) {
-        for (const auto &element :
-             entry->getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter())) {
-            element->getQueryInterface()->getParsedData();
+        const auto query = entry->getQueryInterface();
+        if (!query) // its owner has removed it
+            continue;
+        for (const auto &element : query->getElements(ActivationMask::All, Interfaces::PassThroughFilter())) {
+            if (const auto elementQuery = element->getQueryInterface())
+                elementQuery->getParsedData();
         }
         quint64 first = 0;
         quint64 last = 0;
-        entry->getQueryInterface()->getTimeSpan(first, last);
+        query->getTimeSpan(first, last);
     }
 }
 
