@@ -7,6 +7,7 @@
 
 #include <QtTest>
 
+#include <support/Literals.h>
 #include <thread>
 
 using namespace TestSupport;
@@ -221,5 +222,3 @@ private:
 
 QTEST_GUILESS_MAIN(NotificationHandleTest)
 #include "NotificationHandleTest.moc"
-
-#include <support/Literals.h>

@@ -38,8 +38,8 @@ public:
     {
         NodeList matches;
         if (literal) {
-            if (auto child = node.getChildById(text))
-                matches.append(std::move(child));
+            if (const auto child = node.getChildById(text))
+                matches.append(child);
             return matches;
         }
         matches = node.getChildren(false);

@@ -54,7 +54,7 @@ public:
     bool hasChild(const QString &id) const override;
     std::shared_ptr<HierarchyNode> findChildByRelativePath(const QString &path) override;
     std::shared_ptr<const HierarchyNode> findChildByRelativePath(const QString &path) const override;
-    bool addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index = nullptr) override;
+    bool addChild(const std::shared_ptr<HierarchyNode> &node, quint64 *index = nullptr) override;
     std::shared_ptr<const HierarchyStringPath> getNodePath() const override;
     std::shared_ptr<HierarchyNode> getParent() override;
     std::shared_ptr<const HierarchyNode> getParent() const override;

@@ -24,9 +24,7 @@ HierarchyStringPath::HierarchyStringPath(const std::shared_ptr<Base> &parentPath
     : Base(parentPath, separatorText, id)
 { }
 
-HierarchyStringPath::HierarchyStringPath(const HierarchyStringPath &other)
-    : Base(other)
-{ }
+HierarchyStringPath::HierarchyStringPath(const HierarchyStringPath &other) = default;
 
 HierarchyStringPath::~HierarchyStringPath() = default;
 

@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <support/Literals.h>
+
 using Shared::Hierarchy::HierarchyNode;
 using Shared::Hierarchy::HierarchyNodeInstance;
 using Wrapper = Shared::SettingsWrapper::SettingsWrapper;
@@ -12,9 +14,33 @@ class SettingsWrapperTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsAndWrites();
-    void withoutRoot();
-    void missingReader();
+    void readsAndWrites()
+    {
+        Wrapper settings(nullptr, makeTree(), reader, writer);
+        QCOMPARE(settings.getPathFromSectionAndKey(section, key), "section.key"_s);
+        QVERIFY(settings.hasEntry(section, key));
+        QVERIFY(!settings.hasEntry(section, section));
+        QVERIFY(settings.getRootNode().lock());
+
+        QVERIFY(settings.writeSetting<int>(section, key, 7));
+        QCOMPARE(settings.readSetting<int>(section, key, 1), 7);
+        QCOMPARE(settings.readSetting<QString>(section, key, QString()), "7"_s);
+        QCOMPARE(settings.readSetting<bool>(section, key, false), true);
+        // A value that does not convert is no missing value.
+        QVERIFY(settings.writeSetting<QString>(section, key, "x"_s));
+        QCOMPARE(settings.readSetting<int>(section, key, 1), 0);
+        QCOMPARE(settings.readSetting<int>(section, section, 1), 1);
+        QVERIFY(!settings.writeSetting<int>(section, section, 1));
+    }
+
+    void withoutRoot()
+    {
+        Wrapper settings(nullptr, nullptr, {}, {});
+        QVERIFY(!settings.hasEntry(section, key));
+        QCOMPARE(settings.readSetting<int>(section, key, 3), 3);
+        QVERIFY(!settings.writeSetting<bool>(section, key, true));
+        QVERIFY(settings.getRootNode().expired());
+    }
 
 private:
     using NodePointer = std::shared_ptr<HierarchyNode>;
@@ -26,14 +52,14 @@ private:
     static NodePointer makeTree()
     {
         const NodePointer root = makeNode(QString());
-        const NodePointer section = makeNode(QStringLiteral("section"));
+        const NodePointer section = makeNode("section"_s);
         root->addChild(section);
-        section->addChild(makeNode(QStringLiteral("key")));
+        section->addChild(makeNode("key"_s));
         return root;
     }
 
-    const QString section = QStringLiteral("section");
-    const QString key = QStringLiteral("key");
+    const QString section = "section"_s;
+    const QString key = "key"_s;
     QVariant stored;
     const Wrapper::Reader reader = [this](const std::shared_ptr<const HierarchyNode> &node, QVariant &value) {
         value = stored;
@@ -44,40 +70,6 @@ private:
         return node->getId() == key;
     };
 };
-
-void SettingsWrapperTest::readsAndWrites()
-{
-    Wrapper settings(nullptr, makeTree(), reader, writer);
-    QCOMPARE(settings.getPathFromSectionAndKey(section, key), QStringLiteral("section.key"));
-    QVERIFY(settings.hasEntry(section, key));
-    QVERIFY(!settings.hasEntry(section, section));
-    QVERIFY(settings.getRootNode().lock());
-
-    QVERIFY(settings.writeSetting<int>(section, key, 7));
-    QCOMPARE(settings.readSetting<int>(section, key, 1), 7);
-    QCOMPARE(settings.readSetting<QString>(section, key, QString()), QStringLiteral("7"));
-    QCOMPARE(settings.readSetting<bool>(section, key, false), true);
-    // A value that does not convert is no missing value.
-    QVERIFY(settings.writeSetting<QString>(section, key, QStringLiteral("x")));
-    QCOMPARE(settings.readSetting<int>(section, key, 1), 0);
-    QCOMPARE(settings.readSetting<int>(section, section, 1), 1);
-    QVERIFY(!settings.writeSetting<int>(section, section, 1));
-}
-
-void SettingsWrapperTest::withoutRoot()
-{
-    Wrapper settings(nullptr, nullptr, {}, {});
-    QVERIFY(!settings.hasEntry(section, key));
-    QCOMPARE(settings.readSetting<int>(section, key, 3), 3);
-    QVERIFY(!settings.writeSetting<bool>(section, key, true));
-    QVERIFY(settings.getRootNode().expired());
-}
-
-void SettingsWrapperTest::missingReader()
-{
-    const Wrapper settings(nullptr, makeTree(), {}, {});
-    QVERIFY_EXCEPTION_THROWN(settings.readSetting<int>(section, key, 3), std::bad_function_call);
-}
 
 QTEST_GUILESS_MAIN(SettingsWrapperTest)
 #include "SettingsWrapperTest.moc"

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include <support/Literals.h>
+
 using Shared::IsWildcardString;
 using Shared::WildcardStringCompare;
 
@@ -41,71 +43,38 @@ class StringHelpersTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void wildcardStrings();
-    void wildcards_data();
-    void wildcards();
-    void wildcardsOfAllShortTexts();
-    void wildcardsOfLongTexts();
-};
-
-void StringHelpersTest::wildcardStrings()
-{
-    QVERIFY(!IsWildcardString(QString()));
-    QVERIFY(!IsWildcardString(QStringLiteral("a.b[c]")));
-    QVERIFY(IsWildcardString(QStringLiteral("a.*")));
-    QVERIFY(IsWildcardString(QStringLiteral("?")));
-}
-
-void StringHelpersTest::wildcards_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<bool>("expected");
-    const auto row = [](const char *text, const char *pattern, bool expected) {
-        QTest::addRow("'%s' by '%s'", text, pattern)
-            << QString::fromLatin1(text) << QString::fromLatin1(pattern) << expected;
-    };
-    row("abc", "a*c", true);
-    row("abc", "a?c", true);
-    row("abc", "*", true);
-    row("", "*", true);
-    row("", "", true);
-    row("", "?", false);
-    row("abc", "ab", false);
-    row("ab", "abc", false);
-    row("abcbc", "a*bc", true);
-    row("x.b.b.b", "*.b.b", true);
-    row("x.a.a.a.a", "*.a.a.a", true);
-    row("Abc", "abc", false);
-}
-
-void StringHelpersTest::wildcards()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, pattern);
-    QTEST(Matches(text, pattern), "expected");
-    QVERIFY(!WildcardStringCompare(nullptr, pattern.constData()));
-    QVERIFY(!WildcardStringCompare(text.constData(), nullptr));
-}
-
-void StringHelpersTest::wildcardsOfAllShortTexts()
-{
-    const QStringList texts = AllWords(QStringLiteral("ab"), 5);
-    const QStringList patterns = AllWords(QStringLiteral("ab*?"), 5);
-    for (const QString &text : texts) {
-        for (const QString &pattern : patterns) {
-            if (Matches(text, pattern) != MatchesByDefinition(text, pattern))
-                QFAIL(qPrintable(QStringLiteral("'%1' by '%2'").arg(text, pattern)));
-        }
+    void wildcardStrings()
+    {
+        QVERIFY(!IsWildcardString(QString()));
+        QVERIFY(!IsWildcardString("a.b[c]"_s));
+        QVERIFY(IsWildcardString("a.*"_s));
+        QVERIFY(IsWildcardString("?"_s));
     }
-}
 
-void StringHelpersTest::wildcardsOfLongTexts()
-{
-    const QString text(100000, QLatin1Char('a'));
-    QVERIFY(Matches(text, QStringLiteral("*a*a*a*a*a*a*a*a*a*a*a*a")));
-    QVERIFY(!Matches(text, QStringLiteral("*a*a*a*a*a*a*a*a*a*a*a*ab")));
-}
+    void wildcardsOfAllShortTexts()
+    {
+        const QStringList texts = AllWords("ab"_s, 5);
+        const QStringList patterns = AllWords("ab*?"_s, 5);
+        for (const QString &text : texts) {
+            for (const QString &pattern : patterns) {
+                if (Matches(text, pattern) != MatchesByDefinition(text, pattern))
+                    QFAIL(qPrintable("'%1' by '%2'"_s.arg(text, pattern)));
+            }
+        }
+        QVERIFY(Matches("x.a.a.a.a", "*.a.a.a"));
+        QVERIFY(!Matches("Abc", "abc"));
+        const QChar *const nothing = nullptr;
+        QVERIFY(!WildcardStringCompare(nothing, QStringView(u"*").data()));
+        QVERIFY(!WildcardStringCompare(QStringView(u"a").data(), nothing));
+    }
+
+    void wildcardsOfLongTexts()
+    {
+        const QString text(100000, QLatin1Char('a'));
+        QVERIFY(Matches(text, "*a*a*a*a*a*a*a*a*a*a*a*a"_s));
+        QVERIFY(!Matches(text, "*a*a*a*a*a*a*a*a*a*a*a*ab"_s));
+    }
+};
 
 QTEST_GUILESS_MAIN(StringHelpersTest)
 #include "StringHelpersTest.moc"

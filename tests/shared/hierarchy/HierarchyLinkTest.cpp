@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <set>
+#include <support/Literals.h>
 #include <support/LogCapture.h>
 
 using namespace HierarchyTree;
@@ -15,7 +16,7 @@ using namespace Shared::Hierarchy;
 namespace {
 
 std::shared_ptr<HierarchyNodeLink> makeLink(const NodePointer &target, bool readOnly,
-                                            const QString &id = QStringLiteral("link"))
+                                            const QString &id = "link"_s)
 {
     return make<HierarchyNodeLink>(std::weak_ptr<HierarchyNode>(target), id, readOnly);
 }
@@ -27,239 +28,210 @@ class HierarchyLinkTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void writableLink();
-    void readOnlyLink();
-    void linkOutlivesTarget();
-    void linkAsParent();
-    void sharedTarget();
-    void linksInACycle();
-    void reference();
-    void referenceOutlivesTarget();
-    void constReference();
-    void queryThroughReference();
-    void pathLink();
-    void pathLinkInVariant();
-};
+    void writableLink()
+    {
+        const NodePointer root = make();
+        const NodePointer leaf = grow(root, "target.a.b"_s);
+        const NodePointer target = root->getChildById("target"_s);
+        const auto link = makeLink(target, false);
+        root->addChild(link);
+        QVERIFY(link->isLinked());
+        QCOMPARE(root->findChildByRelativePath("link"_s), NodePointer(link));
+        QCOMPARE(root->findChildByRelativePath("link.a.b"_s), leaf);
+        QCOMPARE(pathOf(link), "link"_s);
+        QCOMPARE(idsOf(ConstNode(link)->getChildren(false)), QStringList{"a"_s});
+        // What is not passed on shows the children of the link itself.
+        QVERIFY(NodePointer(link)->getChildren(false).isEmpty());
+        QCOMPARE(link->getNumberOfChildren(), quint64(0));
 
-void HierarchyLinkTest::writableLink()
-{
-    const NodePointer root = make();
-    const NodePointer leaf = grow(root, QStringLiteral("target.a.b"));
-    const NodePointer target = root->getChildById(QStringLiteral("target"));
-    const auto link = makeLink(target, false);
-    root->addChild(link);
-    QVERIFY(link->isLinked());
-    QCOMPARE(root->findChildByRelativePath(QStringLiteral("link")), NodePointer(link));
-    QCOMPARE(root->findChildByRelativePath(QStringLiteral("link.a.b")), leaf);
-    QCOMPARE(pathOf(link), QStringLiteral("link"));
-    QCOMPARE(idsOf(ConstNode(link)->getChildren(false)), QStringList{QStringLiteral("a")});
-    // What is not passed on shows the children of the link itself.
-    QVERIFY(NodePointer(link)->getChildren(false).isEmpty());
-    QCOMPARE(link->getNumberOfChildren(), quint64(0));
-
-    quint64 index = 0;
-    const NodePointer c = make(QStringLiteral("c"));
-    QVERIFY(link->addChild(c, &index));
-    QCOMPARE(index, quint64(1));
-    QCOMPARE(c->getParent(), target);
-    QCOMPARE(pathOf(c), QStringLiteral("target.c"));
-}
-
-void HierarchyLinkTest::readOnlyLink()
-{
-    const NodePointer root = make();
-    const NodePointer leaf = grow(root, QStringLiteral("target.a"));
-    const auto link = makeLink(root->getChildById(QStringLiteral("target")), true);
-    root->addChild(link);
-    QVERIFY(link->isReadOnly());
-    QVERIFY(!link->addChild(make(QStringLiteral("c"))));
-    QVERIFY(!root->findChildByRelativePath(QStringLiteral("link.a")));
-    QCOMPARE(ConstNode(root)->findChildByRelativePath(QStringLiteral("link.a")), ConstNode(leaf));
-    QCOMPARE(idsOf(ConstNode(link)->getChildren(true)), QStringList{QStringLiteral("a")});
-}
-
-void HierarchyLinkTest::linkOutlivesTarget()
-{
-    const auto link = makeLink(make(QStringLiteral("target")), false);
-    QVERIFY(!link->isLinked());
-    QVERIFY(ConstNode(link)->getChildren(true).isEmpty());
-    QVERIFY(!link->addChild(make(QStringLiteral("a"))));
-    QVERIFY(!link->findChildByRelativePath(QString()));
-    QCOMPARE(link->getId(), QStringLiteral("link"));
-}
-
-void HierarchyLinkTest::linkAsParent()
-{
-    const NodePointer root = make();
-    const NodePointer target = grow(root, QStringLiteral("target"));
-    const NodePointer x = grow(root, QStringLiteral("x"));
-    const auto link = makeLink(makeLink(target, false), false);
-    // A link to a link that has gone refuses, and leaves the node without a parent.
-    QVERIFY(!x->setParent(link, false));
-    QVERIFY(!x->getParent());
-    QVERIFY(!root->hasChild(QStringLiteral("x")));
-
-    const auto near = makeLink(target, false);
-    const auto far = makeLink(near, false);
-    QVERIFY(x->setParent(far, false));
-    QCOMPARE(x->getParent(), target);
-    QCOMPARE(pathOf(x), QStringLiteral("target.x"));
-    QVERIFY(x->setParent({}, false));
-    QCOMPARE(target->getNumberOfChildren(), quint64(0));
-
-    root->addChild(x);
-    QVERIFY(!x->setParent(makeLink(target, true), false));
-    QVERIFY(!x->getParent());
-    // A way round over a link is none.
-    const NodePointer below = grow(target, QStringLiteral("below"));
-    QVERIFY(!target->setParent(makeLink(below, false), false));
-    QCOMPARE(target->getParent(), root);
-}
-
-void HierarchyLinkTest::sharedTarget()
-{
-    const NodePointer root = make();
-    grow(root, QStringLiteral("target.leaf"));
-    const NodePointer target = root->getChildById(QStringLiteral("target"));
-    root->addChild(makeLink(target, true, QStringLiteral("l1")));
-    root->addChild(makeLink(target, true, QStringLiteral("l2")));
-    QCOMPARE(idsOf(ConstNode(root)->getChildren(true)).join(QLatin1Char(' ')),
-             QStringLiteral("target l1 l2 leaf leaf leaf"));
-}
-
-void HierarchyLinkTest::linksInACycle()
-{
-    const NodePointer root = make();
-    // Each place has a link to each other one, itself included: the ways through them are without end.
-    constexpr int Places = 12;
-    for (int place = 0; place < Places; ++place)
-        grow(root, QStringLiteral("place%1").arg(place));
-    const QList<NodePointer> places = root->getChildren(false);
-    for (int from = 0; from < Places; ++from) {
-        for (int to = 0; to < Places; ++to)
-            places[from]->addChild(makeLink(places[to], false, QStringLiteral("to%1").arg(to)));
+        quint64 index = 0;
+        const NodePointer c = make("c"_s);
+        QVERIFY(link->addChild(c, &index));
+        QCOMPARE(index, quint64(1));
+        QCOMPARE(c->getParent(), target);
+        QCOMPARE(pathOf(c), "target.c"_s);
     }
-    const QList<ConstNode> all = ConstNode(root)->getChildren(true);
-    QCOMPARE(std::set<ConstNode>(all.begin(), all.end()).size(), size_t(Places + Places * Places));
-    QCOMPARE(root->queryChildren<HierarchyNode>(QStringLiteral("*")).size(), Places + Places * Places);
 
-    // The way there and back again, as long as a path may be.
-    const QString path = QStringLiteral("place0") + QStringLiteral(".to1.to0").repeated(Deep / 2);
-    QCOMPARE(root->findChildByRelativePath(path), places[1]->getChildById(QStringLiteral("to0")));
-    QCOMPARE(ConstNode(root)->findChildByRelativePath(path + QLatin1Char('.')), ConstNode(places[0]));
-}
+    void readOnlyLink()
+    {
+        const NodePointer root = make();
+        const NodePointer leaf = grow(root, "target.a"_s);
+        const auto link = makeLink(root->getChildById("target"_s), true);
+        root->addChild(link);
+        QVERIFY(link->isReadOnly());
+        QVERIFY(!link->addChild(make("c"_s)));
+        QVERIFY(!root->findChildByRelativePath("link.a"_s));
+        QCOMPARE(ConstNode(root)->findChildByRelativePath("link.a"_s), ConstNode(leaf));
+        QCOMPARE(idsOf(ConstNode(link)->getChildren(true)), QStringList{"a"_s});
+    }
 
-void HierarchyLinkTest::reference()
-{
-    const NodePointer root = make();
-    grow(root, QStringLiteral("target.a.b"));
-    const auto target
-        = std::dynamic_pointer_cast<HierarchyNodeInstance>(root->getChildById(QStringLiteral("target")));
-    const auto shown = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(target));
-    QVERIFY(!shown->isEmpty());
-    QCOMPARE(shown->getId(), QStringLiteral("target"));
-    QCOMPARE(shown->getNodePath(), target->getNodePath());
-    QCOMPARE(NodePointer(shown)->getParent(), root);
-    QCOMPARE(shown->getNumberOfChildren(), quint64(1));
-    QVERIFY(NodePointer(shown)->hasChild(QStringLiteral("a")));
-    QCOMPARE(idsOf(NodePointer(shown)->getChildren(true)),
-             (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
-    QCOMPARE(shown->findChildByRelativePath(QString()), NodePointer(target));
-    QVERIFY(shown->addChild(make(QStringLiteral("c"))));
-    QVERIFY(target->hasChild(QStringLiteral("c")));
-    const NodePointer x = make(QStringLiteral("x"));
-    QVERIFY(x->setParent(shown, false));
-    QCOMPARE(x->getParent(), NodePointer(target));
-    const TestSupport::LogCapture log;
-    QVERIFY(!root->addChild(shown));
-    QCOMPARE(
-        log.lines(),
-        QStringList{QStringLiteral("WARNING HierarchyNodeInstance::addChild() Trying to add existing child: "
-                                   "'target' to ''")});
-    QVERIFY(!make()->addChild(shown)); // it has no place of its own
+    void linkOutlivesTarget()
+    {
+        const auto link = makeLink(make("target"_s), false);
+        QVERIFY(!link->isLinked());
+        QVERIFY(ConstNode(link)->getChildren(true).isEmpty());
+        QVERIFY(!link->addChild(make("a"_s)));
+        QVERIFY(!link->findChildByRelativePath(QString()));
+        QCOMPARE(link->getId(), "link"_s);
+    }
 
-    QVERIFY(!shown->isReferenceDeleteFlagSet());
-    QVERIFY(shown->setReferenceDeleteFlag());
-    QVERIFY(target->isDeleteFlagSet());
-    QVERIFY(shown->isReferenceDeleteFlagSet());
-    QVERIFY(!shown->isDeleteFlagSet());
-}
+    void linkAsParent()
+    {
+        const NodePointer root = make();
+        const NodePointer target = grow(root, "target"_s);
+        const NodePointer x = grow(root, "x"_s);
+        const auto link = makeLink(makeLink(target, false), false);
+        // A link to a link that has gone refuses, and leaves the node without a parent.
+        QVERIFY(!x->setParent(link, false));
+        QVERIFY(!x->getParent());
+        QVERIFY(!root->hasChild("x"_s));
 
-void HierarchyLinkTest::referenceOutlivesTarget()
-{
-    const auto shown
-        = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(make(QStringLiteral("target"))));
-    QVERIFY(shown->isEmpty());
-    QCOMPARE(shown->getId(), QString());
-    QVERIFY(!shown->getNodePath());
-    QVERIFY(!NodePointer(shown)->getParent());
-    QCOMPARE(shown->getNumberOfChildren(), quint64(0));
-    QVERIFY(!shown->addChild(make(QStringLiteral("a"))));
-    QVERIFY(!shown->findChildByRelativePath(QString()));
-    QVERIFY(shown->isReferenceDeleteFlagSet());
-    QVERIFY(!shown->setReferenceDeleteFlag());
-}
+        const auto near = makeLink(target, false);
+        const auto far = makeLink(near, false);
+        QVERIFY(x->setParent(far, false));
+        QCOMPARE(x->getParent(), target);
+        QCOMPARE(pathOf(x), "target.x"_s);
+        QVERIFY(x->setParent({}, false));
+        QCOMPARE(target->getNumberOfChildren(), quint64(0));
 
-void HierarchyLinkTest::constReference()
-{
-    const auto target = make(QStringLiteral("target"));
-    grow(target, QStringLiteral("a"));
-    const auto shown = make<HierarchyNodeReference>(std::weak_ptr<const HierarchyNodeInstance>(target));
-    QCOMPARE(shown->getNumberOfChildren(), quint64(1));
-    QVERIFY(ConstNode(shown)->findChildByRelativePath(QStringLiteral("a")));
-    QVERIFY(!NodePointer(shown)->findChildByRelativePath(QStringLiteral("a")));
-    QVERIFY(!shown->addChild(make(QStringLiteral("b"))));
-    QVERIFY(!shown->setReferenceDeleteFlag());
-}
+        root->addChild(x);
+        QVERIFY(!x->setParent(makeLink(target, true), false));
+        QVERIFY(!x->getParent());
+        // A way round over a link is none.
+        const NodePointer below = grow(target, "below"_s);
+        QVERIFY(!target->setParent(makeLink(below, false), false));
+        QCOMPARE(target->getParent(), root);
+    }
 
-void HierarchyLinkTest::queryThroughReference()
-{
-    const auto target = make(QStringLiteral("target"));
-    grow(target, QStringLiteral("a.b"));
-    const auto shown = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(target));
-    for (const char *pattern : {"a.b", "*.b", "a.?"})
-        QCOMPARE(idsOf(shown->queryChildren<HierarchyNode>(QString::fromLatin1(pattern))),
-                 QStringList{QStringLiteral("b")});
-}
+    void sharedTarget()
+    {
+        const NodePointer root = make();
+        grow(root, "target.leaf"_s);
+        const NodePointer target = root->getChildById("target"_s);
+        root->addChild(makeLink(target, true, "l1"_s));
+        root->addChild(makeLink(target, true, "l2"_s));
+        QCOMPARE(idsOf(ConstNode(root)->getChildren(true)).join(QLatin1Char(' ')),
+                 "target l1 l2 leaf leaf leaf"_s);
+    }
 
-void HierarchyLinkTest::pathLink()
-{
-    const auto path = [](const char *id) {
-        return std::make_shared<const HierarchyStringPath>(nullptr, QStringLiteral("."),
-                                                           QString::fromLatin1(id));
-    };
-    const auto a = path("a");
-    const auto sameText = path("a");
-    auto b = path("b");
-    HierarchyStringPathLink link(a);
-    QVERIFY(!link.add(sameText));
-    QVERIFY(link.add(b));
-    QVERIFY(link.contains(sameText));
-    QCOMPARE(QString(link), QStringLiteral("a"));
-    QVERIFY(link.remove(sameText));
-    QVERIFY(!link.remove(sameText));
-    b.reset();
-    QCOMPARE(QString(link), QString());
-    QVERIFY(!link.contains(HierarchyStringPathLink::Target()));
-    QCOMPARE(link.cleanup(), 1);
-    QVERIFY(link.isEmpty());
-    QVERIFY(link.pop().expired());
-    link.add(a);
-    QCOMPARE(link.pop().lock(), a);
-    QVERIFY(link.isEmpty());
-}
+    void linksInACycle()
+    {
+        const NodePointer root = make();
+        // Each place has a link to each other one, itself included: the ways through them are without end.
+        constexpr int Places = 12;
+        for (int place = 0; place < Places; ++place)
+            grow(root, "place%1"_s.arg(place));
+        const QList<NodePointer> places = root->getChildren(false);
+        for (int from = 0; from < Places; ++from) {
+            for (int to = 0; to < Places; ++to)
+                places[from]->addChild(makeLink(places[to], false, "to%1"_s.arg(to)));
+        }
+        const QList<ConstNode> all = ConstNode(root)->getChildren(true);
+        QCOMPARE(std::set<ConstNode>(all.begin(), all.end()).size(), size_t(Places + Places * Places));
+        QCOMPARE(root->queryChildren<HierarchyNode>("*"_s).size(), Places + Places * Places);
 
-void HierarchyLinkTest::pathLinkInVariant()
-{
-    const NodePointer root = make();
-    const NodePointer leaf = grow(root, QStringLiteral("x.y"));
-    const QVariant value = QVariant::fromValue(HierarchyStringPathLink(leaf->getNodePath()));
-    QCOMPARE(value.typeName(), "Shared::Hierarchy::HierarchyStringPathLink");
-    QVERIFY(value.canConvert<QString>());
-    QCOMPARE(value.toString(), QStringLiteral("x.y"));
-    leaf->setParent(root, false);
-    QCOMPARE(value.toString(), QStringLiteral("y"));
-}
+        // The way there and back again, as long as a path may be.
+        const QString path = "place0"_s + ".to1.to0"_s.repeated(Deep / 2);
+        QCOMPARE(root->findChildByRelativePath(path), places[1]->getChildById("to0"_s));
+        QCOMPARE(ConstNode(root)->findChildByRelativePath(path + QLatin1Char('.')), ConstNode(places[0]));
+    }
+
+    void reference()
+    {
+        const NodePointer root = make();
+        grow(root, "target.a.b"_s);
+        const auto target = std::dynamic_pointer_cast<HierarchyNodeInstance>(root->getChildById("target"_s));
+        const auto shown = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(target));
+        QVERIFY(!shown->isEmpty());
+        QCOMPARE(shown->getId(), "target"_s);
+        QCOMPARE(shown->getNodePath(), target->getNodePath());
+        QCOMPARE(NodePointer(shown)->getParent(), root);
+        QCOMPARE(shown->getNumberOfChildren(), quint64(1));
+        QVERIFY(NodePointer(shown)->hasChild("a"_s));
+        QCOMPARE(idsOf(NodePointer(shown)->getChildren(true)), (QStringList{"a"_s, "b"_s}));
+        QCOMPARE(shown->findChildByRelativePath(QString()), NodePointer(target));
+        QVERIFY(shown->addChild(make("c"_s)));
+        QVERIFY(target->hasChild("c"_s));
+        const NodePointer x = make("x"_s);
+        QVERIFY(x->setParent(shown, false));
+        QCOMPARE(x->getParent(), NodePointer(target));
+        for (const char *pattern : {"a.b", "*.b", "a.?"})
+            QCOMPARE(idsOf(shown->queryChildren<HierarchyNode>(pattern)), QStringList("b"));
+        const TestSupport::LogCapture log;
+        QVERIFY(!root->addChild(shown));
+        QCOMPARE(log.lines(),
+                 QStringList{"WARNING HierarchyNodeInstance::addChild() Trying to add existing child: "
+                             "'target' to ''"_s});
+        QVERIFY(!make()->addChild(shown)); // it has no place of its own
+
+        QVERIFY(!shown->isReferenceDeleteFlagSet());
+        QVERIFY(shown->setReferenceDeleteFlag());
+        QVERIFY(target->isDeleteFlagSet());
+        QVERIFY(shown->isReferenceDeleteFlagSet());
+        QVERIFY(!shown->isDeleteFlagSet());
+    }
+
+    void referenceOutlivesTarget()
+    {
+        const auto shown
+            = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(make("target"_s)));
+        QVERIFY(shown->isEmpty());
+        QCOMPARE(shown->getId(), QString());
+        QVERIFY(!shown->getNodePath());
+        QVERIFY(!NodePointer(shown)->getParent());
+        QCOMPARE(shown->getNumberOfChildren(), quint64(0));
+        QVERIFY(!shown->addChild(make("a"_s)));
+        QVERIFY(!shown->findChildByRelativePath(QString()));
+        QVERIFY(shown->isReferenceDeleteFlagSet());
+        QVERIFY(!shown->setReferenceDeleteFlag());
+    }
+
+    void constReference()
+    {
+        const auto target = make("target"_s);
+        grow(target, "a"_s);
+        const auto shown = make<HierarchyNodeReference>(std::weak_ptr<const HierarchyNodeInstance>(target));
+        QCOMPARE(shown->getNumberOfChildren(), quint64(1));
+        QVERIFY(ConstNode(shown)->findChildByRelativePath("a"_s));
+        QVERIFY(!NodePointer(shown)->findChildByRelativePath("a"_s));
+        QVERIFY(!shown->addChild(make("b"_s)));
+        QVERIFY(!shown->setReferenceDeleteFlag());
+    }
+
+    void pathLink()
+    {
+        const auto path = [](const char *id) {
+            return std::make_shared<const HierarchyStringPath>(nullptr, "."_s, QString::fromLatin1(id));
+        };
+        const auto a = path("a");
+        const auto sameText = path("a");
+        auto b = path("b");
+        HierarchyStringPathLink link(a);
+        QVERIFY(!link.add(sameText));
+        QVERIFY(link.add(b));
+        QVERIFY(link.contains(sameText));
+        QCOMPARE(QString(link), "a"_s);
+        QVERIFY(link.remove(sameText));
+        QVERIFY(!link.remove(sameText));
+        b.reset();
+        QCOMPARE(QString(link), QString());
+        QVERIFY(!link.contains(HierarchyStringPathLink::Target()));
+        QCOMPARE(link.cleanup(), 1);
+        QVERIFY(link.isEmpty());
+        QVERIFY(link.pop().expired());
+        link.add(a);
+        QCOMPARE(link.pop().lock(), a);
+        QVERIFY(link.isEmpty());
+
+        const NodePointer root = make();
+        const NodePointer leaf = grow(root, "x.y");
+        const QVariant value = QVariant::fromValue(HierarchyStringPathLink(leaf->getNodePath()));
+        QCOMPARE(value.typeName(), "Shared::Hierarchy::HierarchyStringPathLink");
+        QVERIFY(value.canConvert<QString>());
+        leaf->setParent(root, false);
+        QCOMPARE(value.toString(), "y"_s);
+    }
+};
 
 QTEST_GUILESS_MAIN(HierarchyLinkTest)
 #include "HierarchyLinkTest.moc"

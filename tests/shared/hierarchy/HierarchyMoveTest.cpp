@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <random>
+#include <support/Literals.h>
 #include <thread>
 #include <vector>
 
@@ -58,7 +59,7 @@ struct Tree
     explicit Tree(int count)
     {
         for (int i = 0; i < count; ++i)
-            nodes.push_back(grow(root, QStringLiteral("n%1").arg(i)));
+            nodes.push_back(grow(root, "n%1"_s.arg(i)));
     }
 
     // Whether each node is where its parent says, and nowhere else.
@@ -82,101 +83,96 @@ class HierarchyMoveTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void twoThatMoveBelowEachOther();
-    void exchangeBetweenTwoParents();
-    void manyAddOneId();
-    void randomMoves();
-};
+    void twoThatMoveBelowEachOther()
+    {
+        for (int round = 0; round < 300; ++round) {
+            const auto tree = std::make_shared<Tree>(2);
+            const auto moved = std::make_shared<std::atomic<int>>(0);
+            const auto work = [tree, moved](int i) {
+                if (tree->nodes[size_t(i)]->setParent(tree->nodes[size_t(1 - i)], false))
+                    ++*moved;
+            };
+            QVERIFY2(comeBack(2, work), "the moves hang");
+            QCOMPARE(moved->load(), 1);
+            QVERIFY(tree->isWhole());
+        }
+    }
 
-void HierarchyMoveTest::twoThatMoveBelowEachOther()
-{
-    for (int round = 0; round < 300; ++round) {
+    void exchangeBetweenTwoParents()
+    {
         const auto tree = std::make_shared<Tree>(2);
-        const auto moved = std::make_shared<std::atomic<int>>(0);
-        const auto work = [tree, moved](int i) {
-            if (tree->nodes[size_t(i)]->setParent(tree->nodes[size_t(1 - i)], false))
-                ++*moved;
+        const NodePointer x = grow(tree->nodes[0], "x"_s);
+        const NodePointer y = grow(tree->nodes[1], "y"_s);
+        tree->nodes.insert(tree->nodes.end(), {x, y});
+        const auto work = [tree](int i) {
+            const NodePointer &node = tree->nodes[size_t(2 + i)];
+            for (int round = 0; round < 5000; ++round) {
+                const size_t place = size_t(round + i) % 2;
+                if (round % 2 == 0)
+                    tree->nodes[place]->addChild(node);
+                else
+                    node->setParent(tree->nodes[place], false);
+                pathOf(node);
+            }
         };
         QVERIFY2(comeBack(2, work), "the moves hang");
-        QCOMPARE(moved->load(), 1);
         QVERIFY(tree->isWhole());
     }
-}
 
-void HierarchyMoveTest::exchangeBetweenTwoParents()
-{
-    const auto tree = std::make_shared<Tree>(2);
-    const NodePointer x = grow(tree->nodes[0], QStringLiteral("x"));
-    const NodePointer y = grow(tree->nodes[1], QStringLiteral("y"));
-    tree->nodes.insert(tree->nodes.end(), {x, y});
-    const auto work = [tree](int i) {
-        const NodePointer &node = tree->nodes[size_t(2 + i)];
-        for (int round = 0; round < 5000; ++round) {
-            const size_t place = size_t(round + i) % 2;
-            if (round % 2 == 0)
-                tree->nodes[place]->addChild(node);
-            else
-                node->setParent(tree->nodes[place], false);
-            pathOf(node);
+    void manyAddOneId()
+    {
+        for (int round = 0; round < 200; ++round) {
+            const auto tree = std::make_shared<Tree>(0);
+            const auto added = std::make_shared<std::atomic<int>>(0);
+            const auto work = [tree, added](int) {
+                if (tree->root->addChild(make("a"_s)))
+                    ++*added;
+            };
+            QVERIFY2(comeBack(4, work), "the additions hang");
+            QCOMPARE(added->load(), 1);
+            QCOMPARE(tree->root->getNumberOfChildren(), quint64(1));
+            QVERIFY(isSound(tree->root));
         }
-    };
-    QVERIFY2(comeBack(2, work), "the moves hang");
-    QVERIFY(tree->isWhole());
-}
-
-void HierarchyMoveTest::manyAddOneId()
-{
-    for (int round = 0; round < 200; ++round) {
-        const auto tree = std::make_shared<Tree>(0);
-        const auto added = std::make_shared<std::atomic<int>>(0);
-        const auto work = [tree, added](int) {
-            if (tree->root->addChild(make(QStringLiteral("a"))))
-                ++*added;
-        };
-        QVERIFY2(comeBack(4, work), "the additions hang");
-        QCOMPARE(added->load(), 1);
-        QCOMPARE(tree->root->getNumberOfChildren(), quint64(1));
-        QVERIFY(isSound(tree->root));
     }
-}
 
-void HierarchyMoveTest::randomMoves()
-{
-    const auto tree = std::make_shared<Tree>(12);
-    const auto work = [tree](int i) {
-        std::mt19937 random{uint(i)};
-        const auto any = [&] { return tree->nodes[random() % tree->nodes.size()]; };
-        for (int round = 0; round < 4000; ++round) {
-            switch (random() % 6) {
-            case 0:
-                any()->setParent(tree->root, false);
-                break;
-            case 1:
-                any()->setParent({}, false);
-                break;
-            case 2: {
-                const NodePointer node = any();
-                const NodePointer parent = any();
-                if (node->getParent() != parent)
-                    parent->addChild(node);
-                break;
+    void randomMoves()
+    {
+        const auto tree = std::make_shared<Tree>(12);
+        const auto work = [tree](int i) {
+            std::mt19937 random{uint(i)};
+            const auto any = [&] { return tree->nodes[random() % tree->nodes.size()]; };
+            for (int round = 0; round < 4000; ++round) {
+                switch (random() % 6) {
+                case 0:
+                    any()->setParent(tree->root, false);
+                    break;
+                case 1:
+                    any()->setParent({}, false);
+                    break;
+                case 2: {
+                    const NodePointer node = any();
+                    const NodePointer parent = any();
+                    if (node->getParent() != parent)
+                        parent->addChild(node);
+                    break;
+                }
+                case 3:
+                    tree->root->getChildren(true);
+                    tree->root->queryChildren<HierarchyNode>("*.n1*"_s);
+                    break;
+                default:
+                    any()->setParent(any(), false);
+                    pathOf(any());
+                }
             }
-            case 3:
-                tree->root->getChildren(true);
-                tree->root->queryChildren<HierarchyNode>(QStringLiteral("*.n1*"));
-                break;
-            default:
-                any()->setParent(any(), false);
-                pathOf(any());
-            }
-        }
-    };
-    QVERIFY2(comeBack(4, work), "the moves hang");
-    for (const NodePointer &node : tree->nodes) // bring back what hangs below nothing
-        node->setParent(tree->root, false);
-    QVERIFY(tree->isWhole());
-    QCOMPARE(tree->root->getNumberOfChildren(), quint64(tree->nodes.size()));
-}
+        };
+        QVERIFY2(comeBack(4, work), "the moves hang");
+        for (const NodePointer &node : tree->nodes) // bring back what hangs below nothing
+            node->setParent(tree->root, false);
+        QVERIFY(tree->isWhole());
+        QCOMPARE(tree->root->getNumberOfChildren(), quint64(tree->nodes.size()));
+    }
+};
 
 QTEST_GUILESS_MAIN(HierarchyMoveTest)
 #include "HierarchyMoveTest.moc"

@@ -7,6 +7,7 @@
 
 #include <ctime>
 #include <memory>
+#include <support/Literals.h>
 
 // What the tests of the tree share.
 namespace HierarchyTree {
@@ -52,7 +53,7 @@ inline NodePointer growDeep(const NodePointer &top)
 {
     NodePointer last = top;
     for (int i = 0; i < Deep; ++i) {
-        const NodePointer next = make(QStringLiteral("a"));
+        const NodePointer next = make("a"_s);
         last->addChild(next);
         last = next;
     }
@@ -62,7 +63,7 @@ inline NodePointer growDeep(const NodePointer &top)
 // The path of that node, and so a pattern that matches it.
 inline QString deepPath()
 {
-    return QStringLiteral("a.").repeated(Deep - 1) + QLatin1Char('a');
+    return "a."_s.repeated(Deep - 1) + QLatin1Char('a');
 }
 
 inline QString pathOf(const std::shared_ptr<const HierarchyNode> &node)

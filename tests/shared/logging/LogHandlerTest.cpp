@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <support/Literals.h>
 #include <thread>
 #include <vector>
 
@@ -50,303 +51,261 @@ public:
     const QString filter;
 };
 
-QStringList LongTrace()
-{
-    QStringList trace;
-    for (int frame = 0; frame < 70; ++frame)
-        trace.append(QStringLiteral("frame %1").arg(frame));
-    return trace;
-}
-
 } // namespace
 
 class LogHandlerTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void cleanup();
-    void linesToTheLetter();
-    void thresholdDecides();
-    void handles();
-    void filtersVote();
-    void exceptionsOfCallbacksStayInside();
-    void callbacksMayLog();
-    void callbacksEndOutsideTheSection();
-    void oneStatementOneMessage();
-    void manipulatorsReachTheItemsBehindThem();
-    void copiesOfAContainerShareOneMessage();
-    void parametersTravelAndFlagsCount();
-    void longStackTracesLoseTheirTail();
-    void knownToTheMetaObjectSystem();
-    void threadsLogAtOnce();
+    void cleanup()
+    {
+        LogHandler::SetLogLevel(LogMessageType::log);
+        utils::SetStackTraceFunction(nullptr);
+    }
+    void linesToTheLetter()
+    {
+        Listener listener;
+        FrameworkLog().warning() << "text " << 5;
+        LogHandler::LogMessage(LogMessageContext(), LogMessageType::log, "bare"_s);
+        LogHandler::SetLogIdentification("first"_s);
+        LogHandler::SetLogIdentification("second"_s);
+        LogHandler::LogMessage(LogMessageContext(), LogMessageType::critical, "named"_s);
+        FrameworkLog().log();
+        QCOMPARE(listener.lines,
+                 QStringList({"[TESSELLUM WARNING] text 5", "[ LOG] bare", "[FIRST CRITICAL] named",
+                              "[TESSELLUM LOG] "}));
+        QCOMPARE(listener.messages, QStringList({"WARNING:text 5", "LOG:bare", "CRITICAL:named", "LOG:"}));
+        QCOMPARE(listener.contexts.first().category, "Tessellum"_s);
+    }
+
+    void thresholdDecides()
+    {
+        Listener listener;
+        for (const auto level : {LogMessageType::log, LogMessageType::verbose, LogMessageType::critical}) {
+            LogHandler::SetLogLevel(level);
+            FrameworkLog().verbose() << "v";
+            FrameworkLog().debug() << "d";
+            FrameworkLog().log() << "l";
+            FrameworkLog().critical() << "c";
+        }
+        QCOMPARE(listener.messages.join(' '),
+                 "LOG:l CRITICAL:c VERBOSE:v DEBUG:d LOG:l CRITICAL:c CRITICAL:c"_s);
+        QCOMPARE(listener.lines.size(), 7);
+        LogHandler::SetEventLogLevel(LogMessageType::critical);
+        QCOMPARE(LogHandler::Instance()->getContext().eventLogLevel.getLogLevel(), LogMessageType::critical);
+        QCOMPARE(LogHandler::Instance()->getLogLevel().getLogLevel(), LogMessageType::critical);
+    }
+
+    void filtersVote()
+    {
+        QVERIFY(LogHandler::RegisterMessageSink({}).isNull()
+                && LogHandler::RegisterMessageFilter({}).isNull());
+        int asked = 0;
+        bool vote = true;
+        const LogFilter filter = [&](auto &...) {
+            ++asked;
+            return vote;
+        };
+        const QString first = LogHandler::RegisterMessageFilter(filter);
+        const QString second = LogHandler::RegisterMessageFilter(filter);
+        QVERIFY(first.startsWith('{') && !QUuid(first).isNull());
+        int heard = 0;
+        const QString sink = LogHandler::RegisterMessageSink([&](auto &...) { ++heard; });
+        FrameworkLog().log() << "a line that the first filter lets through";
+        QCOMPARE(asked, 1);
+        vote = false;
+        FrameworkLog().log() << "a line that nobody votes for";
+        QCOMPARE(asked, 3);
+        QCOMPARE(heard, 2);
+        QVERIFY(!LogHandler::UnregisterMessageFilter(sink)); // a handle of the other kind
+        QVERIFY(LogHandler::UnregisterMessageFilter(first) && LogHandler::UnregisterMessageFilter(second));
+        QVERIFY(LogHandler::UnregisterMessageSink(sink) && !LogHandler::UnregisterMessageSink(sink));
+    }
+
+    void exceptionsOfCallbacksStayInside()
+    {
+        Listener listener;
+        QStringList handles;
+        int thrown = 0;
+        for (int count = 0; count < 3; ++count) {
+            handles.append(LogHandler::RegisterMessageSink([&](auto &...) {
+                ++thrown;
+                throw std::runtime_error("sink");
+            }));
+        }
+        handles.append(LogHandler::RegisterMessageSink([](auto &...) { throw std::bad_function_call(); }));
+        const QString filter = LogHandler::RegisterMessageFilter([&](auto &...) -> bool { throw 1; });
+
+        FrameworkLog().log() << "text";
+        FrameworkLog().log() << "text";
+        QCOMPARE(thrown, 6);
+        QCOMPARE(listener.messages.size(), 2);
+        QCOMPARE(listener.lines.size(), 2);
+
+        for (const QString &handle : qAsConst(handles))
+            QVERIFY(LogHandler::UnregisterMessageSink(handle));
+        QVERIFY(LogHandler::UnregisterMessageFilter(filter));
+    }
+
+    void callbacksMayLog()
+    {
+        Listener listener;
+        int depth = 0;
+        const QString sink = LogHandler::RegisterMessageSink([&](auto &...) {
+            if (++depth == 1)
+                FrameworkLog().log() << "from a sink";
+        });
+        FrameworkLog().log() << "text";
+        QVERIFY(listener.messages.contains("LOG:from a sink"_s));
+        QCOMPARE(depth, 2);
+        QVERIFY(LogHandler::UnregisterMessageSink(sink));
+
+        // Inside the section a message goes to the debug output alone; settings and registrations just work.
+        listener.messages.clear();
+        QString made;
+        const QString filter = LogHandler::RegisterMessageFilter([&](auto &...) {
+            FrameworkLog().log() << "from a filter";
+            LogHandler::SetLogLevel(LogMessageType::warning);
+            made = LogHandler::RegisterMessageSink([](auto &...) {});
+            return false;
+        });
+        FrameworkLog().log() << "text";
+        QCOMPARE(listener.messages, QStringList{"LOG:text"_s});
+        QCOMPARE(LogHandler::Instance()->getLogLevel().getLogLevel(), LogMessageType::warning);
+        QVERIFY(LogHandler::UnregisterMessageFilter(filter));
+        QVERIFY(LogHandler::UnregisterMessageSink(made));
+    }
+
+    void callbacksEndOutsideTheSection()
+    {
+        Listener listener;
+        const auto logsAtItsEnd = [] {
+            return std::shared_ptr<int>(new int, [](const int *value) {
+                delete value;
+                FrameworkLog().log() << "the end of what a callback held";
+            });
+        };
+        const QString sink = LogHandler::RegisterMessageSink([held = logsAtItsEnd()](auto &...) {});
+        const QString filter
+            = LogHandler::RegisterMessageFilter([held = logsAtItsEnd()](auto &...) { return false; });
+        QVERIFY(LogHandler::UnregisterMessageSink(sink));
+        QVERIFY(LogHandler::UnregisterMessageFilter(filter));
+        QCOMPARE(listener.messages.size(), 2); // a message from inside would have reached no sink
+    }
+
+    void manipulatorsReachTheItemsBehindThem()
+    {
+        Listener listener;
+        FrameworkLog().log() << Qt::hex << Qt::showbase << 255 << ' ' << Qt::dec << Qt::noshowbase << 255
+                             << ' ' << Qt::fixed << qSetRealNumberPrecision(2) << 1.5 << ' '
+                             << qSetFieldWidth(3) << Qt::left << qSetPadChar(QLatin1Char('.')) << 7
+                             << qSetFieldWidth(0) << 'x';
+        FrameworkLog().log() << "a" << 1 << "b"_s << 'c' << 2.5 << QByteArray("d") << QLatin1String("e")
+                             << true << Qt::endl;
+        QCOMPARE(listener.messages, QStringList({"LOG:0xff 255 1.50 7..x", "LOG:a1bc2.5de1\n"}));
+    }
+
+    void copiesOfAContainerShareOneMessage()
+    {
+        Listener listener;
+        auto copy = std::make_unique<LogMessageContainer>([&] {
+            LogMessageContainer original = FrameworkLog().warning();
+            original << "original";
+            LogMessageContainer other = original;
+            other << " and copy";
+            return other;
+        }());
+        QVERIFY(listener.messages.isEmpty());
+        copy.reset();
+        QCOMPARE(listener.messages, QStringList{"WARNING:original and copy"_s});
+
+        // The threshold counts at the end of the message.
+        auto kept = std::make_unique<LogMessageContainer>(FrameworkLog().debug());
+        *kept << "debug";
+        LogHandler::SetLogLevel(LogMessageType::debug);
+        kept.reset();
+        QCOMPARE(listener.messages.last(), "DEBUG:debug"_s);
+    }
+
+    void parametersTravelAndFlagsCount()
+    {
+        Listener listener;
+        const LogStreamProvider provider(LogMessageContext(QString(), -1, QString(), "Test"_s, {0}, {}));
+        provider.log(1, "two", "three"_s, 4.0) << "parameters";
+        QCOMPARE(listener.contexts.last().messageParameter(), (QList<QVariant>{1, "two"_s, "three"_s, 4.0}));
+        QCOMPARE(int(listener.contexts.last().flags), 0);
+
+        provider.log(LogMessageContext::LogStackTrace) << "flag";
+        QCOMPARE(listener.lines.last(), "[TEST LOG] flag\n[STACKTRACE BEGIN]\n[STACKTRACE END]"_s);
+        provider.log(1, LogMessageContext::LogMessageFlags(LogMessageContext::LogStackTrace)) << "flags";
+        QVERIFY(listener.lines.last().endsWith("[STACKTRACE END]"_s));
+        provider.log() << "none";
+        QCOMPARE(listener.lines.last(), "[TEST LOG] none"_s);
+        QVERIFY(listener.contexts.last().parameters.isEmpty());
+    }
+
+    void longStackTracesLoseTheirTail()
+    {
+        Listener listener;
+        utils::SetStackTraceFunction([] {
+            QStringList trace;
+            for (int frame = 0; frame < 70; ++frame)
+                trace.append("frame %1"_s.arg(frame));
+            return trace;
+        });
+        FrameworkLog().log(LogMessageContext::LogStackTrace) << "text";
+        const QStringList lines = listener.lines.last().split(QLatin1Char('\n'));
+        QCOMPARE(lines.size(), 64);
+        QCOMPARE(lines.at(1), "[STACKTRACE BEGIN]"_s);
+        QCOMPARE(lines.last(), "frame 61"_s);
+    }
+
+    void levelNames()
+    {
+        const auto levelOf
+            = [](const char *text) { return LogLevel::ConvertStringToLogLevel(text).getLogLevel(); };
+        const QStringList names{"VERBOSE", "DEBUG", "LOG", "WARNING", "CRITICAL", "FATAL"};
+        QCOMPARE(LogLevel::GetLogLevelStrings(), names);
+        for (int number = 0; number < names.size(); ++number) {
+            QCOMPARE(QString(LogLevel(LogMessageType(number))), names.at(number));
+            QCOMPARE(levelOf(names.at(number).toLower().toLatin1()), LogMessageType(number));
+        }
+        for (const int unknown : {-1, 6})
+            QCOMPARE(QString(LogLevel(LogMessageType(unknown))), "UNKNOWN"_s);
+        for (const char *text : {"nonsense", "", "UNKNOWN", " LOG"})
+            QCOMPARE(levelOf(text), LogMessageType::log);
+        const QPair<QtMsgType, LogMessageType> ofQt[] = {{QtDebugMsg, LogMessageType::debug},
+                                                         {QtWarningMsg, LogMessageType::warning},
+                                                         {QtCriticalMsg, LogMessageType::log},
+                                                         {QtFatalMsg, LogMessageType::fatal},
+                                                         {QtInfoMsg, LogMessageType::verbose}};
+        for (const auto &[type, level] : ofQt)
+            QCOMPARE(LogLevel(type).getLogLevel(), level);
+    }
+
+    void threadsLogAtOnce()
+    {
+        constexpr int threadCount = 4;
+        constexpr int messageCount = 200;
+        Listener listener;
+        std::vector<std::thread> threads;
+        for (int number = 0; number < threadCount; ++number) {
+            threads.emplace_back([number] {
+                for (int count = 0; count < messageCount; ++count) {
+                    FrameworkLog().log() << number << '/' << count;
+                    const QString handle = LogHandler::RegisterMessageSink([](auto &...) {});
+                    LogHandler::UnregisterMessageSink(handle);
+                }
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(listener.messages.size(), threadCount * messageCount);
+        listener.messages.removeDuplicates();
+        QCOMPARE(listener.messages.size(), threadCount * messageCount);
+        QCOMPARE(listener.lines.size(), threadCount * messageCount);
+    }
 };
-
-void LogHandlerTest::cleanup()
-{
-    LogHandler::SetLogLevel(LogMessageType::log);
-    utils::SetStackTraceFunction(nullptr);
-}
-
-void LogHandlerTest::linesToTheLetter()
-{
-    Listener listener;
-    FrameworkLog().warning() << "text " << 5;
-    LogHandler::LogMessage(LogMessageContext(), LogMessageType::log, QStringLiteral("bare"));
-    LogHandler::SetLogIdentification(QStringLiteral("first"));
-    LogHandler::SetLogIdentification(QStringLiteral("second"));
-    LogHandler::LogMessage(LogMessageContext(), LogMessageType::critical, QStringLiteral("named"));
-    FrameworkLog().log();
-    QCOMPARE(listener.lines,
-             (QStringList{QStringLiteral("[TESSELLUM WARNING] text 5"), QStringLiteral("[ LOG] bare"),
-                          QStringLiteral("[FIRST CRITICAL] named"), QStringLiteral("[TESSELLUM LOG] ")}));
-    QCOMPARE(listener.messages,
-             (QStringList{QStringLiteral("WARNING:text 5"), QStringLiteral("LOG:bare"),
-                          QStringLiteral("CRITICAL:named"), QStringLiteral("LOG:")}));
-    QCOMPARE(listener.contexts.first().category, QStringLiteral("Tessellum"));
-}
-
-void LogHandlerTest::thresholdDecides()
-{
-    Listener listener;
-    const auto logAll = [] {
-        FrameworkLog().verbose() << "v";
-        FrameworkLog().debug() << "d";
-        FrameworkLog().log() << "l";
-        FrameworkLog().critical() << "c";
-    };
-    logAll();
-    QCOMPARE(listener.messages, (QStringList{QStringLiteral("LOG:l"), QStringLiteral("CRITICAL:c")}));
-    QCOMPARE(listener.lines.size(), 2);
-
-    listener.messages.clear();
-    LogHandler::SetLogLevel(LogMessageType::verbose);
-    logAll();
-    LogHandler::SetLogLevel(LogMessageType::critical);
-    logAll();
-    QCOMPARE(listener.messages,
-             (QStringList{QStringLiteral("VERBOSE:v"), QStringLiteral("DEBUG:d"), QStringLiteral("LOG:l"),
-                          QStringLiteral("CRITICAL:c"), QStringLiteral("CRITICAL:c")}));
-
-    LogHandler::SetEventLogLevel(LogMessageType::critical);
-    QCOMPARE(LogHandler::Instance()->getContext().eventLogLevel.getLogLevel(), LogMessageType::critical);
-    QCOMPARE(LogHandler::Instance()->getLogLevel().getLogLevel(), LogMessageType::critical);
-}
-
-void LogHandlerTest::handles()
-{
-    QVERIFY(LogHandler::RegisterMessageSink({}).isNull());
-    QVERIFY(LogHandler::RegisterMessageFilter({}).isNull());
-    QVERIFY(!LogHandler::UnregisterMessageSink(QString()));
-    QVERIFY(!LogHandler::UnregisterMessageFilter(QString()));
-
-    const QString sink = LogHandler::RegisterMessageSink([](auto &...) {});
-    QVERIFY(sink.startsWith(QLatin1Char('{')) && !QUuid(sink).isNull());
-    QVERIFY(!LogHandler::UnregisterMessageFilter(sink));
-    QVERIFY(LogHandler::UnregisterMessageSink(sink));
-    QVERIFY(!LogHandler::UnregisterMessageSink(sink));
-}
-
-void LogHandlerTest::filtersVote()
-{
-    int asked = 0;
-    bool vote = true;
-    const LogFilter filter = [&](auto &...) {
-        ++asked;
-        return vote;
-    };
-    const QString first = LogHandler::RegisterMessageFilter(filter);
-    const QString second = LogHandler::RegisterMessageFilter(filter);
-    int heard = 0;
-    const QString sink = LogHandler::RegisterMessageSink([&](auto &...) { ++heard; });
-
-    FrameworkLog().log() << "a line that the first filter lets through";
-    QCOMPARE(asked, 1);
-    vote = false;
-    FrameworkLog().log() << "a line that nobody votes for";
-    QCOMPARE(asked, 3);
-    QCOMPARE(heard, 2);
-
-    for (const QString &handle : {first, second})
-        QVERIFY(LogHandler::UnregisterMessageFilter(handle));
-    QVERIFY(LogHandler::UnregisterMessageSink(sink));
-}
-
-void LogHandlerTest::exceptionsOfCallbacksStayInside()
-{
-    Listener listener;
-    QStringList handles;
-    int thrown = 0;
-    for (int count = 0; count < 3; ++count) {
-        handles.append(LogHandler::RegisterMessageSink([&](auto &...) {
-            ++thrown;
-            throw std::runtime_error("sink");
-        }));
-    }
-    handles.append(LogHandler::RegisterMessageSink([](auto &...) { throw std::bad_function_call(); }));
-    const QString filter = LogHandler::RegisterMessageFilter([&](auto &...) -> bool { throw 1; });
-
-    FrameworkLog().log() << "text";
-    FrameworkLog().log() << "text";
-    QCOMPARE(thrown, 6);
-    QCOMPARE(listener.messages.size(), 2);
-    QCOMPARE(listener.lines.size(), 2);
-
-    for (const QString &handle : qAsConst(handles))
-        QVERIFY(LogHandler::UnregisterMessageSink(handle));
-    QVERIFY(LogHandler::UnregisterMessageFilter(filter));
-}
-
-void LogHandlerTest::callbacksMayLog()
-{
-    Listener listener;
-    int depth = 0;
-    const QString sink = LogHandler::RegisterMessageSink([&](auto &...) {
-        if (++depth == 1)
-            FrameworkLog().log() << "from a sink";
-    });
-    FrameworkLog().log() << "text";
-    QVERIFY(listener.messages.contains(QStringLiteral("LOG:from a sink")));
-    QCOMPARE(depth, 2);
-    QVERIFY(LogHandler::UnregisterMessageSink(sink));
-
-    // Inside the section a message goes to the debug output alone; settings and registrations just work.
-    listener.messages.clear();
-    QString made;
-    const QString filter = LogHandler::RegisterMessageFilter([&](auto &...) {
-        FrameworkLog().log() << "from a filter";
-        LogHandler::SetLogLevel(LogMessageType::warning);
-        made = LogHandler::RegisterMessageSink([](auto &...) {});
-        return false;
-    });
-    FrameworkLog().log() << "text";
-    QCOMPARE(listener.messages, QStringList{QStringLiteral("LOG:text")});
-    QCOMPARE(LogHandler::Instance()->getLogLevel().getLogLevel(), LogMessageType::warning);
-    QVERIFY(LogHandler::UnregisterMessageFilter(filter));
-    QVERIFY(LogHandler::UnregisterMessageSink(made));
-}
-
-void LogHandlerTest::callbacksEndOutsideTheSection()
-{
-    Listener listener;
-    const auto logsAtItsEnd = [] {
-        return std::shared_ptr<int>(new int, [](const int *value) {
-            delete value;
-            FrameworkLog().log() << "the end of what a callback held";
-        });
-    };
-    const QString sink = LogHandler::RegisterMessageSink([held = logsAtItsEnd()](auto &...) {});
-    const QString filter
-        = LogHandler::RegisterMessageFilter([held = logsAtItsEnd()](auto &...) { return false; });
-    QVERIFY(LogHandler::UnregisterMessageSink(sink));
-    QVERIFY(LogHandler::UnregisterMessageFilter(filter));
-    QCOMPARE(listener.messages.size(), 2); // a message from inside would have reached no sink
-}
-
-void LogHandlerTest::oneStatementOneMessage()
-{
-    Listener listener;
-    FrameworkLog().log() << "a" << 1 << QStringLiteral("b") << 'c' << 2.5 << QByteArray("d")
-                         << QLatin1String("e") << true << Qt::endl;
-    FrameworkLog().log();
-    QCOMPARE(listener.messages, (QStringList{QStringLiteral("LOG:a1bc2.5de1\n"), QStringLiteral("LOG:")}));
-}
-
-void LogHandlerTest::manipulatorsReachTheItemsBehindThem()
-{
-    Listener listener;
-    FrameworkLog().log() << Qt::hex << Qt::showbase << 255 << ' ' << Qt::dec << Qt::noshowbase << 255 << ' '
-                         << Qt::fixed << qSetRealNumberPrecision(2) << 1.5 << ' ' << qSetFieldWidth(3)
-                         << Qt::left << qSetPadChar(QLatin1Char('.')) << 7 << qSetFieldWidth(0) << 'x';
-    FrameworkLog().log() << 255 << ' ' << 1.5;
-    QCOMPARE(listener.messages,
-             (QStringList{QStringLiteral("LOG:0xff 255 1.50 7..x"), QStringLiteral("LOG:255 1.5")}));
-}
-
-void LogHandlerTest::copiesOfAContainerShareOneMessage()
-{
-    Listener listener;
-    auto copy = std::make_unique<LogMessageContainer>([&] {
-        LogMessageContainer original = FrameworkLog().warning();
-        original << "original";
-        LogMessageContainer other = original;
-        other << " and copy";
-        return other;
-    }());
-    QVERIFY(listener.messages.isEmpty());
-    copy.reset();
-    QCOMPARE(listener.messages, QStringList{QStringLiteral("WARNING:original and copy")});
-
-    // The threshold counts at the end of the message.
-    auto kept = std::make_unique<LogMessageContainer>(FrameworkLog().debug());
-    *kept << "debug";
-    LogHandler::SetLogLevel(LogMessageType::debug);
-    kept.reset();
-    QCOMPARE(listener.messages.last(), QStringLiteral("DEBUG:debug"));
-}
-
-void LogHandlerTest::parametersTravelAndFlagsCount()
-{
-    Listener listener;
-    const LogStreamProvider provider(
-        LogMessageContext(QString(), -1, QString(), QStringLiteral("Test"), {0}, {}));
-    provider.log(1, "two", QStringLiteral("three"), 4.0) << "parameters";
-    QCOMPARE(listener.contexts.last().messageParameter(),
-             (QList<QVariant>{1, QStringLiteral("two"), QStringLiteral("three"), 4.0}));
-    QCOMPARE(int(listener.contexts.last().flags), 0);
-
-    provider.log(LogMessageContext::LogStackTrace) << "flag";
-    QCOMPARE(listener.lines.last(), QStringLiteral("[TEST LOG] flag\n[STACKTRACE BEGIN]\n[STACKTRACE END]"));
-    provider.log(1, LogMessageContext::LogMessageFlags(LogMessageContext::LogStackTrace)) << "flags";
-    QVERIFY(listener.lines.last().endsWith(QStringLiteral("[STACKTRACE END]")));
-    provider.log() << "none";
-    QCOMPARE(listener.lines.last(), QStringLiteral("[TEST LOG] none"));
-    QVERIFY(listener.contexts.last().parameters.isEmpty());
-}
-
-void LogHandlerTest::longStackTracesLoseTheirTail()
-{
-    Listener listener;
-    utils::SetStackTraceFunction(LongTrace);
-    FrameworkLog().log(LogMessageContext::LogStackTrace) << "text";
-    const QStringList lines = listener.lines.last().split(QLatin1Char('\n'));
-    QCOMPARE(lines.size(), 64);
-    QCOMPARE(lines.at(1), QStringLiteral("[STACKTRACE BEGIN]"));
-    QCOMPARE(lines.last(), QStringLiteral("frame 61"));
-}
-
-void LogHandlerTest::knownToTheMetaObjectSystem()
-{
-    Listener listener;
-    QVERIFY(QMetaObject::invokeMethod(LogHandler::Instance(), "onCustomLogMessage", Qt::DirectConnection,
-                                      Q_ARG(Shared::Logging::LogMessageContext, LogMessageContext()),
-                                      Q_ARG(Shared::Logging::LogLevel, LogMessageType::warning),
-                                      Q_ARG(QString, QStringLiteral("invoked"))));
-    QCOMPARE(listener.messages, QStringList{QStringLiteral("WARNING:invoked")});
-    QVERIFY(QMetaType::isRegistered(QMetaType::type("Shared::Logging::LogMessageContext::LogMessageFlags")));
-}
-
-void LogHandlerTest::threadsLogAtOnce()
-{
-    constexpr int threadCount = 4;
-    constexpr int messageCount = 200;
-    Listener listener;
-    std::vector<std::thread> threads;
-    for (int number = 0; number < threadCount; ++number) {
-        threads.emplace_back([number] {
-            for (int count = 0; count < messageCount; ++count) {
-                FrameworkLog().log() << number << '/' << count;
-                const QString handle = LogHandler::RegisterMessageSink([](auto &...) {});
-                LogHandler::UnregisterMessageSink(handle);
-            }
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-    QCOMPARE(listener.messages.size(), threadCount * messageCount);
-    listener.messages.removeDuplicates();
-    QCOMPARE(listener.messages.size(), threadCount * messageCount);
-    QCOMPARE(listener.lines.size(), threadCount * messageCount);
-}
 
 QTEST_GUILESS_MAIN(LogHandlerTest)
 #include "LogHandlerTest.moc"

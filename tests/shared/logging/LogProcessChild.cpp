@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <support/Literals.h>
 #include <unistd.h>
 
 using namespace Shared::Logging;
@@ -28,7 +29,7 @@ QString SaySink()
 {
     return LogHandler::RegisterMessageSink(
         [](const LogMessageContext &context, const LogLevel &level, const QString &message) {
-            Say(QStringLiteral("%1/%2/%3").arg(context.category, QString(level), message));
+            Say("%1/%2/%3"_s.arg(context.category, QString(level), message));
         });
 }
 
@@ -60,11 +61,11 @@ struct ExitUser
 int Lines()
 {
     FrameworkLog().debug() << "debug";
-    FrameworkLog().log() << QStringLiteral("text \u00e4");
-    LogHandler::LogMessage(LogMessageContext(), LogMessageType::warning, QStringLiteral("bare"));
-    LogHandler::SetLogIdentification(QStringLiteral("core"));
-    LogHandler::SetLogIdentification(QStringLiteral("other"));
-    LogHandler::LogMessage(LogMessageContext(), LogMessageType::warning, QStringLiteral("named"));
+    FrameworkLog().log() << "text \u00e4"_s;
+    LogHandler::LogMessage(LogMessageContext(), LogMessageType::warning, "bare"_s);
+    LogHandler::SetLogIdentification("core"_s);
+    LogHandler::SetLogIdentification("other"_s);
+    LogHandler::LogMessage(LogMessageContext(), LogMessageType::warning, "named"_s);
     return SaySink().isNull();
 }
 
@@ -73,7 +74,7 @@ int Fatal()
     for (int count = 0; count < 2; ++count)
         SaySink();
     FrameworkLog().fatal() << "fatal text";
-    Say(QStringLiteral("still there"));
+    Say("still there"_s);
     return 0;
 }
 
@@ -89,9 +90,8 @@ int QtMessages()
 
 int OwnQtHandler()
 {
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) {
-        Say(QStringLiteral("own: ") + text);
-    });
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { Say("own: "_s + text); });
     SaySink();
     qWarning("a warning");
     return 0;
@@ -121,14 +121,14 @@ int FatalInsideAFilter()
         return true;
     });
     FrameworkLog().log() << "text";
-    Say(QStringLiteral("still there"));
+    Say("still there"_s);
     return 0;
 }
 
 int HangInside()
 {
     LogHandler::RegisterMessageFilter([](auto &...) {
-        Say(QStringLiteral("inside"));
+        Say("inside"_s);
         QSemaphore().acquire();
         return true;
     });
@@ -139,7 +139,7 @@ int HangInside()
 int WaitAndLog()
 {
     SaySink();
-    Say(QStringLiteral("ready"));
+    Say("ready"_s);
     std::getchar();
     FrameworkLog().log() << "after the wait";
     return 0;
@@ -165,7 +165,7 @@ int ClosedPipe()
     close(ends[1]);
     std::signal(SIGPIPE, SIG_DFL);
     FrameworkLog().log() << "text";
-    Say(QStringLiteral("alive"));
+    Say("alive"_s);
     return 0;
 }
 
@@ -248,24 +248,24 @@ int SmallSegments()
 int RunLogProcessChild(const QString &scenario)
 {
     const QHash<QString, std::function<int()>> scenarios{
-        {QStringLiteral("lines"), Lines},
-        {QStringLiteral("fatal"), Fatal},
-        {QStringLiteral("qt messages"), QtMessages},
-        {QStringLiteral("own qt handler"), OwnQtHandler},
-        {QStringLiteral("exit"), Exit},
-        {QStringLiteral("exit inside a filter"), ExitInsideAFilter},
-        {QStringLiteral("fatal inside a filter"), FatalInsideAFilter},
-        {QStringLiteral("hang inside"), HangInside},
-        {QStringLiteral("wait and log"), WaitAndLog},
-        {QStringLiteral("other user"), OtherUser},
-        {QStringLiteral("closed pipe"), ClosedPipe},
-        {QStringLiteral("many lines"), ManyLines},
-        {QStringLiteral("no use"), NoUse},
-        {QStringLiteral("unmapped records"), UnmappedRecords},
-        {QStringLiteral("misaligned records"), MisalignedRecords},
-        {QStringLiteral("records of a dead namesake"), RecordsOfADeadNamesake},
-        {QStringLiteral("records of another kind"), RecordsOfAnotherKind},
-        {QStringLiteral("small segments"), SmallSegments},
+        {"lines"_s, Lines},
+        {"fatal"_s, Fatal},
+        {"qt messages"_s, QtMessages},
+        {"own qt handler"_s, OwnQtHandler},
+        {"exit"_s, Exit},
+        {"exit inside a filter"_s, ExitInsideAFilter},
+        {"fatal inside a filter"_s, FatalInsideAFilter},
+        {"hang inside"_s, HangInside},
+        {"wait and log"_s, WaitAndLog},
+        {"other user"_s, OtherUser},
+        {"closed pipe"_s, ClosedPipe},
+        {"many lines"_s, ManyLines},
+        {"no use"_s, NoUse},
+        {"unmapped records"_s, UnmappedRecords},
+        {"misaligned records"_s, MisalignedRecords},
+        {"records of a dead namesake"_s, RecordsOfADeadNamesake},
+        {"records of another kind"_s, RecordsOfAnotherKind},
+        {"small segments"_s, SmallSegments},
     };
     return scenarios.value(scenario)();
 }

@@ -7,16 +7,15 @@
 #include <QTemporaryDir>
 
 #include <cstring>
+#include <support/Literals.h>
 
 /*! The named objects of the log as any process sees them. */
 namespace LogSegments {
 
-inline const QString semaphoreKey = QStringLiteral("Shared::Logging::LogHandler::LogHandler");
-inline const QString sinkKey
-    = QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomSinkRepository");
-inline const QString filterKey
-    = QStringLiteral("Shared::Logging::LogHandler::LogHandler::CustomFilterRepository");
-inline const QString contextKey = QStringLiteral("Shared::Logging::LogHandler::LogContext");
+inline const QString semaphoreKey = "Shared::Logging::LogHandler::LogHandler"_s;
+inline const QString sinkKey = "Shared::Logging::LogHandler::LogHandler::CustomSinkRepository"_s;
+inline const QString filterKey = "Shared::Logging::LogHandler::LogHandler::CustomFilterRepository"_s;
+inline const QString contextKey = "Shared::Logging::LogHandler::LogContext"_s;
 inline const QStringList segmentKeys{sinkKey, filterKey, contextKey};
 
 /*!
