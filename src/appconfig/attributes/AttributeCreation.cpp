@@ -33,9 +33,14 @@ NodePtr FindOrAddParent(const NodePtr &node, const QString &id)
     if (const NodePtr child = FindChild(node, id))
         return child;
     const auto made = MakeNode<Attribute>(id);
-    if (node->addChild(made))
-        return made;
-    return FindChild(node, id); // another thread was quicker
+    for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
+        if (node->addChild(made))
+            return made;
+        // Another thread was quicker, but may have taken its own away again.
+        if (const NodePtr child = FindChild(node, id))
+            return child;
+    }
+    return nullptr;
 }
 
 bool OverwriteOrAddLeaf(const NodePtr &node, const QString &id, const Attribute::Details &details,

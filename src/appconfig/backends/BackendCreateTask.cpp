@@ -18,7 +18,7 @@ namespace Tessellum::AppConfig::Backends {
 
 namespace {
 
-// Only another task that removes its parents makes a further attempt necessary.
+// Only a parent that another task removes makes a further attempt necessary.
 constexpr int MaximumAttempts = 100;
 
 QString JoinedPath(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent, const QString &path)
@@ -72,12 +72,16 @@ private:
         if (auto present = parent->findChildByRelativePath(id))
             return present;
         const auto made = MakeNode<HierarchyNodeInstance>(id);
-        if (parent->addChild(made, nullptr)) {
-            madeParents.prepend(made);
-            return made;
+        for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
+            if (parent->addChild(made, nullptr)) {
+                madeParents.prepend(made);
+                return made;
+            }
+            // Somebody else was quicker, but may have taken its own away again.
+            if (auto present = parent->findChildByRelativePath(id))
+                return present;
         }
-        // Somebody else was quicker.
-        return parent->findChildByRelativePath(id);
+        return nullptr;
     }
 
     void remove()

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QMetaType>
 
+#include <algorithm>
 #include <memory>
 
 namespace Tessellum::AppConfig::utils {
@@ -20,18 +21,10 @@ LockLiveNode(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node)
     return locked;
 }
 
-/*! Whether all \a nodes, from a parent down to what was hung in, still belong to a tree. One that has got its
- * flag but has not left its parent yet leaves it now, so that the next attempt does not meet it again. */
+/*! Whether none of \a nodes has been taken off the tree for good. */
 inline bool AreAllLive(const QList<std::shared_ptr<Shared::Hierarchy::HierarchyNode>> &nodes)
 {
-    bool live = true;
-    for (const auto &node : nodes) {
-        if (node->isDeleteFlagSet()) {
-            node->setParent({}, true);
-            live = false;
-        }
-    }
-    return live;
+    return std::none_of(nodes.begin(), nodes.end(), [](const auto &node) { return node->isDeleteFlagSet(); });
 }
 
 } // namespace Tessellum::AppConfig::utils

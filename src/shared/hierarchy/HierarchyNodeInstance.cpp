@@ -61,19 +61,6 @@ bool HierarchyNodeInstance::setDeleteFlag()
     return isDeleteFlagSet();
 }
 
-bool HierarchyNodeInstance::setDeleteFlagIfEmpty()
-{
-    const std::shared_ptr<HierarchyNode> keepAlive = weak_from_this().lock();
-    {
-        const ScopedLock lock(this);
-        if (childNodes && childNodes->size() > 0)
-            return isDeleteFlagSet();
-        deleteFlag.store(true, std::memory_order_release);
-    }
-    setParent(std::weak_ptr<HierarchyNode>(), true);
-    return true;
-}
-
 quint64 HierarchyNodeInstance::getNumberOfChildren() const
 {
     const ScopedLock lock(this);

@@ -43,9 +43,9 @@ public:
     QString getId() const override;
     bool isDeleteFlagSet() const override;
     bool setDeleteFlag() override;
-    /*! As setDeleteFlag(), but only if the node has no child: test and flag are one step, so that who adds a
-     * child and finds the flag not set after that knows that the node stays. Returns whether the flag is set.
-     */
+    /*! As setDeleteFlag(), but only if the node has no child: test, flag and leaving the parent are one step,
+     * so that who adds a child and finds the flag not set after that knows that the node stays. Returns
+     * whether the flag is set. */
     bool setDeleteFlagIfEmpty();
     quint64 getNumberOfChildren() const override;
     QList<std::shared_ptr<const HierarchyNode>> getChildren(const bool &recursive) const override;

@@ -120,6 +120,29 @@ bool HierarchyNodeInstance::setParent(const std::weak_ptr<HierarchyNode> &newPar
     return taken;
 }
 
+bool HierarchyNodeInstance::setDeleteFlagIfEmpty()
+{
+    // Released after the locks, as is what leaves the table: the parent may hold the last pointer to this.
+    const std::shared_ptr<HierarchyNode> keepAlive = weak_from_this().lock();
+    for (;;) {
+        const InstancePointer above = instanceAbove();
+        const ScopedLock parentLock(above.get());
+        const ScopedLock lock(this);
+        if (isDeleteFlagSet() || (childNodes && childNodes->size() > 0))
+            return isDeleteFlagSet();
+        {
+            const std::lock_guard<std::mutex> shape(shapeMutex());
+            if (above ? !above->isParentOf(*this) : !parent.expired())
+                continue; // moved meanwhile
+            deleteFlag.store(true, std::memory_order_release);
+            point(nullptr);
+        }
+        if (above)
+            leave(*above);
+        return true;
+    }
+}
+
 // One connection serves all children, where a connection each would cost more than the rest of a leaf. A
 // child on another thread hears of the change there.
 void HierarchyNodeInstance::forwardPathChange()
