@@ -104,6 +104,7 @@ private Q_SLOTS:
     void aSaveHoldsNoLockAndEndsExceptions();
     void aRemovedBackendAnswersEmpty();
     void validationsAreAssignedAndRemoved();
+    void aPathMayBeDeeperThanAStack();
     void everythingAnswersEmptyAfterAStop();
 
 private:
@@ -332,6 +333,20 @@ void ManagedRepositoryTest::validationsAreAssignedAndRemoved()
     QCOMPARE(update("a.x", 1), UpdateResult::Ok);
     QVERIFY(!validation->ranLocked);
     QVERIFY(known->unregisterValidation("never"));
+}
+
+void ManagedRepositoryTest::aPathMayBeDeeperThanAStack()
+{
+    const QString path = QStringLiteral("a.").repeated(100000) + QLatin1Char('a');
+    QVERIFY(create(path, 1));
+    QCOMPARE(read(path), QVariant(1));
+    QCOMPARE(update(path, 2), UpdateResult::Ok);
+    QCOMPARE(repository->getQueryInterface()->queryAttributes(path).size(), 1);
+    QCOMPARE(repository->getQueryInterface()->queryAttributes("*").size(), 100001);
+    QVERIFY(repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
+    QVERIFY(!read("a").isValid());
+    // The stop lets go of such a tree as well.
+    QVERIFY(create(path, 1));
 }
 
 void ManagedRepositoryTest::everythingAnswersEmptyAfterAStop()
