@@ -37,7 +37,7 @@ private:
         const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
             root()->findChildByRelativePath("plant." + name));
         QVariant value;
-        if (!attribute || !attribute->getValue(value, 0))
+        if (!attribute || !attribute->getValue(value, 0) || !value.isValid())
             return paths;
         auto targets = value.value<HierarchyStringPathLink>();
         while (!targets.isEmpty()) {
@@ -211,24 +211,23 @@ private Q_SLOTS:
 
     void discardedElementsAreNotLoaded()
     {
-        store("slow", 2);
         store("late", 2);
-        auto &pool = run->pool();
-        twin->arrange(Operation::DeserializeElement, Fault::Hang, 1, StorageTwin::Always);
-        QVERIFY(run->create(storage, stub("slow")));
-        QTRY_COMPARE(twin->hanging(), 1);
-        // All threads are busy, so that the elements of the other entry stay in the queue.
-        const int threads = pool.maxThreadCount();
-        pool.setMaxThreadCount(1);
-        QVERIFY(run->create(storage, stub("late")));
-        const auto late = child("late");
-        if (late->getLoadStatus() == LoadStatus::CurrentlyLoading)
-            pool.clear();
+        run->pool().setMaxThreadCount(8);
+        twin->arrange(Operation::SerializeElement, Fault::Hang, 1, StorageTwin::Always);
+        const auto gate = run->addEntry(run->record("gate", "disk"));
+        for (int i = 0; i < 8; ++i)
+            run->pool().startCreateTask(gate, {}, QVariant::fromValue(run->value(1, 1)), CreatePoint::All);
+        QTRY_COMPARE(twin->hanging(), 8);
+        // All threads are busy, so that the elements stay in the queue.
+        EntryCreateTask task({}, storage, {}, QVariant::fromValue(stub("late")), CreatePoint::Done);
+        task.run();
+        QCOMPARE(child("late")->getLoadStatus(), LoadStatus::CurrentlyLoading);
+        run->pool().clear();
+        QCOMPARE(child("late")->getLoadStatus(), LoadStatus::NotLoaded);
+        QCOMPARE(child("late")->copyData().serialize.pendingCreates.load(), 0u);
         twin->forgetFaults();
         twin->release();
-        QTRY_COMPARE(child("slow")->getLoadStatus(), LoadStatus::Loaded);
-        QTRY_COMPARE(late->getLoadStatus(), LoadStatus::NotLoaded);
-        pool.setMaxThreadCount(threads);
+        QTRY_COMPARE(gate->getNumberOfChildren(), 8u);
     }
 
     void elementsAreCopied()
