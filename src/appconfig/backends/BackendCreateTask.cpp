@@ -49,12 +49,11 @@ public:
     {
         for (int attempt = 0; attempt < MaximumAttempts && !parent->isDeleteFlagSet(); ++attempt) {
             QList<NodePtr> way{parent};
-            for (const QString &element : parentElements) {
-                const NodePtr next = childOf(way.constLast(), element);
-                if (!next)
-                    return false;
-                way.append(next);
-            }
+            for (const QString &element : parentElements)
+                way.append(childOf(way.constLast(), element));
+            // What another task made first may have gone again with it.
+            if (way.contains(nullptr))
+                continue;
             if (!way.constLast()->addChild(backend, nullptr))
                 return false;
             // Another task may have taken one of them away as one that stayed empty.
@@ -69,6 +68,8 @@ public:
 private:
     NodePtr childOf(const NodePtr &parent, const QString &id)
     {
+        if (!parent)
+            return nullptr;
         if (auto present = parent->findChildByRelativePath(id))
             return present;
         const auto made = MakeNode<HierarchyNodeInstance>(id);
