@@ -1,0 +1,283 @@
+// What it costs to bring values into a database: by the storage alone, and by the whole library, against the
+// same rows by QSqlQuery in groups of 1,000.
+
+#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/interfaces/RepositoryInterface.h>
+#include <core/CoreInterface.h>
+#include <core/Library.h>
+
+#include <QCoreApplication>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QUuid>
+
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <plugins/support/LoadedStorages.h>
+#include <plugins/support/PostgresServer.h>
+#include <plugins/support/StorageRecords.h>
+
+using namespace Tessellum;
+using namespace Tessellum::AppData;
+using namespace TestSupport;
+using Notification::CreatePoint;
+namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+
+namespace {
+
+constexpr double wantedRatio = 8;
+constexpr int groupSize = 1000;
+
+/*! What both engines need: an application, the library, a folder and a server. */
+class Place
+{
+public:
+    static Place &instance()
+    {
+        static auto *const place = new Place;
+        return *place;
+    }
+    /*! A medium with nothing in it. */
+    std::shared_ptr<StorageImplementation> makeStorage(bool postgresql)
+    {
+        const QString name = QStringLiteral("medium%1").arg(++number);
+        return postgresql
+            ? MakeStorage(QStringLiteral(POSTGRESQL_PLUGIN), QStringLiteral("postgresql"), server().url(name))
+            : MakeStorage(QStringLiteral(SQLITE_PLUGIN), QStringLiteral("sqlite"), freshFile());
+    }
+    QString freshFile() { return folder.filePath(QStringLiteral("file%1").arg(++number)); }
+    PostgresServer &server()
+    {
+        if (!database) {
+            database = std::make_unique<PostgresServer>();
+            if (!database->start())
+                qFatal("the server does not start");
+        }
+        return *database;
+    }
+
+private:
+    Place()
+        : application(argumentCount, arguments)
+    {
+        initializeLibrary();
+        std::atexit([] {
+            instance().database.reset();
+            instance().folder.remove();
+        });
+    }
+
+    int argumentCount = 1;
+    char program[6] = "bench";
+    char *arguments[2] = {program, nullptr};
+    QCoreApplication application;
+    QTemporaryDir folder;
+    std::unique_ptr<PostgresServer> database;
+    int number = 0;
+};
+
+QByteArray bytesOf(double value)
+{
+    return QByteArray(reinterpret_cast<const char *>(&value), sizeof value);
+}
+
+/*! The storage alone; ends when all is on the medium. */
+void record(benchmark::State &state, bool postgresql)
+{
+    QStringList uuids;
+    for (qint64 i = 0; i < state.range(0); ++i)
+        uuids.append(QUuid::createUuid().toString());
+    for (auto _ : state) {
+        state.PauseTiming();
+        const auto storage = Place::instance().makeStorage(postgresql);
+        const QString entry = Uuid();
+        if (!storage || !storage->connectStorage() || !storage->serializeEntry(entry, Record()))
+            state.SkipWithError("the storage does not open");
+        state.ResumeTiming();
+        for (qint64 i = 0; i < state.range(0); ++i)
+            storage->serializeElement(entry, uuids.at(int(i)), Values(quint64(i), bytesOf(double(i))));
+        storage->disconnectStorage();
+    }
+    state.counters["items"] = double(state.range(0));
+    state.counters["aim"] = wantedRatio;
+}
+
+/*! By addDataElementValue(), without waiting for each. */
+void recordByLibrary(benchmark::State &state, bool postgresql)
+{
+    Place &place = Place::instance();
+    const auto repository = getCoreInterface()->getAppDataRepository();
+    const QString name = QStringLiteral("archive");
+    for (auto _ : state) {
+        state.PauseTiming();
+        Storages::StorageCreateDataDetails details;
+        details.implementation = place.makeStorage(postgresql);
+        repository->getStorageInterface()->addStorage(QStringLiteral("bench"), name, details,
+                                                      CreatePoint::Done, name);
+        const auto entry = repository->getDataEntryInterface()->addDataEntryExtended(
+            name,
+            {{Specify::Classification(), QStringLiteral("bench")},
+             {Specify::Name(), QStringLiteral("values")},
+             {Specify::CategoryType(), quint32(CategoryType::Float)},
+             {Specify::Persistence(), quint32(PersistenceType::Persistent)},
+             {Specify::Capacity(), quint64(0)}});
+        if (!entry) {
+            state.SkipWithError("the entry is not made");
+            break;
+        }
+        state.ResumeTiming();
+        const auto manipulation = entry->getManipulationInterface();
+        for (qint64 i = 0; i < state.range(0); ++i)
+            manipulation->addDataElementValue(quint64(i), ElementValueKind::ParsedValue, double(i),
+                                              CreatePoint::All);
+        while (entry->getQueryInterface()->countElements(ActivationMask::All) < quint64(state.range(0)))
+            QThread::msleep(1);
+        details.implementation->disconnectStorage();
+        state.PauseTiming();
+        repository->getStorageInterface()->removeStorage(name);
+        state.ResumeTiming();
+    }
+    state.counters["items"] = double(state.range(0));
+    state.counters["aim"] = wantedRatio;
+}
+
+/*! The rows, with stamp and value alone. */
+void insertRows(benchmark::State &state, QSqlDatabase &database, const QString &table)
+{
+    QSqlQuery query(database);
+    query.exec(QStringLiteral("CREATE TABLE %1 (stamp bigint, value double precision)").arg(table));
+    query.prepare(QStringLiteral("INSERT INTO %1 (stamp, value) VALUES (?, ?)").arg(table));
+    for (qint64 i = 0; i < state.range(0); ++i) {
+        if (i % groupSize == 0)
+            database.transaction();
+        query.bindValue(0, i);
+        query.bindValue(1, double(i));
+        query.exec();
+        if (i % groupSize == groupSize - 1)
+            database.commit();
+    }
+}
+
+void RecordSqlite(benchmark::State &state)
+{
+    record(state, false);
+}
+BENCHMARK(RecordSqlite)->Arg(1000000)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void RecordByLibrarySqlite(benchmark::State &state)
+{
+    recordByLibrary(state, false);
+}
+BENCHMARK(RecordByLibrarySqlite)->Arg(1000000)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void floorSqlite(benchmark::State &state)
+{
+    for (auto _ : state) {
+        {
+            QSqlDatabase database
+                = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("floor"));
+            database.setDatabaseName(Place::instance().freshFile());
+            database.open();
+            QSqlQuery(database).exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+            QSqlQuery(database).exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+            insertRows(state, database, QStringLiteral("rows"));
+            database.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("floor"));
+    }
+    state.counters["items"] = double(state.range(0));
+}
+BENCHMARK(floorSqlite)
+    ->Name("RecordSqlite_Floor")
+    ->Arg(1000000)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(floorSqlite)
+    ->Name("RecordByLibrarySqlite_Floor")
+    ->Arg(1000000)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+void RecordPostgresql(benchmark::State &state)
+{
+    record(state, true);
+}
+BENCHMARK(RecordPostgresql)->Arg(200000)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void RecordByLibraryPostgresql(benchmark::State &state)
+{
+    recordByLibrary(state, true);
+}
+BENCHMARK(RecordByLibraryPostgresql)
+    ->Arg(200000)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+void floorPostgresql(benchmark::State &state)
+{
+    for (auto _ : state) {
+        {
+            QSqlDatabase database
+                = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("floor"));
+            database.setHostName(Place::instance().server().folder());
+            database.setDatabaseName(QStringLiteral("postgres"));
+            database.setUserName(QStringLiteral("recorder"));
+            database.open();
+            QSqlQuery(database).exec(QStringLiteral("DROP TABLE IF EXISTS rows"));
+            insertRows(state, database, QStringLiteral("rows"));
+            database.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("floor"));
+    }
+    state.counters["items"] = double(state.range(0));
+}
+BENCHMARK(floorPostgresql)
+    ->Name("RecordPostgresql_Floor")
+    ->Arg(200000)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(floorPostgresql)
+    ->Name("RecordByLibraryPostgresql_Floor")
+    ->Arg(200000)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+/*! An entry of the storage as a load of it asks: the ids, then the facts of each. */
+void ReadElements(benchmark::State &state)
+{
+    const auto storage = Place::instance().makeStorage(state.range(1) != 0);
+    const QString entry = Uuid();
+    storage->connectStorage();
+    storage->serializeEntry(entry, Record());
+    for (qint64 i = 0; i < state.range(0); ++i)
+        storage->serializeElement(entry, Uuid(), Values(quint64(i), bytesOf(double(i))));
+    for (auto _ : state) {
+        state.PauseTiming();
+        storage->disconnectStorage();
+        storage->connectStorage();
+        state.ResumeTiming();
+        QStringList uuids;
+        storage->getElementIds(entry, uuids);
+        for (const QString &uuid : qAsConst(uuids)) {
+            ElementValues values;
+            storage->deserializeElement(entry, uuid, values, LoadDataHint::OnDemand);
+            benchmark::DoNotOptimize(values);
+        }
+    }
+    state.counters["items"] = double(state.range(0));
+}
+BENCHMARK(ReadElements)
+    ->Args({100000, 0})
+    ->Args({100000, 1})
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+} // namespace
