@@ -46,13 +46,14 @@ bool Recorder::start()
 bool Recorder::registerHandlers()
 {
     const auto notifications = recording.data()->getNotificationInterface();
-    // An added value is told as a create, one that overwrites the oldest of a full ring as an update.
+    // An added value is told as a create, one that overwrites the oldest of a full ring as an update. The
+    // last element of its path is a uuid, which the paths of the series themselves do not have.
+    const QString values = QStringLiteral("machine.*.{*}");
     handles.append(notifications->registerCreateHandler(
-        QStringLiteral("machine.*"),
-        [this](const QString &, const CreatePoint &, const bool &done) { written += done ? 1 : 0; },
+        values, [this](const QString &, const CreatePoint &, const bool &done) { written += done ? 1 : 0; },
         CreatePoint::Done));
     handles.append(notifications->registerUpdateHandler(
-        QStringLiteral("machine.*"),
+        values,
         [this](const QString &, const UpdatePoint &, const UpdateResult &result, const QVariant &,
                const QVariant &) { written += result == UpdateResult::Ok ? 1 : 0; },
         UpdatePoint::Done));
