@@ -71,6 +71,14 @@ void KnownElements::forget(const QString &entryUuid)
     entries.remove(entryUuid);
 }
 
+void KnownElements::forget(const Write *first, const Write *last)
+{
+    const QMutexLocker lock(&mutex);
+    ++forgotten;
+    for (const Write *write = first; write != last; ++write)
+        entries.remove(write->entry);
+}
+
 void KnownElements::clear()
 {
     const QMutexLocker lock(&mutex);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Write.h"
+
 #include <QHash>
 #include <QMutex>
 #include <QString>
@@ -35,6 +37,8 @@ public:
     quint64 incarnation() const;
     /*! Forgets the entry, as it is removed or was rolled back. */
     void forget(const QString &entryUuid);
+    /*! The entries of these writes. */
+    void forget(const Write *first, const Write *last);
     void clear();
 
 private:

@@ -136,7 +136,8 @@ bool PostgresqlDialect::isOutage(const QSqlError &error) const
 bool PostgresqlDialect::needsReconnect(SqlConnection &connection) const
 {
     const MediumError cause = connection.lastError();
-    const bool answers = connection.runOnce(QStringLiteral("SELECT 1")) != -1;
+    const bool answers
+        = connection.database().isOpen() && connection.runOnce(QStringLiteral("SELECT 1")) != -1;
     connection.fail(cause.text, cause.isOutage);
     return !answers;
 }

@@ -35,6 +35,8 @@ public:
     bool canKeep(const QString &text) const override { return !text.contains(QChar(0)); }
     bool write(SqlConnection &connection, KnownElements &known, const Write *first, const Write *last,
                int &missed) const override;
+    void committed(KnownElements &known, const Write *first, const Write *last) const override;
+    void rolledBack(KnownElements &, const Write *, const Write *) const override { }
     bool readElements(SqlConnection &connection, KnownElements &known, const QString &entry,
                       const QString &element, int span, bool withRaw,
                       std::vector<ElementRow> &rows) const override;

@@ -24,9 +24,8 @@ QString Quoted(QString text)
 class PostgresqlWrites
 {
 public:
-    PostgresqlWrites(SqlConnection &sqlConnection, KnownElements &knownElements, int &missedWrites)
+    PostgresqlWrites(SqlConnection &sqlConnection, int &missedWrites)
         : connection(sqlConnection)
-        , known(knownElements)
         , missed(missedWrites)
     { }
 
@@ -36,7 +35,6 @@ public:
         case Write::Kind::PutEntry:
             return flush() && SqlDialect::putEntry(connection, write);
         case Write::Kind::RemoveEntry:
-            known.forget(write.entry);
             // Its elements go with it.
             return flush()
                 && connection.run(QStringLiteral("DELETE FROM tessellum_entries WHERE uuid = ?"),
@@ -126,10 +124,6 @@ private:
         if (affected == -1)
             return false;
         missed += count - affected;
-        for (const Row &row : rows) {
-            if (row.whole)
-                known.addElement(row.entry, row.element, 0);
-        }
         return true;
     }
 
@@ -153,7 +147,6 @@ private:
     }
 
     SqlConnection &connection;
-    KnownElements &known;
     int &missed;
     std::vector<Row> rows;
     QHash<QPair<QString, QString>, int> places;
@@ -162,15 +155,35 @@ private:
 
 } // namespace
 
-bool PostgresqlDialect::write(SqlConnection &connection, KnownElements &known, const Write *first,
+bool PostgresqlDialect::write(SqlConnection &connection, KnownElements &, const Write *first,
                               const Write *last, int &missed) const
 {
-    PostgresqlWrites writes(connection, known, missed);
+    PostgresqlWrites writes(connection, missed);
     for (const Write *next = first; next != last; ++next) {
         if (!writes.make(*next))
             return false;
     }
     return writes.flush();
+}
+
+// So that writes can be taken while the server is away.
+void PostgresqlDialect::committed(KnownElements &known, const Write *first, const Write *last) const
+{
+    for (const Write *write = first; write != last; ++write) {
+        switch (write->kind) {
+        case Write::Kind::PutEntry:
+            known.addEntry(write->entry, 0, known.incarnation(), false);
+            break;
+        case Write::Kind::RemoveEntry:
+            known.forget(write->entry);
+            break;
+        case Write::Kind::PutElement:
+            known.addElement(write->entry, write->element, 0);
+            break;
+        case Write::Kind::UpdateElement:
+            break;
+        }
+    }
 }
 
 } // namespace Tessellum::Plugins::Sql

@@ -50,6 +50,10 @@ QSqlQuery *SqlConnection::run(const QString &statement, const QVariant *values, 
     error = MediumError();
     auto query = statements.find(statement);
     if (query == statements.end()) {
+        if (!database().isOpen()) {
+            fail(QStringLiteral("the connection is lost"));
+            return nullptr;
+        }
         QSqlQuery fresh(database());
         fresh.setForwardOnly(true);
         if (!fresh.prepare(statement)) {
@@ -79,6 +83,10 @@ bool SqlConnection::finish(QSqlQuery *query)
 int SqlConnection::runOnce(const QString &statement)
 {
     error = MediumError();
+    if (!database().isOpen()) {
+        fail(QStringLiteral("the connection is lost"));
+        return -1;
+    }
     QSqlQuery query(database());
     query.setForwardOnly(true);
     if (query.exec(statement))
@@ -128,9 +136,9 @@ bool SqlConnection::fail(const QString &text, bool isOutage)
 
 bool SqlConnection::failWith(const QSqlError &sqlError)
 {
-    QString text = sqlError.databaseText().trimmed();
+    QString text = sqlError.databaseText().simplified();
     if (text.isEmpty())
-        text = sqlError.text().trimmed();
+        text = sqlError.text().simplified();
     if (text.isEmpty())
         text = QStringLiteral("unknown error");
     return fail(text, dialect.isOutage(sqlError));

@@ -71,6 +71,9 @@ public:
      * found no entry or element. */
     virtual bool write(SqlConnection &connection, KnownElements &known, const Write *first, const Write *last,
                        int &missed) const = 0;
+    /*! The writes are in the medium, or none of them is: brings what is known in line. */
+    virtual void committed(KnownElements &known, const Write *first, const Write *last) const = 0;
+    virtual void rolledBack(KnownElements &known, const Write *first, const Write *last) const = 0;
     /*! The element and up to \a span rows that follow it, as far as they are of its entry; none where it is
      * unknown. */
     virtual bool readElements(SqlConnection &connection, KnownElements &known, const QString &entry,

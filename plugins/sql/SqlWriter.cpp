@@ -3,8 +3,6 @@
 
 #include <shared/logging/FrameworkLog.h>
 
-#include <QSet>
-
 namespace Tessellum::Plugins::Sql {
 
 using Shared::Logging::FrameworkLog;
@@ -99,17 +97,14 @@ bool SqlWriter::writeRange(SqlConnection &connection, const Write *first, const 
     int missed = 0;
     const bool written = connection.begin() && medium.dialect.write(connection, known, first, last, missed)
         && connection.commit();
-    if (!written)
+    if (!written) {
         connection.rollback();
-    if (written && missed == 0)
-        return true;
-    // What is known of these entries is not as the medium has it.
-    QSet<QString> entries;
-    for (const Write *write = first; write != last; ++write)
-        entries.insert(write->entry);
-    for (const QString &entry : qAsConst(entries))
-        known.forget(entry);
-    if (missed > 0 && written) {
+        medium.dialect.rolledBack(known, first, last);
+    } else if (missed == 0) {
+        medium.dialect.committed(known, first, last);
+    } else {
+        // What is known of these entries is not as the medium has it.
+        known.forget(first, last);
         FrameworkLog().warning() << "SqlWriter::writeRange() storage '" << medium.name << "': " << missed
                                  << " writes found their entry or element removed";
     }

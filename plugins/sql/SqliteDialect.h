@@ -23,6 +23,8 @@ public:
     bool canKeep(const QString &) const override { return true; }
     bool write(SqlConnection &connection, KnownElements &known, const Write *first, const Write *last,
                int &missed) const override;
+    void committed(KnownElements &, const Write *, const Write *) const override { }
+    void rolledBack(KnownElements &known, const Write *first, const Write *last) const override;
     bool readElements(SqlConnection &connection, KnownElements &known, const QString &entry,
                       const QString &element, int span, bool withRaw,
                       std::vector<ElementRow> &rows) const override;

@@ -187,4 +187,10 @@ bool SqliteDialect::write(SqlConnection &connection, KnownElements &known, const
     return true;
 }
 
+// Rows became known as they were made.
+void SqliteDialect::rolledBack(KnownElements &known, const Write *first, const Write *last) const
+{
+    known.forget(first, last);
+}
+
 } // namespace Tessellum::Plugins::Sql
