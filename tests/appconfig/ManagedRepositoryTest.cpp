@@ -11,6 +11,8 @@
 
 #include <QtTest>
 
+#include <support/Literals.h>
+
 using namespace Tessellum;
 using namespace Tessellum::AppConfig;
 using Attributes::AttributeReference;
@@ -91,21 +93,233 @@ private Q_SLOTS:
         run.reset();
     }
 
-    void attributesLiveFromCreateToDelete();
-    void aTextIsReadAsANumberUnderTheLocales();
-    void patternsSelectAttributes();
-    void customDataServesTheAskedAccess();
-    void aReaderMayUpdateAnotherPath();
-    void updatesCreateWhatIsMissingIfTheSettingsSaySo();
-    void anAutomaticCreateLeavesWhatExists();
-    void internalIsForConstSearchesAlone();
-    void onlyAttributesAreDeleted();
-    void backendsAreCreatedFoundAndSaved();
-    void aSaveHoldsNoLockAndEndsExceptions();
-    void aRemovedBackendAnswersEmpty();
-    void validationsAreAssignedAndRemoved();
-    void aPathMayBeDeeperThanAStack();
-    void everythingAnswersEmptyAfterAStop();
+    void attributesLiveFromCreateToDelete()
+    {
+        QVERIFY(create("device.gain", 1));
+        QCOMPARE(read("device.gain", QMetaType::Double), QVariant(1.0));
+        QVERIFY(!read("device").isValid());
+        QVERIFY(repository->getQueryInterface()->getAttribute("device"));
+        QCOMPARE(update("device.gain", 2.5), UpdateResult::Ok);
+        QCOMPARE(read("device.gain"), QVariant(2.5));
+
+        QVERIFY(create("device.serial", "A7", 1));
+        QCOMPARE(update("device.serial", "B"), UpdateResult::ApplyFailed);
+        QVERIFY(!create(QString(), 1));
+
+        const auto kept = repository->getQueryInterface()->getAttribute("device.gain");
+        QVERIFY(repository->getManipulationInterface()->deleteAttribute("device", DeletePoint::Done));
+        QVERIFY(!repository->getQueryInterface()->getAttribute("device.gain"));
+        QTRY_VERIFY(kept->isDeleteFlagSet());
+        QCOMPARE(update("device.gain", 3), UpdateResult::NodeGone);
+    }
+
+    void patternsSelectAttributes()
+    {
+        for (const char *path : {"a.b1.x", "a.b2", "a.c", "d"})
+            QVERIFY(create(path, path));
+        const auto query = repository->getQueryInterface();
+        QCOMPARE(paths(query->queryAttributes("a.b*")), QStringList({"a.b1", "a.b1.x", "a.b2"}));
+        QCOMPARE(paths(query->queryAttributes("*.")), QStringList({"a", "d"}));
+        QCOMPARE(paths(query->queryAttributes("a.?")), QStringList({"a.c"}));
+        QCOMPARE(paths(query->queryAttributes(QString())), QStringList());
+        const auto found
+            = std::dynamic_pointer_cast<AttributeReference>(query->queryAttributes("d").value(0));
+        QVERIFY(found);
+        QVERIFY(!found->setValue("changed"));
+    }
+
+    void customDataServesTheAskedAccess()
+    {
+        const auto manipulation = repository->getManipulationInterface();
+        const auto data = std::make_shared<CustomData>();
+        for (int access = 0; access <= 4; ++access) {
+            const QString path = "custom%1"_s.arg(access);
+            QVERIFY(manipulation->createAttribute(path, 7, data, CreatePoint::Done, access));
+            const auto attribute = repository->getQueryInterface()->getAttribute(path);
+            QVERIFY(attribute);
+            QCOMPARE(attribute->getAccess(), quint32(access == 4 ? 0 : access));
+            QCOMPARE(update(path, 5), access & 2 ? UpdateResult::Ok : UpdateResult::ApplyFailed);
+        }
+        QCOMPARE(read("custom1"), QVariant(7));
+        QCOMPARE(read("custom3"), QVariant(50));
+        QVERIFY(!read("custom2").isValid());
+        const int reads = data->reads;
+        read("custom3", QMetaType::QString);
+        QCOMPARE(data->reads - reads, 1);
+        QVERIFY(!manipulation->createAttribute("none", 1, nullptr, CreatePoint::Done, 3));
+    }
+
+    void aReaderMayUpdateAnotherPath()
+    {
+        const auto data = std::make_shared<CustomData>();
+        data->onRead = [this] { return QVariant(int(update("counter", 1))); };
+        QVERIFY(create("counter", 0));
+        QVERIFY(repository->getManipulationInterface()->createAttribute("reader", {}, data, CreatePoint::Done,
+                                                                        3));
+        QCOMPARE(read("reader"), QVariant(int(UpdateResult::Ok)));
+        QCOMPARE(read("counter"), QVariant(1));
+        // The task of this update reads too, on a thread of the pool that its own update needs.
+        QCOMPARE(update("reader", 1), UpdateResult::Ok);
+    }
+
+    void updatesCreateWhatIsMissingIfTheSettingsSaySo()
+    {
+        QCOMPARE(update("new.value", 1), UpdateResult::NodeGone); // the setting is not there
+        run->setAutomaticCreate(false);
+        QCOMPARE(update("new.value", 1), UpdateResult::NodeGone);
+        QVERIFY(!repository->getQueryInterface()->getAttribute("new"));
+
+        run->setAutomaticCreate(true);
+        QCOMPARE(update("new.value", 1), UpdateResult::Ok);
+        QCOMPARE(read("new.value"), QVariant(1));
+        QCOMPARE(repository->getQueryInterface()->getAttribute("new.value")->getAccess(), 3U);
+        QCOMPARE(update("internal.repository.other", 1), UpdateResult::NodeGone);
+    }
+
+    void anAutomaticCreateLeavesWhatExists()
+    {
+        run->setAutomaticCreate(true);
+        QVERIFY(create("raced", 5, 1));
+        // What an update starts that found nothing, just before another thread created the attribute.
+        const auto observer = run->provider().getManipulationProvider()->startAutomaticCreate("raced");
+        QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), observer));
+        QCOMPARE(read("raced"), QVariant(5));
+        QCOMPARE(repository->getQueryInterface()->getAttribute("raced")->getAccess(), 1U);
+    }
+
+    void onlyAttributesAreDeleted()
+    {
+        TestBackend::registerType("plain");
+        QVERIFY(createBackend("plain", "store"));
+        const auto manipulation = repository->getManipulationInterface();
+        for (const char *path : {"store", "internal", "internal.names", "missing", ""})
+            QVERIFY2(!manipulation->deleteAttribute(path, DeletePoint::Done), path);
+        QVERIFY(repository->getBackendInterface()->hasBackend("store"));
+        QVERIFY(run->provider().getRoot()->hasChild("internal"));
+    }
+
+    void backendsAreCreatedFoundAndSaved()
+    {
+        TestBackend::registerType("plain");
+        const auto backends = repository->getBackendInterface();
+        QVERIFY(repository->getBackendTypes().contains("plain"));
+        QVERIFY(createBackend("plain", "store", "A store"));
+        QVERIFY(!createBackend("plain", "store"));
+        QVERIFY(!createBackend("no such type", "other"));
+        QCOMPARE(backends->getBackendNames(), QStringList("store"));
+        QVERIFY(backends->hasBackend("store"));
+        QVERIFY(!backends->hasBackend("other"));
+        QCOMPARE(backends->getBackendDescription("store"), QString("A store"));
+        QCOMPARE(backends->getBackendDescription("other"), QString());
+        QCOMPARE(backends->getBackend("store")->getType(), QString("plain"));
+        QVERIFY(backends->saveBackend("store"));
+        QVERIFY(backends->saveBackend("other"));
+
+        Backends::BackendCreateDataDetails details;
+        const auto inner = run->provider().getBackendProvider()->startCreateBackend(
+            "plain", "deep.inner", details, CreatePoint::Done, run->provider().getInternalRoot());
+        QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), inner));
+        QCOMPARE(backends->getBackend("inner")->getType(), QString("plain"));
+    }
+
+    void aSaveHoldsNoLockAndEndsExceptions()
+    {
+        QVERIFY(create("x", 4));
+        TestBackend::registerType("reading", [this](TestBackend &backend) {
+            backend.onSave
+                = [this] { return read("x") == QVariant(4) && update("x", 5) == UpdateResult::Ok; };
+        });
+        TestBackend::registerType("throwing", [](TestBackend &backend) {
+            backend.onSave = []() -> bool { throw std::runtime_error("disk"); };
+        });
+        QVERIFY(createBackend("reading", "reading") && createBackend("throwing", "throwing"));
+        QVERIFY(repository->getBackendInterface()->saveBackend("reading"));
+        QVERIFY(!repository->getBackendInterface()->saveBackend("throwing"));
+    }
+
+    void aRemovedBackendAnswersEmpty()
+    {
+        TestBackend::registerType("plain");
+        const auto backends = repository->getBackendInterface();
+        QVERIFY(create("parent", 1));
+        QVERIFY(createBackend("plain", "parent.store", "A store"));
+        const auto before = backends->getBackend("store");
+        QCOMPARE(before->getId(), QString("store"));
+        QVERIFY(repository->getManipulationInterface()->deleteAttribute("parent", DeletePoint::Done));
+        QTRY_COMPARE(before->getId(), QString());
+        QTRY_VERIFY(!backends->hasBackend("store"));
+        QVERIFY(backends->getBackend("store"));
+        QCOMPARE(backends->getBackend("store")->getDescription(), QString());
+    }
+
+    void validationsAreAssignedAndRemoved()
+    {
+        const auto known = Validation::AttributeValidationRepository::getInstance();
+        const auto validation = Notification::utils::MakeNode<NeverValid>("never"_s);
+        QVERIFY(known->registerValidation(validation));
+        for (const char *path : {"a.x", "a.y", "b"})
+            QVERIFY(create(path, 0));
+        const auto validations = repository->getValidationInterface();
+        QCOMPARE(validations->getValidationIds(), QStringList("never"));
+        QCOMPARE(validations->assignValidation("a.*", "never"), 2);
+        QCOMPARE(validations->assignValidation("a.*", "never"), 0);
+        QCOMPARE(validations->assignValidation("a.*", "unknown"), 0);
+        QCOMPARE(update("a.x", 1), UpdateResult::CheckFailed);
+        QCOMPARE(update("b", 1), UpdateResult::Ok);
+        QCOMPARE(validations->removeValidation("*", "never"), 2);
+        QCOMPARE(update("a.x", 1), UpdateResult::Ok);
+        QVERIFY(!validation->ranLocked);
+        QVERIFY(known->unregisterValidation("never"));
+    }
+
+    void aPathMayBeDeeperThanAStack()
+    {
+        const QString path = "a."_s.repeated(100000) + QLatin1Char('a');
+        QVERIFY(create(path, 1));
+        QCOMPARE(read(path), QVariant(1));
+        QCOMPARE(update(path, 2), UpdateResult::Ok);
+        QCOMPARE(repository->getQueryInterface()->queryAttributes(path).size(), 1);
+        QCOMPARE(repository->getQueryInterface()->queryAttributes("*").size(), 100001);
+        QVERIFY(repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
+        QVERIFY(!read("a").isValid());
+        // The stop lets go of such a tree as well.
+        QVERIFY(create(path, 1));
+    }
+
+    void everythingAnswersEmptyAfterAStop()
+    {
+        QVERIFY(create("a", 1));
+        const auto heard = std::make_shared<std::atomic<int>>(0);
+        const auto notifications = repository->getNotificationInterface();
+        QVERIFY(notifications);
+        QVERIFY(!run->provider().getNotificationInterface());
+        const auto reference = repository->getQueryInterface()->getAttribute("a");
+        QVERIFY(!repository->isExpired());
+
+        const auto expectEmpty = [&] {
+            QVERIFY(repository->isExpired());
+            QVERIFY(!read("a").isValid());
+            QVERIFY(!repository->getQueryInterface()->getAttribute("a"));
+            QVERIFY(repository->getQueryInterface()->queryAttributes("*").isEmpty());
+            QVERIFY(!create("b", 1));
+            QCOMPARE(update("a", 2), UpdateResult::NodeGone);
+            QVERIFY(!repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
+            QVERIFY(!createBackend("plain", "store"));
+            QVERIFY(!repository->getBackendInterface()->getBackend("store"));
+            QVERIFY(!repository->getBackendInterface()->saveBackend("store"));
+            QVERIFY(repository->getBackendInterface()->getBackendNames().isEmpty());
+            QCOMPARE(repository->getValidationInterface()->assignValidation("*", "never"), 0);
+            QVERIFY(!notifications->registerCreateHandler(
+                "*", [heard](const QString &, const CreatePoint &, const bool &) { ++*heard; },
+                CreatePoint::All));
+        };
+        run->stop();
+        QCOMPARE(reference->getId(), QString());
+        expectEmpty();
+        run = std::make_unique<RunningRepository>();
+        expectEmpty();
+        QCOMPARE(repository->getPathElementsFromPath("a.b"), QStringList({"a", "b"}));
+    }
 
 private:
     bool create(const QString &path, const QVariant &value, int access = 3)
@@ -133,256 +347,6 @@ private:
     std::shared_ptr<TessellumLocalizationInterfaceProvider> localization;
     std::unique_ptr<ManagedRepository> repository;
 };
-
-void ManagedRepositoryTest::attributesLiveFromCreateToDelete()
-{
-    QVERIFY(create("device.gain", 1));
-    QCOMPARE(read("device.gain", QMetaType::Double), QVariant(1.0));
-    QVERIFY(!read("device").isValid());
-    QVERIFY(repository->getQueryInterface()->getAttribute("device"));
-    QCOMPARE(update("device.gain", 2.5), UpdateResult::Ok);
-    QCOMPARE(read("device.gain"), QVariant(2.5));
-
-    QVERIFY(create("device.serial", "A7", 1));
-    QCOMPARE(update("device.serial", "B"), UpdateResult::ApplyFailed);
-    QVERIFY(!create(QString(), 1));
-
-    const auto kept = repository->getQueryInterface()->getAttribute("device.gain");
-    QVERIFY(repository->getManipulationInterface()->deleteAttribute("device", DeletePoint::Done));
-    QVERIFY(!repository->getQueryInterface()->getAttribute("device.gain"));
-    QTRY_VERIFY(kept->isDeleteFlagSet());
-    QCOMPARE(update("device.gain", 3), UpdateResult::NodeGone);
-}
-
-void ManagedRepositoryTest::aTextIsReadAsANumberUnderTheLocales()
-{
-    localization->registerAdditionalLocale(QLocale(QLocale::German));
-    QVERIFY(create("gain", "1,5"));
-    QCOMPARE(read("gain", QMetaType::Double), QVariant(1.5));
-    QCOMPARE(read("gain"), QVariant("1,5"));
-    QVERIFY(create("text", "none"));
-    QVERIFY(!read("text", QMetaType::Double).isValid());
-}
-
-void ManagedRepositoryTest::patternsSelectAttributes()
-{
-    for (const char *path : {"a.b1.x", "a.b2", "a.c", "d"})
-        QVERIFY(create(path, path));
-    const auto query = repository->getQueryInterface();
-    QCOMPARE(paths(query->queryAttributes("a.b*")), QStringList({"a.b1", "a.b1.x", "a.b2"}));
-    QCOMPARE(paths(query->queryAttributes("*.")), QStringList({"a", "d"}));
-    QCOMPARE(paths(query->queryAttributes("a.?")), QStringList({"a.c"}));
-    QCOMPARE(paths(query->queryAttributes(QString())), QStringList());
-    const auto found = std::dynamic_pointer_cast<AttributeReference>(query->queryAttributes("d").value(0));
-    QVERIFY(found);
-    QVERIFY(!found->setValue("changed"));
-}
-
-void ManagedRepositoryTest::customDataServesTheAskedAccess()
-{
-    const auto manipulation = repository->getManipulationInterface();
-    const auto data = std::make_shared<CustomData>();
-    for (int access = 0; access <= 4; ++access) {
-        const QString path = QStringLiteral("custom%1").arg(access);
-        QVERIFY(manipulation->createAttribute(path, 7, data, CreatePoint::Done, access));
-        const auto attribute = repository->getQueryInterface()->getAttribute(path);
-        QVERIFY(attribute);
-        QCOMPARE(attribute->getAccess(), quint32(access == 4 ? 0 : access));
-        QCOMPARE(update(path, 5), access & 2 ? UpdateResult::Ok : UpdateResult::ApplyFailed);
-    }
-    QCOMPARE(read("custom1"), QVariant(7));
-    QCOMPARE(read("custom3"), QVariant(50));
-    QVERIFY(!read("custom2").isValid());
-    const int reads = data->reads;
-    read("custom3", QMetaType::QString);
-    QCOMPARE(data->reads - reads, 1);
-    QVERIFY(!manipulation->createAttribute("none", 1, nullptr, CreatePoint::Done, 3));
-}
-
-void ManagedRepositoryTest::aReaderMayUpdateAnotherPath()
-{
-    const auto data = std::make_shared<CustomData>();
-    data->onRead = [this] { return QVariant(int(update("counter", 1))); };
-    QVERIFY(create("counter", 0));
-    QVERIFY(
-        repository->getManipulationInterface()->createAttribute("reader", {}, data, CreatePoint::Done, 3));
-    QCOMPARE(read("reader"), QVariant(int(UpdateResult::Ok)));
-    QCOMPARE(read("counter"), QVariant(1));
-    // The task of this update reads too, on a thread of the pool that its own update needs.
-    QCOMPARE(update("reader", 1), UpdateResult::Ok);
-}
-
-void ManagedRepositoryTest::updatesCreateWhatIsMissingIfTheSettingsSaySo()
-{
-    QCOMPARE(update("new.value", 1), UpdateResult::NodeGone); // the setting is not there
-    run->setAutomaticCreate(false);
-    QCOMPARE(update("new.value", 1), UpdateResult::NodeGone);
-    QVERIFY(!repository->getQueryInterface()->getAttribute("new"));
-
-    run->setAutomaticCreate(true);
-    QCOMPARE(update("new.value", 1), UpdateResult::Ok);
-    QCOMPARE(read("new.value"), QVariant(1));
-    QCOMPARE(repository->getQueryInterface()->getAttribute("new.value")->getAccess(), 3U);
-    QCOMPARE(update("internal.repository.other", 1), UpdateResult::NodeGone);
-}
-
-void ManagedRepositoryTest::anAutomaticCreateLeavesWhatExists()
-{
-    run->setAutomaticCreate(true);
-    QVERIFY(create("raced", 5, 1));
-    // What an update starts that found nothing, just before another thread created the attribute.
-    const auto observer = run->provider().getManipulationProvider()->startAutomaticCreate("raced");
-    QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), observer));
-    QCOMPARE(read("raced"), QVariant(5));
-    QCOMPARE(repository->getQueryInterface()->getAttribute("raced")->getAccess(), 1U);
-}
-
-void ManagedRepositoryTest::internalIsForConstSearchesAlone()
-{
-    const QString path = "internal.repository.automatic_create_through_updates";
-    run->setAutomaticCreate(true);
-    const auto query = repository->getQueryInterface();
-    QCOMPARE(read(path), QVariant(true));
-    QVERIFY(std::shared_ptr<const AttributesQueryInterface>(query)->getAttribute(path));
-    QVERIFY(!query->getAttribute(path));
-    QVERIFY(query->queryAttributes("*").isEmpty());
-    QVERIFY(query->queryAttributes("internal.*").isEmpty());
-    QVERIFY(!create("internal.repository.mine", 1));
-    QVERIFY(!read("internal.repository.mine").isValid());
-}
-
-void ManagedRepositoryTest::onlyAttributesAreDeleted()
-{
-    TestBackend::registerType("plain");
-    QVERIFY(createBackend("plain", "store"));
-    const auto manipulation = repository->getManipulationInterface();
-    for (const char *path : {"store", "internal", "internal.names", "missing", ""})
-        QVERIFY2(!manipulation->deleteAttribute(path, DeletePoint::Done), path);
-    QVERIFY(repository->getBackendInterface()->hasBackend("store"));
-    QVERIFY(run->provider().getRoot()->hasChild("internal"));
-}
-
-void ManagedRepositoryTest::backendsAreCreatedFoundAndSaved()
-{
-    TestBackend::registerType("plain");
-    const auto backends = repository->getBackendInterface();
-    QVERIFY(repository->getBackendTypes().contains("plain"));
-    QVERIFY(createBackend("plain", "store", "A store"));
-    QVERIFY(!createBackend("plain", "store"));
-    QVERIFY(!createBackend("no such type", "other"));
-    QCOMPARE(backends->getBackendNames(), QStringList("store"));
-    QVERIFY(backends->hasBackend("store"));
-    QVERIFY(!backends->hasBackend("other"));
-    QCOMPARE(backends->getBackendDescription("store"), QString("A store"));
-    QCOMPARE(backends->getBackendDescription("other"), QString());
-    QCOMPARE(backends->getBackend("store")->getType(), QString("plain"));
-    QVERIFY(backends->saveBackend("store"));
-    QVERIFY(backends->saveBackend("other"));
-
-    Backends::BackendCreateDataDetails details;
-    const auto inner = run->provider().getBackendProvider()->startCreateBackend(
-        "plain", "deep.inner", details, CreatePoint::Done, run->provider().getInternalRoot());
-    QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), inner));
-    QCOMPARE(backends->getBackend("inner")->getType(), QString("plain"));
-}
-
-void ManagedRepositoryTest::aSaveHoldsNoLockAndEndsExceptions()
-{
-    QVERIFY(create("x", 4));
-    TestBackend::registerType("reading", [this](TestBackend &backend) {
-        backend.onSave = [this] { return read("x") == QVariant(4) && update("x", 5) == UpdateResult::Ok; };
-    });
-    TestBackend::registerType("throwing", [](TestBackend &backend) {
-        backend.onSave = []() -> bool { throw std::runtime_error("disk"); };
-    });
-    QVERIFY(createBackend("reading", "reading") && createBackend("throwing", "throwing"));
-    QVERIFY(repository->getBackendInterface()->saveBackend("reading"));
-    QVERIFY(!repository->getBackendInterface()->saveBackend("throwing"));
-}
-
-void ManagedRepositoryTest::aRemovedBackendAnswersEmpty()
-{
-    TestBackend::registerType("plain");
-    const auto backends = repository->getBackendInterface();
-    QVERIFY(create("parent", 1));
-    QVERIFY(createBackend("plain", "parent.store", "A store"));
-    const auto before = backends->getBackend("store");
-    QCOMPARE(before->getId(), QString("store"));
-    QVERIFY(repository->getManipulationInterface()->deleteAttribute("parent", DeletePoint::Done));
-    QTRY_COMPARE(before->getId(), QString());
-    QTRY_VERIFY(!backends->hasBackend("store"));
-    QVERIFY(backends->getBackend("store"));
-    QCOMPARE(backends->getBackend("store")->getDescription(), QString());
-}
-
-void ManagedRepositoryTest::validationsAreAssignedAndRemoved()
-{
-    const auto known = Validation::AttributeValidationRepository::getInstance();
-    const auto validation = Notification::utils::MakeNode<NeverValid>(QStringLiteral("never"));
-    QVERIFY(known->registerValidation(validation));
-    for (const char *path : {"a.x", "a.y", "b"})
-        QVERIFY(create(path, 0));
-    const auto validations = repository->getValidationInterface();
-    QCOMPARE(validations->getValidationIds(), QStringList("never"));
-    QCOMPARE(validations->assignValidation("a.*", "never"), 2);
-    QCOMPARE(validations->assignValidation("a.*", "never"), 0);
-    QCOMPARE(validations->assignValidation("a.*", "unknown"), 0);
-    QCOMPARE(update("a.x", 1), UpdateResult::CheckFailed);
-    QCOMPARE(update("b", 1), UpdateResult::Ok);
-    QCOMPARE(validations->removeValidation("*", "never"), 2);
-    QCOMPARE(update("a.x", 1), UpdateResult::Ok);
-    QVERIFY(!validation->ranLocked);
-    QVERIFY(known->unregisterValidation("never"));
-}
-
-void ManagedRepositoryTest::aPathMayBeDeeperThanAStack()
-{
-    const QString path = QStringLiteral("a.").repeated(100000) + QLatin1Char('a');
-    QVERIFY(create(path, 1));
-    QCOMPARE(read(path), QVariant(1));
-    QCOMPARE(update(path, 2), UpdateResult::Ok);
-    QCOMPARE(repository->getQueryInterface()->queryAttributes(path).size(), 1);
-    QCOMPARE(repository->getQueryInterface()->queryAttributes("*").size(), 100001);
-    QVERIFY(repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
-    QVERIFY(!read("a").isValid());
-    // The stop lets go of such a tree as well.
-    QVERIFY(create(path, 1));
-}
-
-void ManagedRepositoryTest::everythingAnswersEmptyAfterAStop()
-{
-    QVERIFY(create("a", 1));
-    const auto heard = std::make_shared<std::atomic<int>>(0);
-    const auto notifications = repository->getNotificationInterface();
-    QVERIFY(notifications);
-    QVERIFY(!run->provider().getNotificationInterface());
-    const auto reference = repository->getQueryInterface()->getAttribute("a");
-    QVERIFY(!repository->isExpired());
-
-    const auto expectEmpty = [&] {
-        QVERIFY(repository->isExpired());
-        QVERIFY(!read("a").isValid());
-        QVERIFY(!repository->getQueryInterface()->getAttribute("a"));
-        QVERIFY(repository->getQueryInterface()->queryAttributes("*").isEmpty());
-        QVERIFY(!create("b", 1));
-        QCOMPARE(update("a", 2), UpdateResult::NodeGone);
-        QVERIFY(!repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
-        QVERIFY(!createBackend("plain", "store"));
-        QVERIFY(!repository->getBackendInterface()->getBackend("store"));
-        QVERIFY(!repository->getBackendInterface()->saveBackend("store"));
-        QVERIFY(repository->getBackendInterface()->getBackendNames().isEmpty());
-        QCOMPARE(repository->getValidationInterface()->assignValidation("*", "never"), 0);
-        QVERIFY(!notifications->registerCreateHandler(
-            "*", [heard](const QString &, const CreatePoint &, const bool &) { ++*heard; },
-            CreatePoint::All));
-    };
-    run->stop();
-    QCOMPARE(reference->getId(), QString());
-    expectEmpty();
-    run = std::make_unique<RunningRepository>();
-    expectEmpty();
-    QCOMPARE(repository->getPathElementsFromPath("a.b"), QStringList({"a", "b"}));
-}
 
 QTEST_GUILESS_MAIN(ManagedRepositoryTest)
 #include "ManagedRepositoryTest.moc"

@@ -5,11 +5,12 @@
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
 
-#include <QMutex>
 #include <QSemaphore>
 #include <QtTest>
 
 #include <atomic>
+#include <support/Literals.h>
+#include <support/LogCapture.h>
 #include <thread>
 
 using namespace Tessellum;
@@ -57,255 +58,219 @@ class LibraryTest : public QObject
 private Q_SLOTS:
     void cleanup() { uninitializeLibrary(); }
 
-    void resultsOfStartAndStop();
-    void localesAndHash();
-    void internalTree();
-    void versionInformation();
-    void everyStartGivesTheSameTree();
-    void failedStart();
-    void stopInsideHandlerIsRefused();
-    void sinkOfAStartMayCallBoth();
-    void stopWaitsForTheRunningHandler();
-    void threadsRace();
-};
-
-void LibraryTest::resultsOfStartAndStop()
-{
-    QCOMPARE(uninitializeLibrary(), 0);
-    QVERIFY(!getCoreInterface());
-    QCOMPARE(initializeLibrary(), 0);
-    QCOMPARE(initializeLibrary(), 1);
-    Core::CoreInterface *const core = getCoreInterface();
-    QVERIFY(core);
-    QVERIFY(core->getAppConfigRepository());
-    Core::CoreInterface *seenByOtherThread = nullptr;
-    std::thread([&] { seenByOtherThread = getCoreInterface(); }).join();
-    QCOMPARE(seenByOtherThread, core);
-    QCOMPARE(uninitializeLibrary(), 1);
-    QVERIFY(!getCoreInterface());
-    QVERIFY(!core->getAppConfigRepository());
-    QCOMPARE(uninitializeLibrary(), 0);
-}
-
-void LibraryTest::localesAndHash()
-{
-    QString hash;
-    QVERIFY(!getLibraryHash(nullptr));
-    QVERIFY(getLibraryHash(&hash));
-    QCOMPARE(hash, QStringLiteral("7b1f3c9a5e2d4860c1a7f0e93b6d28547fa9c3e1026bd8f45a7e1c390d6b4f28"));
-
-    std::weak_ptr<Core::CoreLocalizationInterface> locales;
-    QVERIFY(!getLocalizationInterface(locales));
-    QCOMPARE(initializeLibrary(), 0);
-    QVERIFY(getLocalizationInterface(locales));
-    QCOMPARE(locales.lock()->defaultLocale(), QLocale(QLocale::C, QLocale::AnyCountry));
-    QVERIFY(!locales.lock()->isLocaleRegistered(locales.lock()->defaultLocale()));
-}
-
-void LibraryTest::internalTree()
-{
-    QCOMPARE(initializeLibrary(), 0);
-    const auto repository = getCoreInterface()->getAppConfigRepository();
-    const auto query = std::const_pointer_cast<const AppConfig::Interfaces::AttributesQueryInterface>(
-        repository->getQueryInterface());
-    const auto read = [&](const QString &path) {
-        QVariant value;
-        const auto attribute = query->getAttribute(QStringLiteral("internal.") + path);
-        return attribute && attribute->getValue(value, 0) ? value : QVariant();
-    };
-    QCOMPARE(read(QStringLiteral("repository.update_threads")), QVariant(QThread::idealThreadCount()));
-    QCOMPARE(read(QStringLiteral("repository.automatic_create_through_updates")), QVariant(true));
-    QCOMPARE(read(QStringLiteral("repository.path_separator")), QVariant(QStringLiteral(".")));
-    QCOMPARE(read(QStringLiteral("repository.list_separators")), QVariant(QStringLiteral(";")));
-    QCOMPARE(read(QStringLiteral("repository.names_ignore_case")), QVariant(true));
-    QCOMPARE(read(QStringLiteral("repository.library_hash")).toString().size(), 64);
-    QCOMPARE(read(QStringLiteral("types.backends.json")), QVariant(QStringLiteral("Backend: json")));
-    QCOMPARE(read(QStringLiteral("types.validations.limit_int")),
-             QVariant(QStringLiteral("Validation: limit_int")));
-    const int number = QMetaType::type("Tessellum::Notification::CreateObserver::ResultType");
-    QCOMPARE(read(QStringLiteral("metatypes.repository.%1").arg(number)),
-             QVariant(QStringLiteral("Tessellum::Notification::CreateObserver::ResultType")));
-    QTRY_COMPARE(read(QStringLiteral("types.backends"))
-                     .toString()
-                     .split(QLatin1Char(';'))
-                     .contains(QStringLiteral("json")),
-                 true);
-
-    // Only reading passes the link.
-    QVERIFY(!repository->getQueryInterface()->getAttribute(
-        QStringLiteral("internal.repository.list_separators")));
-    QVERIFY(!repository->getManipulationInterface()->createAttribute(QStringLiteral("internal.x"), 1,
-                                                                     Notification::CreatePoint::Done, 3));
-    QVERIFY(!repository->getManipulationInterface()->deleteAttribute(QStringLiteral("internal"),
-                                                                     Notification::DeletePoint::Done));
-}
-
-void LibraryTest::versionInformation()
-{
-    unsigned int count = 0;
-    QString value = QStringLiteral("old");
-    QString name;
-    QVERIFY(!getVersionInformation(0, nullptr, &name, nullptr));
-    QVERIFY(getVersionInformation(-1, nullptr, nullptr, &count));
-    QCOMPARE(count, 11u);
-    QVERIFY(getVersionInformation(7, &value, &name, nullptr));
-    QCOMPARE(value, QString());
-    QCOMPARE(name, QString("ProductName"));
-
-    QCOMPARE(initializeLibrary(), 0);
-    QVERIFY(getVersionInformation(7, &value, nullptr, nullptr));
-    QCOMPARE(value, QString("Tessellum library"));
-    for (const int outside : {-1, 11}) {
-        QVERIFY(getVersionInformation(outside, &value, &name, &count));
-        QVERIFY(value.isEmpty() && name.isEmpty());
-    }
-    const auto *const provider = AppConfig::utils::RepositoryProvider::getInstance();
-    const auto modules = provider->getListPattern(QStringLiteral("names"), QStringLiteral("modules"));
-    QCOMPARE(modules->getElements(), QStringList("Tessellum"));
-    QVariant place;
-    QVERIFY(modules->getElement("Tessellum")->getValue(place, QMetaType::QString));
-    QCOMPARE(place, QVariant("internal.modules.information.Tessellum"));
-    const auto repository = getCoreInterface()->getAppConfigRepository();
-    QVERIFY(repository->getBackendInterface()->hasBackend("Tessellum"));
-    QVERIFY(!repository->getBackendInterface()->saveBackend("Tessellum"));
-}
-
-void LibraryTest::everyStartGivesTheSameTree()
-{
-    QCOMPARE(initializeLibrary(), 0);
-    const QStringList first = settledInternalTree();
-    QVERIFY(first.size() > 30);
-    for (int i = 0; i < 20; ++i) {
-        QCOMPARE(uninitializeLibrary(), 1);
+    void resultsOfStartAndStop()
+    {
+        QCOMPARE(uninitializeLibrary(), 0);
+        QVERIFY(!getCoreInterface());
         QCOMPARE(initializeLibrary(), 0);
-        QCOMPARE(settledInternalTree(), first);
+        QCOMPARE(initializeLibrary(), 1);
+        Core::CoreInterface *const core = getCoreInterface();
+        QVERIFY(core);
+        QVERIFY(core->getAppConfigRepository());
+        Core::CoreInterface *seenByOtherThread = nullptr;
+        std::thread([&] { seenByOtherThread = getCoreInterface(); }).join();
+        QCOMPARE(seenByOtherThread, core);
+        QCOMPARE(uninitializeLibrary(), 1);
+        QVERIFY(!getCoreInterface());
+        QVERIFY(!core->getAppConfigRepository());
+        QCOMPARE(uninitializeLibrary(), 0);
     }
-}
 
-void LibraryTest::failedStart()
-{
-    QCOMPARE(initializeLibrary(), 0);
-    const QStringList expected = settledInternalTree();
-    QCOMPARE(uninitializeLibrary(), 1);
+    void localesAndHash()
+    {
+        QString hash;
+        QVERIFY(!getLibraryHash(nullptr));
+        QVERIFY(getLibraryHash(&hash));
+        QCOMPARE(hash, "7b1f3c9a5e2d4860c1a7f0e93b6d28547fa9c3e1026bd8f45a7e1c390d6b4f28"_s);
 
-    startFault = true;
-    QCOMPARE(initializeLibrary(), -1);
-    QCOMPARE(uninitializeLibrary(), 0);
-    QVERIFY(!getCoreInterface());
-    startFault = false;
-    QCOMPARE(initializeLibrary(), 0);
-    QCOMPARE(settledInternalTree(), expected);
-    const auto manipulation = getCoreInterface()->getAppConfigRepository()->getManipulationInterface();
-    QVERIFY(manipulation->createAttribute(QStringLiteral("a"), 1, Notification::CreatePoint::Done, 3));
-    QCOMPARE(uninitializeLibrary(), 1);
-    QCOMPARE(initializeLibrary(), 0);
-    QCOMPARE(settledInternalTree(), expected);
-}
-
-void LibraryTest::stopInsideHandlerIsRefused()
-{
-    QCOMPARE(initializeLibrary(), 0);
-    QMutex mutex;
-    QStringList criticals;
-    const QString sink = Shared::Logging::LogHandler::RegisterMessageSink(
-        [&](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &level,
-            const QString &text) {
-            const QMutexLocker locker(&mutex);
-            if (level.getLogLevel() == Shared::Logging::LogMessageType::critical)
-                criticals.append(text);
-        });
-    const auto repository = getCoreInterface()->getAppConfigRepository();
-    std::atomic<int> result{-1};
-    QSemaphore called;
-    const auto handle = repository->getNotificationInterface()->registerCreateHandler(
-        QStringLiteral("a"),
-        [&](const QString &, const Notification::CreatePoint &, const bool &) {
-            result = uninitializeLibrary();
-            called.release();
-        },
-        Notification::CreatePoint::Done);
-    QVERIFY(repository->getManipulationInterface()->createAttribute(QStringLiteral("a"), 1,
-                                                                    Notification::CreatePoint::Done, 3));
-    QVERIFY(called.tryAcquire(1, 30000));
-    QCOMPARE(result.load(), 2);
-    QVERIFY(getCoreInterface());
-    QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
-    const QMutexLocker locker(&mutex);
-    QCOMPARE(criticals.size(), 1);
-}
-
-void LibraryTest::sinkOfAStartMayCallBoth()
-{
-    const Qt::HANDLE starter = QThread::currentThreadId();
-    QStringList heard;
-    const QString sink = Shared::Logging::LogHandler::RegisterMessageSink(
-        [&](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &,
-            const QString &text) {
-            if (QThread::currentThreadId() == starter)
-                heard.append(
-                    QStringLiteral("%1 %2 %3").arg(uninitializeLibrary()).arg(initializeLibrary()).arg(text));
-        });
-    startLogs = true;
-    const int result = initializeLibrary();
-    startLogs = false;
-    QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
-    QCOMPARE(result, 0);
-    QVERIFY(getCoreInterface());
-    // The line of the refusal comes first: the sink hears it while it is still in its call.
-    QCOMPARE(
-        heard,
-        (QStringList{QStringLiteral("2 1 uninitializeLibrary() called by a task or a handler, nothing done"),
-                     QStringLiteral("2 1 a step of the start")}));
-}
-
-void LibraryTest::stopWaitsForTheRunningHandler()
-{
-    using Notification::UpdateResult;
-    QCOMPARE(initializeLibrary(), 0);
-    const auto repository = getCoreInterface()->getAppConfigRepository();
-    const auto manipulation = repository->getManipulationInterface();
-    const auto update = [&manipulation] {
-        return manipulation->updateAttribute(QStringLiteral("a"), 2, Notification::UpdatePoint::Done);
-    };
-    QSemaphore running;
-    std::atomic<int> updated{-1};
-    const auto handle = repository->getNotificationInterface()->registerCreateHandler(
-        QStringLiteral("a"),
-        [&](const QString &, const Notification::CreatePoint &, const bool &) {
-            running.release();
-            while (getCoreInterface())
-                std::this_thread::yield();
-            updated = static_cast<int>(update()); // the tree stands as long as a handler runs
-        },
-        Notification::CreatePoint::Done);
-    QVERIFY(manipulation->createAttribute(QStringLiteral("a"), 1, Notification::CreatePoint::Done, 3));
-    QVERIFY(running.tryAcquire(1, 30000));
-    QCOMPARE(uninitializeLibrary(), 1);
-    QCOMPARE(updated.load(), static_cast<int>(UpdateResult::Ok));
-    QCOMPARE(update(), UpdateResult::NodeGone);
-}
-
-void LibraryTest::threadsRace()
-{
-    std::atomic<int> started{0};
-    std::atomic<int> stopped{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 20; ++round) {
-                started += initializeLibrary() == 0 ? 1 : 0;
-                if (Core::CoreInterface *const core = getCoreInterface())
-                    core->getAppConfigRepository();
-                stopped += uninitializeLibrary() == 1 ? 1 : 0;
-            }
-        });
+        std::weak_ptr<Core::CoreLocalizationInterface> locales;
+        QVERIFY(!getLocalizationInterface(locales));
+        QCOMPARE(initializeLibrary(), 0);
+        QVERIFY(getLocalizationInterface(locales));
+        QCOMPARE(locales.lock()->defaultLocale(), QLocale(QLocale::C, QLocale::AnyCountry));
+        QVERIFY(!locales.lock()->isLocaleRegistered(locales.lock()->defaultLocale()));
     }
-    for (std::thread &thread : threads)
-        thread.join();
-    const int last = uninitializeLibrary();
-    QCOMPARE(stopped + last, started.load());
-    QVERIFY(started > 0);
-}
+
+    void internalTree()
+    {
+        QCOMPARE(initializeLibrary(), 0);
+        const auto repository = getCoreInterface()->getAppConfigRepository();
+        const auto query = std::const_pointer_cast<const AppConfig::Interfaces::AttributesQueryInterface>(
+            repository->getQueryInterface());
+        const auto read = [&](const QString &path) {
+            QVariant value;
+            const auto attribute = query->getAttribute("internal."_s + path);
+            return attribute && attribute->getValue(value, 0) ? value : QVariant();
+        };
+        const char *const result = "Tessellum::Notification::CreateObserver::ResultType";
+        const QPair<QString, QVariant> expected[]
+            = {{"repository.update_threads", QThread::idealThreadCount()},
+               {"repository.automatic_create_through_updates", true},
+               {"repository.path_separator", "."},
+               {"repository.list_separators", ";"},
+               {"repository.names_ignore_case", true},
+               {"types.backends.json", "Backend: json"},
+               {"types.validations.limit_int", "Validation: limit_int"},
+               {"metatypes.repository.%1"_s.arg(QMetaType::type(result)), result}};
+        for (const auto &[path, value] : expected)
+            QCOMPARE(read(path), value);
+        QCOMPARE(read("repository.library_hash").toString().size(), 64);
+        QTRY_VERIFY(read("types.backends").toString().split(';').contains("json"));
+
+        // Only reading passes the link.
+        QVERIFY(!repository->getQueryInterface()->getAttribute("internal.repository.list_separators"));
+        QVERIFY(repository->getQueryInterface()->queryAttributes("internal.*").isEmpty());
+        QVERIFY(!repository->getManipulationInterface()->createAttribute("internal.x"_s, 1,
+                                                                         Notification::CreatePoint::Done, 3));
+        QVERIFY(!repository->getManipulationInterface()->deleteAttribute("internal"_s,
+                                                                         Notification::DeletePoint::Done));
+    }
+
+    void versionInformation()
+    {
+        unsigned int count = 0;
+        QString value = "old"_s;
+        QString name;
+        QVERIFY(!getVersionInformation(0, nullptr, &name, nullptr));
+        QVERIFY(getVersionInformation(-1, nullptr, nullptr, &count));
+        QCOMPARE(count, 11u);
+        QVERIFY(getVersionInformation(7, &value, &name, nullptr));
+        QCOMPARE(value, QString());
+        QCOMPARE(name, QString("ProductName"));
+
+        QCOMPARE(initializeLibrary(), 0);
+        QVERIFY(getVersionInformation(7, &value, nullptr, nullptr));
+        QCOMPARE(value, QString("Tessellum library"));
+        for (const int outside : {-1, 11}) {
+            QVERIFY(getVersionInformation(outside, &value, &name, &count));
+            QVERIFY(value.isEmpty() && name.isEmpty());
+        }
+        const auto *const provider = AppConfig::utils::RepositoryProvider::getInstance();
+        const auto modules = provider->getListPattern("names"_s, "modules"_s);
+        QCOMPARE(modules->getElements(), QStringList("Tessellum"));
+        QVariant place;
+        QVERIFY(modules->getElement("Tessellum")->getValue(place, QMetaType::QString));
+        QCOMPARE(place, QVariant("internal.modules.information.Tessellum"));
+        const auto repository = getCoreInterface()->getAppConfigRepository();
+        QVERIFY(repository->getBackendInterface()->hasBackend("Tessellum"));
+        QVERIFY(!repository->getBackendInterface()->saveBackend("Tessellum"));
+    }
+
+    void everyStartGivesTheSameTree()
+    {
+        QCOMPARE(initializeLibrary(), 0);
+        const QStringList expected = settledInternalTree();
+        QVERIFY(expected.size() > 30);
+        QCOMPARE(uninitializeLibrary(), 1);
+        startFault = true;
+        QCOMPARE(initializeLibrary(), -1);
+        QCOMPARE(uninitializeLibrary(), 0);
+        QVERIFY(!getCoreInterface());
+        startFault = false;
+        QCOMPARE(initializeLibrary(), 0);
+        QCOMPARE(settledInternalTree(), expected);
+        const auto manipulation = getCoreInterface()->getAppConfigRepository()->getManipulationInterface();
+        QVERIFY(manipulation->createAttribute("a"_s, 1, Notification::CreatePoint::Done, 3));
+        for (int i = 0; i < 10; ++i) {
+            QCOMPARE(uninitializeLibrary(), 1);
+            QCOMPARE(initializeLibrary(), 0);
+            QCOMPARE(settledInternalTree(), expected);
+        }
+    }
+
+    void stopInsideHandlerIsRefused()
+    {
+        QCOMPARE(initializeLibrary(), 0);
+        const TestSupport::LogCapture log;
+        const auto repository = getCoreInterface()->getAppConfigRepository();
+        std::atomic<int> result{-1};
+        QSemaphore called;
+        const auto handle = repository->getNotificationInterface()->registerCreateHandler(
+            "a"_s,
+            [&](const QString &, const Notification::CreatePoint &, const bool &) {
+                result = uninitializeLibrary();
+                called.release();
+            },
+            Notification::CreatePoint::Done);
+        QVERIFY(repository->getManipulationInterface()->createAttribute("a"_s, 1,
+                                                                        Notification::CreatePoint::Done, 3));
+        QVERIFY(called.tryAcquire(1, 30000));
+        QCOMPARE(result.load(), 2);
+        QVERIFY(getCoreInterface());
+        QCOMPARE(log.lines().filter("CRITICAL ").size(), 1);
+    }
+
+    void sinkOfAStartMayCallBoth()
+    {
+        const Qt::HANDLE starter = QThread::currentThreadId();
+        QStringList heard;
+        const QString sink = Shared::Logging::LogHandler::RegisterMessageSink(
+            [&](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &,
+                const QString &text) {
+                if (QThread::currentThreadId() == starter)
+                    heard.append("%1 %2 %3"_s.arg(uninitializeLibrary()).arg(initializeLibrary()).arg(text));
+            });
+        startLogs = true;
+        const int result = initializeLibrary();
+        startLogs = false;
+        QVERIFY(Shared::Logging::LogHandler::UnregisterMessageSink(sink));
+        QCOMPARE(result, 0);
+        QVERIFY(getCoreInterface());
+        // The line of the refusal comes first: the sink hears it while it is still in its call.
+        QCOMPARE(heard,
+                 (QStringList{"2 1 uninitializeLibrary() called by a task or a handler, nothing done"_s,
+                              "2 1 a step of the start"_s}));
+    }
+
+    void stopWaitsForTheRunningHandler()
+    {
+        using Notification::UpdateResult;
+        QCOMPARE(initializeLibrary(), 0);
+        const auto repository = getCoreInterface()->getAppConfigRepository();
+        const auto manipulation = repository->getManipulationInterface();
+        const auto update = [&manipulation] {
+            return manipulation->updateAttribute("a"_s, 2, Notification::UpdatePoint::Done);
+        };
+        QSemaphore running;
+        std::atomic<int> updated{-1};
+        const auto handle = repository->getNotificationInterface()->registerCreateHandler(
+            "a"_s,
+            [&](const QString &, const Notification::CreatePoint &, const bool &) {
+                running.release();
+                while (getCoreInterface())
+                    std::this_thread::yield();
+                updated = static_cast<int>(update()); // the tree stands as long as a handler runs
+            },
+            Notification::CreatePoint::Done);
+        QVERIFY(manipulation->createAttribute("a"_s, 1, Notification::CreatePoint::Done, 3));
+        QVERIFY(running.tryAcquire(1, 30000));
+        QCOMPARE(uninitializeLibrary(), 1);
+        QCOMPARE(updated.load(), static_cast<int>(UpdateResult::Ok));
+        QCOMPARE(update(), UpdateResult::NodeGone);
+    }
+
+    void threadsRace()
+    {
+        std::atomic<int> started{0};
+        std::atomic<int> stopped{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                for (int round = 0; round < 20; ++round) {
+                    started += initializeLibrary() == 0 ? 1 : 0;
+                    if (Core::CoreInterface *const core = getCoreInterface())
+                        core->getAppConfigRepository();
+                    stopped += uninitializeLibrary() == 1 ? 1 : 0;
+                }
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        const int last = uninitializeLibrary();
+        QCOMPARE(stopped + last, started.load());
+        QVERIFY(started > 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(LibraryTest)
 #include "LibraryTest.moc"

@@ -2,11 +2,13 @@
 
 #include <shared/foundation/StringHelpers.h>
 
+#include <support/Literals.h>
+
 namespace {
 
 QString keyOf(const QString &path, int point, qlonglong value)
 {
-    return QStringLiteral("%1|%2|%3").arg(path).arg(point).arg(value);
+    return "%1|%2|%3"_s.arg(path).arg(point).arg(value);
 }
 
 /*! What \a handler heard, as counts by key; creates and deletes of one path can come several times. */
@@ -15,15 +17,14 @@ QHash<QString, int> countHeard(StressHandler &handler, QString &difference)
     QHash<QString, int> counts;
     for (const StressHandler::Heard &heard : handler.takeHeard()) {
         if (!handler.wants(heard.point))
-            difference = QStringLiteral("heard of point %1 at %2, registered for %3")
-                             .arg(heard.point)
+            difference = "heard of point %1 at %2, registered for %3"_s.arg(heard.point)
                              .arg(heard.path)
                              .arg(handler.point);
         const int count = ++counts[keyOf(heard.path, heard.point, heard.value)];
-        const bool tellsOthers = heard.path.startsWith(QStringLiteral("stress.shared."))
+        const bool tellsOthers = heard.path.startsWith("stress.shared."_s)
             && heard.point == static_cast<int>(Tessellum::Notification::UpdatePoint::Done);
         if (handler.kind == StressKind::Update && count > 1 && !tellsOthers)
-            difference = QStringLiteral("heard twice of value %1 at %2").arg(heard.value).arg(heard.path);
+            difference = "heard twice of value %1 at %2"_s.arg(heard.value).arg(heard.path);
     }
     return counts;
 }
@@ -77,12 +78,12 @@ QString StressRecord::findDifference() const
         }
         for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
             if (counts.value(it.key()) < it.value())
-                difference = QStringLiteral("pattern %1 point %2: %3 expected %4 times, heard %5 times")
-                                 .arg(handler->pattern)
-                                 .arg(handler->point)
-                                 .arg(it.key())
-                                 .arg(it.value())
-                                 .arg(counts.value(it.key()));
+                difference
+                    = "pattern %1 point %2: %3 expected %4 times, heard %5 times"_s.arg(handler->pattern)
+                          .arg(handler->point)
+                          .arg(it.key())
+                          .arg(it.value())
+                          .arg(counts.value(it.key()));
         }
     }
     return difference;

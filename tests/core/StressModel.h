@@ -27,7 +27,7 @@ struct StressOperation
 {
     StressKind kind;
     QString path;
-    qlonglong value; ///< of an update: unique in the whole run
+    qlonglong value; // of an update: unique in the whole run
     quint64 begun;
     QVector<int> points;
 };
@@ -67,7 +67,7 @@ public:
     const QString pattern;
     const int point;
     const int allPoints;
-    quint64 registered = 0; ///< taken after the registration returned
+    quint64 registered = 0; // taken after the registration returned
     /*! Ended while work went on: what was queued for it then is skipped, so nothing counts as missing. */
     std::atomic<bool> endedEarly{false};
 

@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/Literals.h>
+
 using namespace Tessellum;
 
 namespace {
@@ -23,11 +25,78 @@ class StressTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void everythingAtOnce();
+    void everythingAtOnce()
+    {
+        QFile limits(folder.filePath("limits.ini"_s));
+        QVERIFY(limits.open(QIODevice::WriteOnly));
+        limits.write("[not_negative]\nType=limit_double\nMinimum=0\n");
+        limits.close();
+
+        // Each refused update says so.
+        Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::critical);
+        TestSupport::Watchdog watchdog;
+        StressGate gate(workerCount);
+        for (int i = 0; i < workerCount; ++i)
+            workers.append(std::make_shared<StressWorker>(i, gate, record));
+        const auto joinWorkers = qScopeGuard([&] {
+            gate.end();
+            for (const auto &worker : qAsConst(workers))
+                worker->wait();
+            workers.clear();
+            uninitializeLibrary();
+        });
+        for (const auto &worker : qAsConst(workers))
+            worker->start();
+        gate.close();
+
+        QElapsedTimer passed;
+        passed.start();
+        int runs = 0;
+        int operations = 0;
+        int heard = 0;
+        while (passed.elapsed() < TestSupport::StressSeconds() * 1000) {
+            QVERIFY(startRun());
+            record.clear();
+            StressWorker::stopping = false;
+            watchdog.progress("start");
+            gate.open();
+            QTest::qWait(400); // the length of a run, not a wait for a condition
+            gate.close();
+            watchdog.progress("work");
+            compare();
+            if (QTest::currentTestFailed())
+                return;
+            operations += record.operationCount();
+            heard += record.heardCount();
+            // The stop comes in the middle of the next operations.
+            StressWorker::stopping = true;
+            gate.open();
+            QCOMPARE(uninitializeLibrary(), 1);
+            gate.close();
+            watchdog.progress("stop");
+            ++runs;
+        }
+        qInfo("%d runs, %d acknowledged operations, %d notifications", runs, operations, heard);
+        QVERIFY(operations > 0 && heard > 0);
+    }
 
 private:
     bool startRun();
-    void compare();
+    void compare()
+    {
+        AppConfig::utils::RepositoryProvider *const provider
+            = AppConfig::utils::RepositoryProvider::getInstance();
+        QVERIFY(provider->getThreadPool().waitForDone(60000));
+        QVERIFY(Notification::NotificationThreadPool().waitForDone(60000));
+        QCOMPARE(record.findDifference(), QString());
+        for (const auto &worker : qAsConst(workers))
+            QCOMPARE(worker->findDifference(), QString());
+        for (const auto &[names, list] : provider->getListPatterns()) {
+            QVariant text;
+            list->getValue(text, 0);
+            QCOMPARE(text.toString(), list->getElements().join(QLatin1Char(';')));
+        }
+    }
 
     QTemporaryDir folder;
     StressRecord record;
@@ -41,101 +110,23 @@ bool StressTest::startRun()
     const auto repository = getCoreInterface()->getAppConfigRepository();
     const auto backends = repository->getBackendInterface();
     AppConfig::Backends::BackendCreateDataDetails file;
-    file.data = folder.filePath(QStringLiteral("stress.json"));
+    file.data = folder.filePath("stress.json"_s);
     AppConfig::Backends::BackendCreateDataDetails limits;
-    limits.data = folder.filePath(QStringLiteral("limits.ini"));
-    bool ok = backends->createBackend(QStringLiteral("memory"), QStringLiteral("stress"), {},
-                                      Notification::CreatePoint::Done)
-        && backends->createBackend(QStringLiteral("json"), QStringLiteral("file"), file,
-                                   Notification::CreatePoint::Done)
-        && backends->createBackend(QStringLiteral("constraints"), QStringLiteral("limits"), limits,
-                                   Notification::CreatePoint::Done);
+    limits.data = folder.filePath("limits.ini"_s);
+    bool ok = backends->createBackend("memory"_s, "stress"_s, {}, Notification::CreatePoint::Done)
+        && backends->createBackend("json"_s, "file"_s, file, Notification::CreatePoint::Done)
+        && backends->createBackend("constraints"_s, "limits"_s, limits, Notification::CreatePoint::Done);
     const auto manipulation = repository->getManipulationInterface();
-    ok = manipulation->createAttribute(QStringLiteral("stress.limited"), 0, Notification::CreatePoint::Done,
-                                       3)
-        && ok;
+    ok = manipulation->createAttribute("stress.limited"_s, 0, Notification::CreatePoint::Done, 3) && ok;
     for (const auto &worker : qAsConst(workers)) {
         worker->beginRun();
-        for (const QString &part : {QStringLiteral(".a"), QStringLiteral(".b")})
+        for (const QString &part : {".a"_s, ".b"_s})
             ok = manipulation->createAttribute(worker->prefix() + part, QVariant(),
                                                Notification::CreatePoint::Done, 3)
                 && ok;
     }
-    return repository->getValidationInterface()->assignValidation(QStringLiteral("stress.limited"),
-                                                                  QStringLiteral("not_negative"))
-        == 1
+    return repository->getValidationInterface()->assignValidation("stress.limited"_s, "not_negative"_s) == 1
         && ok;
-}
-
-void StressTest::compare()
-{
-    AppConfig::utils::RepositoryProvider *const provider
-        = AppConfig::utils::RepositoryProvider::getInstance();
-    QVERIFY(provider->getThreadPool().waitForDone(60000));
-    QVERIFY(Notification::NotificationThreadPool().waitForDone(60000));
-    QCOMPARE(record.findDifference(), QString());
-    for (const auto &worker : qAsConst(workers))
-        QCOMPARE(worker->findDifference(), QString());
-    for (const auto &[names, list] : provider->getListPatterns()) {
-        QVariant text;
-        list->getValue(text, 0);
-        QCOMPARE(text.toString(), list->getElements().join(QLatin1Char(';')));
-    }
-}
-
-void StressTest::everythingAtOnce()
-{
-    QFile limits(folder.filePath(QStringLiteral("limits.ini")));
-    QVERIFY(limits.open(QIODevice::WriteOnly));
-    limits.write("[not_negative]\nType=limit_double\nMinimum=0\n");
-    limits.close();
-
-    // Each refused update says so.
-    Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::critical);
-    TestSupport::Watchdog watchdog;
-    StressGate gate(workerCount);
-    for (int i = 0; i < workerCount; ++i)
-        workers.append(std::make_shared<StressWorker>(i, gate, record));
-    const auto joinWorkers = qScopeGuard([&] {
-        gate.end();
-        for (const auto &worker : qAsConst(workers))
-            worker->wait();
-        workers.clear();
-        uninitializeLibrary();
-    });
-    for (const auto &worker : qAsConst(workers))
-        worker->start();
-    gate.close();
-
-    QElapsedTimer passed;
-    passed.start();
-    int runs = 0;
-    int operations = 0;
-    int heard = 0;
-    while (passed.elapsed() < TestSupport::StressSeconds() * 1000) {
-        QVERIFY(startRun());
-        record.clear();
-        StressWorker::stopping = false;
-        watchdog.progress("start");
-        gate.open();
-        QTest::qWait(400); // the length of a run, not a wait for a condition
-        gate.close();
-        watchdog.progress("work");
-        compare();
-        if (QTest::currentTestFailed())
-            return;
-        operations += record.operationCount();
-        heard += record.heardCount();
-        // The stop comes in the middle of the next operations.
-        StressWorker::stopping = true;
-        gate.open();
-        QCOMPARE(uninitializeLibrary(), 1);
-        gate.close();
-        watchdog.progress("stop");
-        ++runs;
-    }
-    qInfo("%d runs, %d acknowledged operations, %d notifications", runs, operations, heard);
-    QVERIFY(operations > 0 && heard > 0);
 }
 
 QTEST_GUILESS_MAIN(StressTest)

@@ -4,6 +4,8 @@
 #include <core/Library.h>
 #include <shared/hierarchy/HierarchyNode.h>
 
+#include <support/Literals.h>
+
 using namespace Tessellum;
 using Notification::CreatePoint;
 using Notification::DeletePoint;
@@ -98,7 +100,7 @@ void StressWorker::doSomething()
     else if (dice < 50)
         update(randomOwnPath(), true);
     else if (dice < 60)
-        update(QStringLiteral("stress.shared.k%1").arg(random.bounded(10)), false);
+        update("stress.shared.k%1"_s.arg(random.bounded(10)), false);
     else if (dice < 65)
         updateRefused();
     else if (dice < 73)
@@ -112,7 +114,7 @@ void StressWorker::doSomething()
     else if (dice < 98)
         assign();
     else if (const auto found = repository())
-        found->getBackendInterface()->saveBackend(QStringLiteral("stress"));
+        found->getBackendInterface()->saveBackend("stress"_s);
 }
 
 QString StressWorker::randomOwnPath()
@@ -125,7 +127,7 @@ void StressWorker::create()
     const auto found = repository();
     if (!found)
         return;
-    const QString path = QStringLiteral("%1.a.n%2").arg(prefix()).arg(random.bounded(50));
+    const QString path = "%1.a.n%2"_s.arg(prefix()).arg(random.bounded(50));
     const qlonglong value = nextValue();
     const quint64 begun = StressClock::next();
     const bool created
@@ -160,7 +162,7 @@ void StressWorker::update(const QString &path, bool own)
 void StressWorker::updateRefused()
 {
     const auto found = repository();
-    const QString path = QStringLiteral("stress.limited");
+    const QString path = "stress.limited"_s;
     if (!found)
         return;
     const qlonglong value = -nextValue();
@@ -192,8 +194,8 @@ void StressWorker::move()
     const QString path = randomOwnPath();
     const auto root = AppConfig::utils::RepositoryProvider::getInstance()->getRoot();
     const auto node = root && !path.isEmpty() ? root->findChildByRelativePath(path) : nullptr;
-    const bool isInA = path.contains(QStringLiteral(".a."));
-    const QString target = prefix() + (isInA ? QStringLiteral(".b") : QStringLiteral(".a"));
+    const bool isInA = path.contains(".a."_s);
+    const QString target = prefix() + (isInA ? ".b"_s : ".a"_s);
     const auto parent = root ? root->findChildByRelativePath(target) : nullptr;
     const QString moved = target + QLatin1Char('.') + path.section(QLatin1Char('.'), -1);
     // A refused move leaves a node without a parent, so a taken place is not tried.
@@ -210,12 +212,12 @@ void StressWorker::read() const
     if (!found)
         return;
     const auto query = found->getQueryInterface();
-    for (const auto &attribute : query->queryAttributes(prefix() + QStringLiteral(".a.*"))) {
+    for (const auto &attribute : query->queryAttributes(prefix() + ".a.*"_s)) {
         QVariant value;
         attribute->getValue(value, QMetaType::QString);
     }
     QVariant value;
-    query->getValue(QStringLiteral("stress.limited"), value, QMetaType::Double);
+    query->getValue("stress.limited"_s, value, QMetaType::Double);
 }
 
 void StressWorker::toggleHandler()
@@ -231,7 +233,7 @@ void StressWorker::toggleHandler()
     }
     const auto notifications = found->getNotificationInterface();
     const int which = random.bounded(4);
-    const QString pattern = which == 0 ? QStringLiteral("stress.*") : prefix() + QStringLiteral(".a.n?");
+    const QString pattern = which == 0 ? "stress.*"_s : prefix() + ".a.n?"_s;
     std::shared_ptr<StressHandler> handler;
     std::shared_ptr<Notification::Interfaces::NotificationHandleInterface> handle;
     if (which < 2) {
@@ -275,8 +277,7 @@ void StressWorker::toggleHandler()
 void StressWorker::assign() const
 {
     if (const auto found = repository())
-        found->getValidationInterface()->assignValidation(QStringLiteral("stress.*"),
-                                                          QStringLiteral("not_negative"));
+        found->getValidationInterface()->assignValidation("stress.*"_s, "not_negative"_s);
 }
 
 QString StressWorker::findDifference() const
@@ -285,17 +286,12 @@ QString StressWorker::findDifference() const
     for (auto it = model.cbegin(); it != model.cend(); ++it) {
         QVariant value;
         if (!query->getValue(it.key(), value, 0) || value.toLongLong() != it.value())
-            return QStringLiteral("%1 is %2 and should be %3")
-                .arg(it.key(), value.toString())
-                .arg(it.value());
+            return "%1 is %2 and should be %3"_s.arg(it.key(), value.toString()).arg(it.value());
     }
     int present = 0;
-    for (const auto &attribute : query->queryAttributes(prefix() + QStringLiteral(".*")))
+    for (const auto &attribute : query->queryAttributes(prefix() + ".*"_s))
         present += attribute->hasValue() ? 1 : 0;
     if (present != model.size())
-        return QStringLiteral("%1 holds %2 values and should hold %3")
-            .arg(prefix())
-            .arg(present)
-            .arg(model.size());
+        return "%1 holds %2 values and should hold %3"_s.arg(prefix()).arg(present).arg(model.size());
     return QString();
 }

@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QWaitCondition>
 
+#include <support/Literals.h>
+
 /*! Lets the main thread hold all workers between two operations. */
 class StressGate
 {
@@ -45,7 +47,7 @@ public:
     /*! For the main thread, with the gate closed. */
     void beginRun();
     QString findDifference() const;
-    QString prefix() const { return QStringLiteral("stress.w%1").arg(number); }
+    QString prefix() const { return "stress.w%1"_s.arg(number); }
     /*! Set before a stop begins: what ends later is not taken for acknowledged. */
     static std::atomic<bool> stopping;
 

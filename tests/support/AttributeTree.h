@@ -9,6 +9,8 @@
 #include <notification/utils/NotificationProvider.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
+#include <support/Literals.h>
+
 namespace TestSupport {
 
 // A tree of attributes with a pool of tasks and registrations of its own, apart from the repository's.
@@ -20,7 +22,7 @@ public:
 
     AttributeTree()
         : pool(
-            QStringLiteral("test"),
+            "test"_s,
             [this](const auto &parent, const QString &path, const QVariant &data, auto waitPoint) {
                 return std::make_unique<Tessellum::AppConfig::Attributes::AttributeCreateTask>(
                     notifications.getCreateRegistration(), parent, path, data, waitPoint);

@@ -10,60 +10,55 @@ class ShellCommandTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void wordsAndJsonAreTold();
-    void faultsAreNamed_data();
-    void faultsAreNamed();
-    void hugeAndDeepLinesEnd();
-};
+    void wordsAndJsonAreTold()
+    {
+        const ShellCommand command
+            = ParseShellCommand("  update\ta.b \"x \\\" \\u00e4\" {\"k\": [1, \"] }\"]} -2.5 null nul\r\n");
+        QCOMPARE(command.error, QString());
+        QCOMPARE(command.name, QString("update"));
+        QCOMPARE(command.arguments.size(), 6);
+        QCOMPARE(command.arguments.at(0).text, QString("a.b"));
+        QVERIFY(command.arguments.at(0).value.isUndefined());
+        QCOMPARE(command.arguments.at(1).text, QString::fromUtf8("x \" ä"));
+        QCOMPARE(command.arguments.at(2).value, QJsonValue(QJsonObject{{"k", QJsonArray{1, "] }"}}}));
+        QCOMPARE(command.arguments.at(3).value, QJsonValue(-2.5));
+        QVERIFY(command.arguments.at(4).value.isNull());
+        QVERIFY(command.arguments.at(5).value.isUndefined());
 
-void ShellCommandTest::wordsAndJsonAreTold()
-{
-    const ShellCommand command
-        = ParseShellCommand("  update\ta.b \"x \\\" \\u00e4\" {\"k\": [1, \"] }\"]} -2.5 null nul\r\n");
-    QCOMPARE(command.error, QString());
-    QCOMPARE(command.name, QString("update"));
-    QCOMPARE(command.arguments.size(), 6);
-    QCOMPARE(command.arguments.at(0).text, QString("a.b"));
-    QVERIFY(command.arguments.at(0).value.isUndefined());
-    QCOMPARE(command.arguments.at(1).text, QString::fromUtf8("x \" ä"));
-    QCOMPARE(command.arguments.at(2).value, QJsonValue(QJsonObject{{"k", QJsonArray{1, "] }"}}}));
-    QCOMPARE(command.arguments.at(3).value, QJsonValue(-2.5));
-    QVERIFY(command.arguments.at(4).value.isNull());
-    QVERIFY(command.arguments.at(5).value.isUndefined());
-
-    for (const char *nothing : {"", " \t ", "# update a 1", "  #"}) {
-        const ShellCommand empty = ParseShellCommand(nothing);
-        QVERIFY(empty.name.isEmpty() && empty.error.isEmpty());
+        for (const char *nothing : {"", " \t ", "# update a 1", "  #"}) {
+            const ShellCommand empty = ParseShellCommand(nothing);
+            QVERIFY(empty.name.isEmpty() && empty.error.isEmpty());
+        }
     }
-}
 
-void ShellCommandTest::faultsAreNamed_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("open quotes") << QByteArray("get \"a") << "the JSON value at column 5 has no end";
-    QTest::newRow("escaped end") << QByteArray("get \"a\\\"") << "the JSON value at column 5 has no end";
-    QTest::newRow("open bracket") << QByteArray("get [1, {}") << "the JSON value at column 5 has no end";
-    QTest::newRow("glued") << QByteArray("get \"a\"b") << "the JSON value at column 5 has no end";
-    QTest::newRow("wrong bracket") << QByteArray("get [1}") << "the value at column 5 is no JSON";
-    QTest::newRow("bad escape") << QByteArray("get \"\\u12\"") << "the value at column 5 is no JSON";
-    QTest::newRow("no UTF-8") << QByteArray("get a\xff") << "the line is no UTF-8";
-    QTest::newRow("cut UTF-8") << QByteArray("get \xc3") << "the line is no UTF-8";
-}
+    void faultsAreNamed_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("open quotes") << QByteArray("get \"a") << "the JSON value at column 5 has no end";
+        QTest::newRow("escaped end") << QByteArray("get \"a\\\"") << "the JSON value at column 5 has no end";
+        QTest::newRow("open bracket") << QByteArray("get [1, {}") << "the JSON value at column 5 has no end";
+        QTest::newRow("glued") << QByteArray("get \"a\"b") << "the JSON value at column 5 has no end";
+        QTest::newRow("wrong bracket") << QByteArray("get [1}") << "the value at column 5 is no JSON";
+        QTest::newRow("bad escape") << QByteArray("get \"\\u12\"") << "the value at column 5 is no JSON";
+        QTest::newRow("no UTF-8") << QByteArray("get a\xff") << "the line is no UTF-8";
+        QTest::newRow("cut UTF-8") << QByteArray("get \xc3") << "the line is no UTF-8";
+    }
 
-void ShellCommandTest::faultsAreNamed()
-{
-    QFETCH(QByteArray, line);
-    QTEST(ParseShellCommand(line).error, "error");
-}
+    void faultsAreNamed()
+    {
+        QFETCH(QByteArray, line);
+        QTEST(ParseShellCommand(line).error, "error");
+    }
 
-void ShellCommandTest::hugeAndDeepLinesEnd()
-{
-    const QByteArray deep = "update a " + QByteArray(100000, '[') + QByteArray(100000, ']');
-    QVERIFY(!ParseShellCommand(deep).error.isEmpty());
-    const ShellCommand wide = ParseShellCommand("update a \"" + QByteArray(1000000, 'x') + '"');
-    QCOMPARE(wide.arguments.value(1).text.size(), 1000000);
-}
+    void hugeAndDeepLinesEnd()
+    {
+        const QByteArray deep = "update a " + QByteArray(100000, '[') + QByteArray(100000, ']');
+        QVERIFY(!ParseShellCommand(deep).error.isEmpty());
+        const ShellCommand wide = ParseShellCommand("update a \"" + QByteArray(1000000, 'x') + '"');
+        QCOMPARE(wide.arguments.value(1).text.size(), 1000000);
+    }
+};
 
 QTEST_GUILESS_MAIN(ShellCommandTest)
 #include "ShellCommandTest.moc"

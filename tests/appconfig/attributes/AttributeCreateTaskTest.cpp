@@ -1,10 +1,11 @@
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
-#include <QSemaphore>
 #include <QtTest>
 
 #include <support/AttributeTree.h>
+#include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <support/Notes.h>
 
 using namespace Tessellum::AppConfig::Attributes;
 using namespace Tessellum::Notification;
@@ -38,211 +39,174 @@ class AttributeCreateTaskTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void makesWhatIsMissingOnTheWay();
-    void overwritesAnExistingAttribute();
-    void ensureLeavesAnExistingAttributeAlone();
-    void refusesImpossiblePlaces_data();
-    void refusesImpossiblePlaces();
-    void walksThroughLinks();
-    void list();
-    void badPayloads();
-    void parentGone();
-    void notifiesEachPathOfAList();
-    void simultaneousCreationsShareTheWay();
-    void creationAgainstDeletion();
-};
-
-void AttributeCreateTaskTest::makesWhatIsMissingOnTheWay()
-{
-    AttributeTree tree;
-    QCOMPARE(createOne(tree, QStringLiteral("a.b.c"), 1), created);
-    QCOMPARE(tree.value(QStringLiteral("a.b.c")), QVariant(1));
-    QCOMPARE(tree.find(QStringLiteral("a.b.c"))->getPath(), QStringLiteral("a.b.c"));
-    QVERIFY(!tree.find(QStringLiteral("a.b"))->hasValue());
-}
-
-void AttributeCreateTaskTest::overwritesAnExistingAttribute()
-{
-    AttributeTree tree;
-    createOne(tree, QStringLiteral("a.b"), 1);
-    const auto parent = tree.find(QStringLiteral("a"));
-    QCOMPARE(create(tree, QVariant::fromValue(AttributeTree::data(QStringLiteral("a"), 2, 1))), created);
-    QCOMPARE(tree.find(QStringLiteral("a")), parent);
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(2));
-    QCOMPARE(parent->getAccess(), quint32(1));
-    QCOMPARE(tree.value(QStringLiteral("a.b")), QVariant(1));
-}
-
-void AttributeCreateTaskTest::ensureLeavesAnExistingAttributeAlone()
-{
-    AttributeTree tree;
-    const auto data = AttributeTree::data(QStringLiteral("a.b"), 2);
-    const auto ensure = QVariant::fromValue(AttributeEnsureData(data.name, data.details));
-    QCOMPARE(create(tree, ensure), created);
-    QCOMPARE(tree.value(QStringLiteral("a.b")), QVariant(2));
-    createOne(tree, QStringLiteral("a.b"), 1);
-    QCOMPARE(create(tree, ensure), created);
-    QCOMPARE(tree.value(QStringLiteral("a.b")), QVariant(1));
-}
-
-void AttributeCreateTaskTest::refusesImpossiblePlaces_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("empty element") << QStringLiteral("new..a");
-    QTest::newRow("empty end") << QStringLiteral("new.a.");
-    QTest::newRow("a node that is no attribute") << QStringLiteral("plain");
-    QTest::newRow("beneath a read-only link") << QStringLiteral("readonly.new");
-}
-
-void AttributeCreateTaskTest::refusesImpossiblePlaces()
-{
-    QFETCH(QString, name);
-    AttributeTree tree;
-    const auto target = MakeNode<HierarchyNodeInstance>(QStringLiteral("target"));
-    tree.root->addChild(MakeNode<HierarchyNodeInstance>(QStringLiteral("plain")));
-    tree.root->addChild(MakeNode<HierarchyNodeLink>(target, QStringLiteral("readonly"), true));
-    QCOMPARE(createOne(tree, name, 1), notCreated);
-    QCOMPARE(tree.root->getNumberOfChildren(), quint64(2));
-    QCOMPARE(target->getNumberOfChildren(), quint64(0));
-}
-
-void AttributeCreateTaskTest::walksThroughLinks()
-{
-    AttributeTree tree;
-    const auto target = MakeNode<HierarchyNodeInstance>(QStringLiteral("target"));
-    tree.root->addChild(MakeNode<HierarchyNodeLink>(target, QStringLiteral("link"), false));
-    const TestSupport::LogCapture log;
-    QCOMPARE(createOne(tree, QStringLiteral("link.a.b"), 1), created);
-    QCOMPARE(createOne(tree, QStringLiteral("link.a.c"), 2), created);
-    QCOMPARE(createOne(tree, QStringLiteral("link.a.b"), 3), created);
-    QCOMPARE(target->getChildren(true).size(), 3);
-    QCOMPARE(tree.value(QStringLiteral("link.a.b")), QVariant(3));
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void AttributeCreateTaskTest::list()
-{
-    AttributeTree tree;
-    const AttributesCreateData list{AttributeTree::data(QStringLiteral("a"), 1),
-                                    AttributeTree::data(QString(), 2),
-                                    AttributeTree::data(QStringLiteral("b.c"), 3)};
-    QCOMPARE(create(tree, QVariant::fromValue(list)), created);
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
-    QCOMPARE(tree.value(QStringLiteral("b.c")), QVariant(3));
-    QCOMPARE(create(tree, QVariant::fromValue(AttributesCreateData{list.at(1)})), notCreated);
-}
-
-void AttributeCreateTaskTest::badPayloads()
-{
-    AttributeTree tree;
-    const QString nothingToTell = QStringLiteral("WARNING AttributeCreateTask::handleCreateNotification() "
-                                                 "supplied creation data is empty, no notifications send");
+    void makesWhatIsMissingOnTheWay()
     {
+        AttributeTree tree;
+        QCOMPARE(createOne(tree, "a.b.c"_s, 1), created);
+        QCOMPARE(tree.value("a.b.c"_s), QVariant(1));
+        QCOMPARE(tree.find("a.b.c"_s)->getPath(), "a.b.c"_s);
+        QVERIFY(!tree.find("a.b"_s)->hasValue());
+    }
+
+    void overwritesAnExistingAttribute()
+    {
+        AttributeTree tree;
+        createOne(tree, "a.b"_s, 1);
+        const auto parent = tree.find("a"_s);
+        QCOMPARE(create(tree, QVariant::fromValue(AttributeTree::data("a"_s, 2, 1))), created);
+        QCOMPARE(tree.find("a"_s), parent);
+        QCOMPARE(tree.value("a"_s), QVariant(2));
+        QCOMPARE(parent->getAccess(), quint32(1));
+        QCOMPARE(tree.value("a.b"_s), QVariant(1));
+    }
+
+    void ensureLeavesAnExistingAttributeAlone()
+    {
+        AttributeTree tree;
+        const auto data = AttributeTree::data("a.b"_s, 2);
+        const auto ensure = QVariant::fromValue(AttributeEnsureData(data.name, data.details));
+        QCOMPARE(create(tree, ensure), created);
+        QCOMPARE(tree.value("a.b"_s), QVariant(2));
+        createOne(tree, "a.b"_s, 1);
+        QCOMPARE(create(tree, ensure), created);
+        QCOMPARE(tree.value("a.b"_s), QVariant(1));
+    }
+
+    void refusesImpossiblePlaces_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("empty element") << "new..a"_s;
+        QTest::newRow("empty end") << "new.a."_s;
+        QTest::newRow("a node that is no attribute") << "plain"_s;
+        QTest::newRow("beneath a read-only link") << "readonly.new"_s;
+    }
+
+    void refusesImpossiblePlaces()
+    {
+        QFETCH(QString, name);
+        AttributeTree tree;
+        const auto target = MakeNode<HierarchyNodeInstance>("target"_s);
+        tree.root->addChild(MakeNode<HierarchyNodeInstance>("plain"_s));
+        tree.root->addChild(MakeNode<HierarchyNodeLink>(target, "readonly"_s, true));
+        QCOMPARE(createOne(tree, name, 1), notCreated);
+        QCOMPARE(tree.root->getNumberOfChildren(), quint64(2));
+        QCOMPARE(target->getNumberOfChildren(), quint64(0));
+    }
+
+    void walksThroughLinks()
+    {
+        AttributeTree tree;
+        const auto target = MakeNode<HierarchyNodeInstance>("target"_s);
+        tree.root->addChild(MakeNode<HierarchyNodeLink>(target, "link"_s, false));
         const TestSupport::LogCapture log;
-        QCOMPARE(create(tree, 5), notBegun);
-        QCOMPARE(
-            log.lines(),
-            (QStringList{QStringLiteral("WARNING AttributeCreateTask::runCreate() failed to convert the data "
-                                        "into AttributeCreateData or AttributesCreateData, no "
-                                        "attribute(s) created"),
-                         nothingToTell}));
+        QCOMPARE(createOne(tree, "link.a.b"_s, 1), created);
+        QCOMPARE(createOne(tree, "link.a.c"_s, 2), created);
+        QCOMPARE(createOne(tree, "link.a.b"_s, 3), created);
+        QCOMPARE(target->getChildren(true).size(), 3);
+        QCOMPARE(tree.value("link.a.b"_s), QVariant(3));
+        QCOMPARE(log.lines(), QStringList());
     }
-    const TestSupport::LogCapture log;
-    QCOMPARE(create(tree, QVariant::fromValue(AttributesCreateData())), notCreated);
-    QCOMPARE(
-        log.lines(),
-        (QStringList{nothingToTell,
-                     QStringLiteral("WARNING AttributesCreateTask::createAttributesInHierarchy() supplied "
-                                    "creation data is empty, no data entries created"),
-                     nothingToTell}));
-}
 
-void AttributeCreateTaskTest::parentGone()
-{
-    AttributeTree tree;
-    const auto held = tree.add(QStringLiteral("held"), 1);
-    held->markForDeletion();
-    for (const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &parent :
-         {std::weak_ptr<Shared::Hierarchy::HierarchyNode>(),
-          std::weak_ptr<Shared::Hierarchy::HierarchyNode>(held)}) {
-        AttributeCreateTask task(nullptr, parent, QString(),
-                                 QVariant::fromValue(AttributeTree::data(QStringLiteral("a"), 1)),
-                                 CreatePoint::Done);
-        QCOMPARE(TestSupport::RunAndRecord(task), notBegun);
+    void list()
+    {
+        AttributeTree tree;
+        const AttributesCreateData list{AttributeTree::data("a"_s, 1), AttributeTree::data(QString(), 2),
+                                        AttributeTree::data("b.c"_s, 3)};
+        QCOMPARE(create(tree, QVariant::fromValue(list)), created);
+        QCOMPARE(tree.value("a"_s), QVariant(1));
+        QCOMPARE(tree.value("b.c"_s), QVariant(3));
+        QCOMPARE(create(tree, QVariant::fromValue(AttributesCreateData{list.at(1)})), notCreated);
+        const auto held = tree.add("held", 1);
+        held->markForDeletion();
+        AttributeCreateTask beneath(nullptr, std::weak_ptr<Shared::Hierarchy::HierarchyNode>(held), {},
+                                    QVariant::fromValue(list), CreatePoint::Done);
+        QCOMPARE(TestSupport::RunAndRecord(beneath), notBegun);
     }
-    QCOMPARE(held->getNumberOfChildren(), quint64(0));
-}
 
-void AttributeCreateTaskTest::notifiesEachPathOfAList()
-{
-    AttributeTree tree;
-    const auto parent = tree.add(QStringLiteral("p"), QVariant());
-    QMutex mutex;
-    QStringList heard;
-    QSemaphore calls;
-    const auto handle = tree.notifications.registerCreateHandler(
-        QStringLiteral("*"),
-        [&](const QString &path, const CreatePoint &point, const bool &result) {
-            const QMutexLocker locker(&mutex);
-            heard.append(QStringLiteral("%1 %2 %3").arg(path).arg(int(point)).arg(result));
-            calls.release();
-        },
-        CreatePoint::All);
-    const AttributesCreateData list{AttributeTree::data(QStringLiteral("a"), 1),
-                                    AttributeTree::data(QStringLiteral("b.c"), 2)};
-    create(tree, QVariant::fromValue(list));
-    AttributeCreateTask below(tree.notifications.getCreateRegistration(), parent, QString(),
-                              QVariant::fromValue(list.at(1)), CreatePoint::Done);
-    below.run();
-    QVERIFY(calls.tryAcquire(6, 20000));
-    const QMutexLocker locker(&mutex);
-    heard.sort();
-    QCOMPARE(
-        heard,
-        (QStringList{QStringLiteral("a 1 1"), QStringLiteral("a 2 1"), QStringLiteral("b.c 1 1"),
-                     QStringLiteral("b.c 2 1"), QStringLiteral("p.b.c 1 1"), QStringLiteral("p.b.c 2 1")}));
-}
-
-void AttributeCreateTaskTest::simultaneousCreationsShareTheWay()
-{
-    AttributeTree tree;
-    for (int round = 0; round < 200; ++round) {
-        const QString parent = QStringLiteral("r%1.").arg(round);
-        QList<std::shared_ptr<CreateObserver>> observers;
-        for (const char *leaf : {"x.b", "x.c", "x.d", "x.b"})
-            observers.append(tree.pool.startCreateTask(
-                tree.root, QString(),
-                QVariant::fromValue(AttributeTree::data(parent + QLatin1String(leaf), round)),
-                CreatePoint::Done));
-        for (const auto &observer : qAsConst(observers)) {
-            observer->wait();
-            QCOMPARE(observer->getResult(), created.last());
+    void badPayloads()
+    {
+        AttributeTree tree;
+        const QString nothingToTell = "WARNING AttributeCreateTask::handleCreateNotification() "
+                                      "supplied creation data is empty, no notifications send"_s;
+        {
+            const TestSupport::LogCapture log;
+            QCOMPARE(create(tree, 5), notBegun);
+            QCOMPARE(log.lines(),
+                     (QStringList{"WARNING AttributeCreateTask::runCreate() failed to convert the data "
+                                  "into AttributeCreateData or AttributesCreateData, no "
+                                  "attribute(s) created"_s,
+                                  nothingToTell}));
         }
-        for (const char *leaf : {"x.b", "x.c", "x.d"})
-            QCOMPARE(tree.value(parent + QLatin1String(leaf)), QVariant(round));
+        const TestSupport::LogCapture log;
+        QCOMPARE(create(tree, QVariant::fromValue(AttributesCreateData())), notCreated);
+        QCOMPARE(log.lines(),
+                 (QStringList{nothingToTell,
+                              "WARNING AttributesCreateTask::createAttributesInHierarchy() supplied "
+                              "creation data is empty, no data entries created"_s,
+                              nothingToTell}));
     }
-}
 
-void AttributeCreateTaskTest::creationAgainstDeletion()
-{
-    // A creation that says true and is followed by no deletion must be found, whatever it met on its way.
-    AttributeTree tree;
-    for (int round = 0; round < 200; ++round) {
-        createOne(tree, QStringLiteral("a.old"), round);
-        const auto deletion = tree.pool.startDeleteTask(tree.find(QStringLiteral("a")), QStringLiteral("a"),
-                                                        QVariant(), DeletePoint::Done);
-        const auto creation = tree.pool.startCreateTask(
-            tree.root, QString(), QVariant::fromValue(AttributeTree::data(QStringLiteral("a.new"), round)),
-            CreatePoint::Done);
-        deletion->wait();
-        creation->wait();
-        QCOMPARE(creation->getResult(), created.last());
-        const auto parent = tree.find(QStringLiteral("a"));
-        QVERIFY(!parent || !parent->hasChild(QStringLiteral("old")));
-        QVERIFY(!parent || tree.find(QStringLiteral("a.new")));
+    void notifiesEachPathOfAList()
+    {
+        AttributeTree tree;
+        const auto parent = tree.add("p"_s, QVariant());
+        TestSupport::Notes notes;
+        const auto handle = tree.notifications.registerCreateHandler(
+            "*",
+            [&](const QString &path, const CreatePoint &point, const bool &result) {
+                notes.add("%1 %2 %3"_s.arg(path).arg(int(point)).arg(result));
+            },
+            CreatePoint::All);
+        const AttributesCreateData list{AttributeTree::data("a"_s, 1), AttributeTree::data("b.c"_s, 2)};
+        create(tree, QVariant::fromValue(list));
+        AttributeCreateTask below(tree.notifications.getCreateRegistration(), parent, QString(),
+                                  QVariant::fromValue(list.at(1)), CreatePoint::Done);
+        below.run();
+        QCOMPARE(notes.sorted(6),
+                 QStringList({"a 1 1", "a 2 1", "b.c 1 1", "b.c 2 1", "p.b.c 1 1", "p.b.c 2 1"}));
     }
-}
+
+    void simultaneousCreationsShareTheWay()
+    {
+        AttributeTree tree;
+        for (int round = 0; round < 200; ++round) {
+            const QString parent = "r%1."_s.arg(round);
+            QList<std::shared_ptr<CreateObserver>> observers;
+            for (const char *leaf : {"x.b", "x.c", "x.d", "x.b"})
+                observers.append(tree.pool.startCreateTask(
+                    tree.root, QString(),
+                    QVariant::fromValue(AttributeTree::data(parent + QLatin1String(leaf), round)),
+                    CreatePoint::Done));
+            for (const auto &observer : qAsConst(observers)) {
+                observer->wait();
+                QCOMPARE(observer->getResult(), created.last());
+            }
+            for (const char *leaf : {"x.b", "x.c", "x.d"})
+                QCOMPARE(tree.value(parent + QLatin1String(leaf)), QVariant(round));
+        }
+    }
+
+    void creationAgainstDeletion()
+    {
+        // A creation that says true and is followed by no deletion must be found, whatever it met on its way.
+        AttributeTree tree;
+        for (int round = 0; round < 200; ++round) {
+            createOne(tree, "a.old"_s, round);
+            const auto deletion
+                = tree.pool.startDeleteTask(tree.find("a"_s), "a"_s, QVariant(), DeletePoint::Done);
+            const auto creation = tree.pool.startCreateTask(
+                tree.root, QString(), QVariant::fromValue(AttributeTree::data("a.new"_s, round)),
+                CreatePoint::Done);
+            deletion->wait();
+            creation->wait();
+            QCOMPARE(creation->getResult(), created.last());
+            const auto parent = tree.find("a"_s);
+            QVERIFY(!parent || !parent->hasChild("old"_s));
+            QVERIFY(!parent || tree.find("a.new"_s));
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(AttributeCreateTaskTest)
 

@@ -4,7 +4,9 @@
 #include <QtTest>
 
 #include <support/AttributeTree.h>
+#include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <support/Notes.h>
 
 using namespace Tessellum::AppConfig;
 using namespace Tessellum::AppConfig::Attributes;
@@ -53,187 +55,151 @@ class AttributeUpdateTaskTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void reportsInOrder();
-    void failedWrite();
-    void nodeGone();
-    void nodeGoneInTheMiddle();
-    void validationsRunInTheirOrder();
-    void refusalsByValidations_data();
-    void refusalsByValidations();
-    void tellsWhatStandsThere();
-    void tellsNothingOffTheTree();
-    void exceptionInAValidation();
-};
-
-void AttributeUpdateTaskTest::reportsInOrder()
-{
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 1);
-    QCOMPARE(update(tree, attribute, 2), applied);
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(2));
-    const auto observer = tree.pool.startUpdateTask(attribute, 3, UpdatePoint::Done);
-    QCOMPARE(*observer->waitForResult(), applied.last());
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(3));
-}
-
-void AttributeUpdateTaskTest::failedWrite()
-{
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 1);
-    attribute->setDetails(AttributeTree::data(QString(), 1, AttributeAccess::Read).details);
-    QCOMPARE(update(tree, attribute, 2),
-             (Reports{{UpdatePoint::Check, UpdateResult::Ok},
-                      {UpdatePoint::Apply, UpdateResult::Ok},
-                      {UpdatePoint::Failed, UpdateResult::ApplyFailed},
-                      {UpdatePoint::Done, UpdateResult::ApplyFailed}}));
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
-}
-
-void AttributeUpdateTaskTest::nodeGone()
-{
-    AttributeTree tree;
-    const Reports gone{{UpdatePoint::Check, UpdateResult::NodeGone}};
-    const auto held = tree.add(QStringLiteral("a"), 1);
-    held->markForDeletion();
-    QCOMPARE(update(tree, held, 2), gone);
-    QCOMPARE(update(tree, {}, 2), gone);
-    AttributeUpdateTask noAttribute(nullptr, tree.root, 2, UpdatePoint::Done);
-    QCOMPARE(TestSupport::RunAndRecord(noAttribute), gone);
-}
-
-void AttributeUpdateTaskTest::nodeGoneInTheMiddle()
-{
-    AttributeTree tree;
-    auto attribute = tree.add(QStringLiteral("a"), 1);
-    attribute->addValidation(MakeNode<FunctionValidation>(QStringLiteral("end"), [&](QVariant &) {
-        attribute->markForDeletion();
-        attribute.reset();
-        return ValidationResult::Valid;
-    }));
-    QCOMPARE(update(tree, attribute, 2),
-             (Reports{{UpdatePoint::Check, UpdateResult::Ok},
-                      {UpdatePoint::Apply, UpdateResult::NodeGone},
-                      {UpdatePoint::Failed, UpdateResult::NodeGone},
-                      {UpdatePoint::Done, UpdateResult::NodeGone}}));
-}
-
-void AttributeUpdateTaskTest::validationsRunInTheirOrder()
-{
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 1);
-    attribute->addValidation(MakeNode<FunctionValidation>(QStringLiteral("clip"), [](QVariant &value) {
-        value = qMin(value.toInt(), 10);
-        return ValidationResult::Adjusted;
-    }));
-    attribute->addValidation(MakeNode<FunctionValidation>(QStringLiteral("even"), [](QVariant &value) {
-        return value.toInt() == 10 ? ValidationResult::Failed : ValidationResult::Valid;
-    }));
-    const QString adjusted
-        = QStringLiteral("LOG AttributeUpdateTask::runUpdate() pre check: adjusted update value to: %1");
+    void failedWrite()
     {
-        const TestSupport::LogCapture log;
-        QCOMPARE(update(tree, attribute, 11), refused);
-        QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
-        QCOMPARE(log.lines(),
-                 (QStringList{
-                     adjusted.arg(QStringLiteral("QVariant(int, 10)")),
-                     QStringLiteral("WARNING AttributeUpdateTask::runUpdate() pre check: failed validation"),
-                     QStringLiteral("WARNING AttributeUpdateTask::runUpdate() update failed for "
-                                    "attribute: a pre check even failed")}));
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 1);
+        attribute->setDetails(AttributeTree::data(QString(), 1, AttributeAccess::Read).details);
+        QCOMPARE(update(tree, attribute, 2),
+                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                          {UpdatePoint::Apply, UpdateResult::Ok},
+                          {UpdatePoint::Failed, UpdateResult::ApplyFailed},
+                          {UpdatePoint::Done, UpdateResult::ApplyFailed}}));
+        QCOMPARE(tree.value("a"_s), QVariant(1));
     }
-    const TestSupport::LogCapture log;
-    QCOMPARE(update(tree, attribute, 5), applied);
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(5));
-    QCOMPARE(log.lines(), QStringList{adjusted.arg(QStringLiteral("QVariant(int, 5)"))});
-}
 
-void AttributeUpdateTaskTest::refusalsByValidations_data()
-{
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("incompatible") << 3 << QStringLiteral("pre check: incompatible update value received");
-    QTest::newRow("unknown") << 17 << QStringLiteral("unknown validation result received: 17");
-}
+    void nodeGone()
+    {
+        AttributeTree tree;
+        const Reports gone{{UpdatePoint::Check, UpdateResult::NodeGone}};
+        const auto held = tree.add("a"_s, 1);
+        held->markForDeletion();
+        QCOMPARE(update(tree, held, 2), gone);
+        QCOMPARE(update(tree, {}, 2), gone);
+        AttributeUpdateTask noAttribute(nullptr, tree.root, 2, UpdatePoint::Done);
+        QCOMPARE(TestSupport::RunAndRecord(noAttribute), gone);
+    }
 
-void AttributeUpdateTaskTest::refusalsByValidations()
-{
-    QFETCH(int, result);
-    QFETCH(QString, line);
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 1);
-    attribute->addValidation(MakeNode<FunctionValidation>(
-        QStringLiteral("v"), [result](QVariant &) { return ValidationResult(result); }));
-    const TestSupport::LogCapture log;
-    QCOMPARE(update(tree, attribute, 2), refused);
-    QCOMPARE(log.lines().first(), QStringLiteral("WARNING AttributeUpdateTask::runUpdate() ") + line);
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
-}
+    void nodeGoneInTheMiddle()
+    {
+        AttributeTree tree;
+        auto attribute = tree.add("a"_s, 1);
+        attribute->addValidation(MakeNode<FunctionValidation>("end"_s, [&](QVariant &) {
+            attribute->markForDeletion();
+            attribute.reset();
+            return ValidationResult::Valid;
+        }));
+        QCOMPARE(update(tree, attribute, 2),
+                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                          {UpdatePoint::Apply, UpdateResult::NodeGone},
+                          {UpdatePoint::Failed, UpdateResult::NodeGone},
+                          {UpdatePoint::Done, UpdateResult::NodeGone}}));
+    }
 
-void AttributeUpdateTaskTest::tellsWhatStandsThere()
-{
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 0);
-    auto details = AttributeTree::data(QString(), QStringLiteral("old")).details;
-    details.writer = [](QVariant &stored, const QVariant &in) {
-        stored = in.toInt(); // takes a text, keeps a number
-        return true;
-    };
-    attribute->setDetails(details);
+    void validationsRunInTheirOrder()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 1);
+        attribute->addValidation(MakeNode<FunctionValidation>("clip"_s, [](QVariant &value) {
+            value = qMin(value.toInt(), 10);
+            return ValidationResult::Adjusted;
+        }));
+        attribute->addValidation(MakeNode<FunctionValidation>("even"_s, [](QVariant &value) {
+            return value.toInt() == 10 ? ValidationResult::Failed : ValidationResult::Valid;
+        }));
+        const QString adjusted
+            = "LOG AttributeUpdateTask::runUpdate() pre check: adjusted update value to: %1"_s;
+        {
+            const TestSupport::LogCapture log;
+            QCOMPARE(update(tree, attribute, 11), refused);
+            QCOMPARE(tree.value("a"_s), QVariant(1));
+            QCOMPARE(log.lines(),
+                     (QStringList{adjusted.arg("QVariant(int, 10)"_s),
+                                  "WARNING AttributeUpdateTask::runUpdate() pre check: failed validation"_s,
+                                  "WARNING AttributeUpdateTask::runUpdate() update failed for "
+                                  "attribute: a pre check even failed"_s}));
+        }
+        const TestSupport::LogCapture log;
+        QCOMPARE(update(tree, attribute, 5), applied);
+        QCOMPARE(tree.value("a"_s), QVariant(5));
+        QCOMPARE(log.lines(), QStringList{adjusted.arg("QVariant(int, 5)"_s)});
+    }
 
-    QMutex mutex;
-    QMap<UpdatePoint, QVariantList> heard;
-    QSemaphore calls;
-    const auto handle = tree.notifications.registerUpdateHandler(
-        QStringLiteral("a"),
-        [&](const QString &, const UpdatePoint &point, const UpdateResult &, const QVariant &oldValue,
-            const QVariant &newValue) {
-            const QMutexLocker locker(&mutex);
-            heard.insert(point, {oldValue, newValue});
-            calls.release();
-        },
-        UpdatePoint::All);
-    QCOMPARE(update(tree, attribute, QStringLiteral("5")), applied);
-    QVERIFY(calls.tryAcquire(3, 20000));
-    const QMutexLocker locker(&mutex);
-    QCOMPARE(heard.value(UpdatePoint::Apply), (QVariantList{QStringLiteral("old"), QStringLiteral("5")}));
-    QCOMPARE(heard.value(UpdatePoint::Done).at(1).userType(), int(QMetaType::Int));
-    QCOMPARE(heard.value(UpdatePoint::Done), (QVariantList{QStringLiteral("old"), 5}));
-}
+    void refusalsByValidations()
+    {
+        const QPair<int, QString> refusals[] = {{3, "pre check: incompatible update value received"},
+                                                {17, "unknown validation result received: 17"}};
+        for (const auto &[result, line] : refusals) {
+            AttributeTree tree;
+            const auto attribute = tree.add("a", 1);
+            attribute->addValidation(MakeNode<FunctionValidation>(
+                "v", [number = result](QVariant &) { return ValidationResult(number); }));
+            const TestSupport::LogCapture log;
+            QCOMPARE(update(tree, attribute, 2), refused);
+            QCOMPARE(log.lines().first(), "WARNING AttributeUpdateTask::runUpdate() " + line);
+            QCOMPARE(tree.value("a"), QVariant(1));
+        }
+    }
 
-void AttributeUpdateTaskTest::tellsNothingOffTheTree()
-{
-    // A node that is just being taken off has no path but its name, under which others may be known.
-    AttributeTree tree;
-    const auto parent = tree.add(QStringLiteral("p"), QVariant());
-    const auto attribute = MakeNode<Attribute>(QStringLiteral("a"), 1);
-    parent->addChild(attribute);
-    QSemaphore wrong;
-    QSemaphore marker;
-    const auto handle = tree.notifications.registerUpdateHandler(
-        QStringLiteral("*"),
-        [&](const QString &path, const UpdatePoint &, const UpdateResult &, const QVariant &,
-            const QVariant &) { (path == QStringLiteral("m") ? marker : wrong).release(); },
-        UpdatePoint::Done);
-    AttributeUpdateTask task(tree.notifications.getUpdateRegistration(), attribute, 2, UpdatePoint::Done);
-    attribute->setParent({}, true);
-    task.run();
-    update(tree, tree.add(QStringLiteral("m"), 1), 2);
-    QVERIFY(marker.tryAcquire(1, 20000));
-    QCOMPARE(wrong.available(), 0);
-}
+    void tellsWhatStandsThere()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 0);
+        auto details = AttributeTree::data(QString(), "old"_s).details;
+        details.writer = [](QVariant &stored, const QVariant &in) {
+            stored = in.toInt(); // takes a text, keeps a number
+            return true;
+        };
+        attribute->setDetails(details);
 
-void AttributeUpdateTaskTest::exceptionInAValidation()
-{
-    AttributeTree tree;
-    const auto attribute = tree.add(QStringLiteral("a"), 1);
-    attribute->addValidation(MakeNode<FunctionValidation>(
-        QStringLiteral("v"), [](QVariant &) -> ValidationResult { throw std::bad_alloc(); }));
-    const TestSupport::LogCapture log;
-    const auto observer = tree.pool.startUpdateTask(attribute, 2, UpdatePoint::Done);
-    QVERIFY(!observer->waitForResult());
-    QCOMPARE(tree.value(QStringLiteral("a")), QVariant(1));
-    QCOMPARE(log.lines(), QStringList{QStringLiteral("CRITICAL UpdateTask::run() catched exception")});
-}
+        TestSupport::Notes notes;
+        const auto handle = tree.notifications.registerUpdateHandler(
+            "a",
+            [&](const QString &, const UpdatePoint &point, const UpdateResult &, const QVariant &oldValue,
+                const QVariant &newValue) {
+                notes.add("%1 %2 %3 %4"_s.arg(int(point))
+                              .arg(oldValue.toString(), newValue.toString(), newValue.typeName()));
+            },
+            UpdatePoint::All);
+        QCOMPARE(update(tree, attribute, "5"_s), applied);
+        QCOMPARE(notes.sorted(3), QStringList({"1 old 5 QString", "2 old 5 QString", "8 old 5 int"}));
+    }
+
+    void tellsNothingOffTheTree()
+    {
+        // A node that is just being taken off has no path but its name, under which others may be known.
+        AttributeTree tree;
+        const auto parent = tree.add("p"_s, QVariant());
+        const auto attribute = MakeNode<Attribute>("a"_s, 1);
+        parent->addChild(attribute);
+        QSemaphore wrong;
+        QSemaphore marker;
+        const auto handle = tree.notifications.registerUpdateHandler(
+            "*"_s,
+            [&](const QString &path, const UpdatePoint &, const UpdateResult &, const QVariant &,
+                const QVariant &) { (path == "m"_s ? marker : wrong).release(); },
+            UpdatePoint::Done);
+        AttributeUpdateTask task(tree.notifications.getUpdateRegistration(), attribute, 2, UpdatePoint::Done);
+        attribute->setParent({}, true);
+        task.run();
+        update(tree, tree.add("m"_s, 1), 2);
+        QVERIFY(marker.tryAcquire(1, 20000));
+        QCOMPARE(wrong.available(), 0);
+    }
+
+    void exceptionInAValidation()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 1);
+        attribute->addValidation(MakeNode<FunctionValidation>(
+            "v"_s, [](QVariant &) -> ValidationResult { throw std::bad_alloc(); }));
+        const TestSupport::LogCapture log;
+        const auto observer = tree.pool.startUpdateTask(attribute, 2, UpdatePoint::Done);
+        QVERIFY(!observer->waitForResult());
+        QCOMPARE(tree.value("a"), QVariant(1));
+        QCOMPARE(log.lines(), QStringList{"CRITICAL UpdateTask::run() catched exception"_s});
+    }
+};
 
 QTEST_GUILESS_MAIN(AttributeUpdateTaskTest)
 

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/Literals.h>
 #include <support/LogCapture.h>
 
 using namespace Tessellum::AppConfig;
@@ -23,167 +24,122 @@ class ConstraintsBackendTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup();
-    void makesRegistersAndHangsValidations();
-    void badSectionsStopNoOther();
-    void failsWithoutAnyValidation_data();
-    void failsWithoutAnyValidation();
-    void firstFileKeepsTheId();
-    void nestedSection();
-    void savesNothing();
-    void loadsByItself();
+    void cleanup() { repository->unregisterBackendValidations(); }
+    void makesRegistersAndHangsValidations()
+    {
+        TestSupport::LogCapture log;
+        const auto constraints = backendOf("[volume]\nType=limit_int\nMinimum=0\nMaximum=100\nClipping=true\n"
+                                           "[note]\nMinimum=3\n"
+                                           "[ratio]\nType=limits\nMaximum=\"1.5\"\n");
+        QVERIFY(load(constraints));
+        QCOMPARE(repository->getValidationIds(), QStringList({"ratio", "volume"}));
+        QCOMPARE(constraints->getNumberOfChildren(), quint64(2));
+
+        const auto volume = repository->getValidation("volume"_s);
+        QCOMPARE(std::static_pointer_cast<Shared::Hierarchy::HierarchyNode>(volume),
+                 constraints->getChildById("volume"));
+        QCOMPARE(volume->getNodePath()->getFullPath(), "limits.volume"_s);
+        QCOMPARE(volume->getNumberOfChildren(), quint64(4));
+        QVariant value(700);
+        QCOMPARE(volume->validate(nullptr, value), ValidationResult::Adjusted);
+        QCOMPARE(value, QVariant(100));
+
+        const auto ratio = repository->getValidation("ratio"_s);
+        QCOMPARE(ratio->validate(nullptr, value = 1.5), ValidationResult::Valid);
+        QCOMPARE(ratio->validate(nullptr, value = 1.6), ValidationResult::Failed);
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void badSectionsStopNoOther()
+    {
+        const auto constraints = backendOf("[extra]\nType=limit\nUnit=V\n"
+                                           "[empty key]\nType=limit\n=V\n"
+                                           "[limit]\nType=limit\nMinimum=few\n"
+                                           "[type]\nType=pattern\n"
+                                           "[]\nType=limit\n"
+                                           "[some.good]\nType=limit\n");
+        QVERIFY(load(constraints));
+        QVERIFY(!constraints->saveAttributes());
+        QCOMPARE(repository->getValidationIds(), QStringList("good"));
+        QCOMPARE(constraints->getNumberOfChildren(), quint64(1));
+    }
+
+    void failsWithoutAnyValidation()
+    {
+        TestSupport::LogCapture log;
+        for (const char *content : {"", "[a]\nMinimum=1\n[b]\nUnit=V\n", "[a]\nType=none\n"})
+            QVERIFY2(!load(backendOf(content)), content);
+        QVERIFY(!load(backend(directory.filePath("absent.ini"))));
+        QVERIFY(repository->getValidationIds().isEmpty());
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void firstFileKeepsTheId()
+    {
+        const auto first = backendOf("[a]\nType=limit\nMaximum=1\n");
+        const auto second = backendOf("[a]\nType=limit\nMaximum=2\n[b]\nType=limit\n");
+        QVERIFY(load(first));
+        QVERIFY(load(second));
+        QVERIFY(first->hasChild("a"_s) && !second->hasChild("a"_s));
+        QVariant value(2);
+        QCOMPARE(repository->getValidation("a"_s)->validate(nullptr, value), ValidationResult::Failed);
+    }
+
+    void loadsByItself()
+    {
+        using Backends::AutomaticConstraintsBackendLoader;
+        RunningRepository run;
+        const auto internal = run.provider().getInternalRoot();
+        const QString file = fileOf("[limit]\nType=limit\n");
+        {
+            TestSupport::LogCapture log;
+            QVERIFY(!AutomaticConstraintsBackendLoader(directory.filePath("none"), "constraints", internal));
+            QCOMPARE(log.lines(), QStringList());
+        }
+        QVERIFY(AutomaticConstraintsBackendLoader(file, "constraints", internal));
+        QTRY_COMPARE(run.provider().getBackendProvider()->getBackendNames(), QStringList("constraints"));
+        const auto loaded = run.provider().getBackendProvider()->getBackend("constraints");
+        QVERIFY(loaded && internal->findChildByRelativePath("constraints.limit"));
+        QCOMPARE(loaded->getType(), QString("constraint"));
+        QCOMPARE(loaded->getDescription(), "Automatically registered constraints from: '" + file + "'");
+        QVERIFY(!run.provider().getBackendProvider()->saveBackend("constraints"));
+
+        run.stop();
+        TestSupport::LogCapture log;
+        QVERIFY(!AutomaticConstraintsBackendLoader(file, "constraints", internal));
+        QCOMPARE(log.lines(),
+                 QStringList("WARNING AutomaticConstraintsBackendLoader() unable to load '" + file
+                             + "' as constraints 'constraints' beneath 'internal'"));
+    }
 
 private:
-    std::shared_ptr<ConstraintsBackend> backend(const QString &file) const;
-    std::shared_ptr<ConstraintsBackend> backendOf(const QByteArray &content);
-    QString fileOf(const QByteArray &content);
-    static bool load(const std::shared_ptr<ConstraintsBackend> &backend);
+    std::shared_ptr<ConstraintsBackend> backend(const QString &file) const
+    {
+        return Tessellum::Notification::utils::MakeNode<ConstraintsBackend>(
+            Backends::BackendCreateData("constraints"_s, "limits"_s, {file, QString(), 3}));
+    }
+    std::shared_ptr<ConstraintsBackend> backendOf(const QByteArray &content)
+    {
+        return backend(fileOf(content));
+    }
+    QString fileOf(const QByteArray &content)
+    {
+        QFile file(directory.filePath(QString::number(++files)));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write the test's file");
+        return file.fileName();
+    }
+    static bool load(const std::shared_ptr<ConstraintsBackend> &backend)
+    {
+        return backend->loadAttributes(
+            Tessellum::AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(),
+            CreatePoint::Done);
+    }
 
     AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
     QTemporaryDir directory;
     int files = 0;
 };
-
-void ConstraintsBackendTest::cleanup()
-{
-    repository->unregisterBackendValidations();
-}
-
-std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backend(const QString &file) const
-{
-    return Tessellum::Notification::utils::MakeNode<ConstraintsBackend>(Backends::BackendCreateData(
-        QStringLiteral("constraints"), QStringLiteral("limits"), {file, QString(), 3}));
-}
-
-std::shared_ptr<ConstraintsBackend> ConstraintsBackendTest::backendOf(const QByteArray &content)
-{
-    return backend(fileOf(content));
-}
-
-QString ConstraintsBackendTest::fileOf(const QByteArray &content)
-{
-    QFile file(directory.filePath(QString::number(++files)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write the test's file");
-    return file.fileName();
-}
-
-bool ConstraintsBackendTest::load(const std::shared_ptr<ConstraintsBackend> &backend)
-{
-    return backend->loadAttributes(
-        Tessellum::AppConfig::utils::RepositoryProvider::getInstance()->getThreadPool(), CreatePoint::Done);
-}
-
-void ConstraintsBackendTest::makesRegistersAndHangsValidations()
-{
-    TestSupport::LogCapture log;
-    const auto constraints = backendOf("[volume]\nType=limit_int\nMinimum=0\nMaximum=100\nClipping=true\n"
-                                       "[note]\nMinimum=3\n"
-                                       "[ratio]\nType=limits\nMaximum=\"1.5\"\n");
-    QVERIFY(load(constraints));
-    QCOMPARE(repository->getValidationIds(), QStringList({"ratio", "volume"}));
-    QCOMPARE(constraints->getNumberOfChildren(), quint64(2));
-
-    const auto volume = repository->getValidation(QStringLiteral("volume"));
-    QCOMPARE(std::static_pointer_cast<Shared::Hierarchy::HierarchyNode>(volume),
-             constraints->getChildById("volume"));
-    QCOMPARE(volume->getNodePath()->getFullPath(), QStringLiteral("limits.volume"));
-    QCOMPARE(volume->getNumberOfChildren(), quint64(4));
-    QVariant value(700);
-    QCOMPARE(volume->validate(nullptr, value), ValidationResult::Adjusted);
-    QCOMPARE(value, QVariant(100));
-
-    const auto ratio = repository->getValidation(QStringLiteral("ratio"));
-    QCOMPARE(ratio->validate(nullptr, value = 1.5), ValidationResult::Valid);
-    QCOMPARE(ratio->validate(nullptr, value = 1.6), ValidationResult::Failed);
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void ConstraintsBackendTest::badSectionsStopNoOther()
-{
-    const auto constraints = backendOf("[extra]\nType=limit\nUnit=V\n"
-                                       "[empty key]\nType=limit\n=V\n"
-                                       "[limit]\nType=limit\nMinimum=few\n"
-                                       "[type]\nType=pattern\n"
-                                       "[]\nType=limit\n"
-                                       "[good]\nType=limit\n");
-    QVERIFY(load(constraints));
-    QCOMPARE(repository->getValidationIds(), QStringList("good"));
-    QCOMPARE(constraints->getNumberOfChildren(), quint64(1));
-}
-
-void ConstraintsBackendTest::failsWithoutAnyValidation_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("skipped") << QByteArray("[a]\nMinimum=1\n[b]\nUnit=V\n");
-    QTest::newRow("failed") << QByteArray("[a]\nType=none\n");
-}
-
-void ConstraintsBackendTest::failsWithoutAnyValidation()
-{
-    QFETCH(QByteArray, content);
-    TestSupport::LogCapture log;
-    QVERIFY(!load(backendOf(content)));
-    QVERIFY(!load(backend(directory.filePath(QStringLiteral("absent.ini")))));
-    QVERIFY(repository->getValidationIds().isEmpty());
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void ConstraintsBackendTest::firstFileKeepsTheId()
-{
-    const auto first = backendOf("[a]\nType=limit\nMaximum=1\n");
-    const auto second = backendOf("[a]\nType=limit\nMaximum=2\n[b]\nType=limit\n");
-    QVERIFY(load(first));
-    QVERIFY(load(second));
-    QVERIFY(first->hasChild(QStringLiteral("a")) && !second->hasChild(QStringLiteral("a")));
-    QVariant value(2);
-    QCOMPARE(repository->getValidation(QStringLiteral("a"))->validate(nullptr, value),
-             ValidationResult::Failed);
-}
-
-void ConstraintsBackendTest::nestedSection()
-{
-    const auto constraints = backendOf("[a.b]\nType=limit\nMaximum=1\n");
-    QVERIFY(load(constraints));
-    QCOMPARE(repository->getValidationIds(), QStringList("b"));
-    QVERIFY(constraints->hasChild(QStringLiteral("b")));
-}
-
-void ConstraintsBackendTest::savesNothing()
-{
-    const auto constraints = backendOf("[a]\nType=limit\n");
-    QVERIFY(load(constraints));
-    QVERIFY(!constraints->saveAttributes());
-    QCOMPARE(constraints->getTypeKeys(), QStringList({"constraint", "constraints"}));
-}
-
-void ConstraintsBackendTest::loadsByItself()
-{
-    using Backends::AutomaticConstraintsBackendLoader;
-    RunningRepository run;
-    const auto internal = run.provider().getInternalRoot();
-    const QString file = fileOf("[limit]\nType=limit\n");
-    {
-        TestSupport::LogCapture log;
-        QVERIFY(!AutomaticConstraintsBackendLoader(directory.filePath("none"), "constraints", internal));
-        QCOMPARE(log.lines(), QStringList());
-    }
-    QVERIFY(AutomaticConstraintsBackendLoader(file, "constraints", internal));
-    QTRY_COMPARE(run.provider().getBackendProvider()->getBackendNames(), QStringList("constraints"));
-    const auto loaded = run.provider().getBackendProvider()->getBackend("constraints");
-    QVERIFY(loaded && internal->findChildByRelativePath("constraints.limit"));
-    QCOMPARE(loaded->getType(), QString("constraint"));
-    QCOMPARE(loaded->getDescription(), "Automatically registered constraints from: '" + file + "'");
-    QVERIFY(!run.provider().getBackendProvider()->saveBackend("constraints"));
-
-    run.stop();
-    TestSupport::LogCapture log;
-    QVERIFY(!AutomaticConstraintsBackendLoader(file, "constraints", internal));
-    QCOMPARE(log.lines(),
-             QStringList("WARNING AutomaticConstraintsBackendLoader() unable to load '" + file
-                         + "' as constraints 'constraints' beneath 'internal'"));
-}
 
 QTEST_GUILESS_MAIN(ConstraintsBackendTest)
 #include "ConstraintsBackendTest.moc"

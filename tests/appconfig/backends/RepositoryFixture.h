@@ -11,6 +11,8 @@
 #include <QMap>
 #include <QMutex>
 
+#include <support/Literals.h>
+
 // The repository, active for the length of a test, and what the backends' classes log meanwhile.
 class RepositoryFixture
 {
@@ -67,7 +69,7 @@ public:
     Values values(const QString &path)
     {
         Values found;
-        const auto attributes = repository().getQueryProvider()->findAttributes(path + QStringLiteral(".*"));
+        const auto attributes = repository().getQueryProvider()->findAttributes(path + ".*"_s);
         for (const auto &attribute : attributes) {
             QVariant value;
             if (attribute->hasValue() && attribute->getValue(value, 0))

@@ -4,13 +4,13 @@
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appconfig/utils/AttributesQueryProvider.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
-#include <appconfig/validation/AttributeValidationRepository.h>
 #include <notification/RepositoryLocks.h>
 #include <notification/utils/PoolWait.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
 #include <QtTest>
 
+#include <support/Literals.h>
 #include <thread>
 
 using namespace Tessellum;
@@ -31,29 +31,6 @@ AttributeCreateData::AttributeCreateDataDetails holding(const QVariant &value)
     return details;
 }
 
-void dump(const std::shared_ptr<const HierarchyNode> &node, const QString &indent, QStringList &lines)
-{
-    for (const auto &child : node->getChildren(false)) {
-        QVariant value;
-        if (const auto attribute = std::dynamic_pointer_cast<const Attributes::Attribute>(child))
-            attribute->getValue(value, QMetaType::QString);
-        lines.append(indent + child->getId() + '=' + value.toString());
-        dump(child, indent + ' ', lines);
-    }
-}
-
-class SomeValidation : public Validation::AttributeValidationInterface
-{
-public:
-    using AttributeValidationInterface::AttributeValidationInterface;
-    QString getValidationId() const override { return getId(); }
-    Validation::ValidationResult validate(const std::shared_ptr<Core::CoreLocalizationInterface> &,
-                                          QVariant &) override
-    {
-        return Validation::ValidationResult::Valid;
-    }
-};
-
 } // namespace
 
 class RepositoryProviderTest : public QObject
@@ -66,183 +43,135 @@ private Q_SLOTS:
             backend.values = {AttributeCreateData("value", holding(1))};
         });
     }
-    void everyRunHasTheSameTree();
-    void aStopEndsWhatIsQueuedAndNested();
-    void aStopWaitsForNobodyWhoLocks();
-    void theKeeperTakesWhatHangsInTheTrees();
-    void aStartKeepsARunningRepository();
-    void validationsOfBackendsAreForgotten();
-    void linksNeedAPathATargetAndNoCycle();
-    void payloadsOfOtherTypesStartNothing();
-};
-
-void RepositoryProviderTest::everyRunHasTheSameTree()
-{
-    QStringList first;
-    for (int number = 0; number < 20; ++number) {
+    void aStopEndsWhatIsQueuedAndNested()
+    {
         RunningRepository run;
-        RunningRepository::setAutomaticCreate(true);
+        const auto backends = run.provider().getBackendProvider();
+        QList<std::shared_ptr<Notification::CreateObserver>> observers;
+        for (int number = 0; number < 2000; ++number) {
+            observers.append(
+                backends->startCreateBackend("one value", "store%1"_s.arg(number), {}, CreatePoint::Done));
+            QVERIFY(observers.last());
+        }
+        run.stop();
+        int done = 0;
+        for (const auto &observer : observers) {
+            const auto report = observer->waitForResult();
+            done += report && report->second ? 1 : 0;
+        }
+        QVERIFY2(done < observers.size(), "the stop came too late to discard anything");
+        QCOMPARE(RunningRepository::provider().getRoot()->getNumberOfChildren(), 0ULL);
+        QCOMPARE(RunningRepository::provider().getThreadPool().activeThreadCount(), 0);
+    }
+
+    void aStopWaitsForNobodyWhoLocks()
+    {
+        RunningRepository run;
+        ManagedRepository repository(nullptr, &Core::appConfigLock());
+        QSemaphore reading;
+        QSemaphore goOn;
+        auto details = holding(0);
+        details.reader = [&](const QVariant &, QVariant &out) {
+            reading.release();
+            goOn.acquire();
+            QVariant unused;
+            repository.getQueryInterface()->getValue("other", unused,
+                                                     0); // takes the lock while the stop waits
+            out = 1;
+            return true;
+        };
+        QVERIFY(Attributes::CreateAttributeInHierarchy(run.provider().getRoot(),
+                                                       AttributeCreateData("custom", details)));
+        const auto observer
+            = run.provider().getManipulationProvider()->startUpdateAttribute("custom", 1, UpdatePoint::Done);
+        reading.acquire();
+        std::thread stopper([&run] { run.stop(); });
+        QTRY_VERIFY(!run.provider().getThreadPool().isRunning());
+        goOn.release(2); // the task reads once before and once after the write
+        stopper.join();
+        QVERIFY(observer.observer->isEnded());
+        QVERIFY(!run.provider().isActive());
+    }
+
+    void theKeeperTakesWhatHangsInTheTrees()
+    {
+        RunningRepository run;
         const auto manipulation = run.provider().getManipulationProvider();
         QVERIFY(manipulation->createAttribute("a.b", 1, CreatePoint::Done, 3));
+        QVERIFY(manipulation->createAttribute("names", 2, CreatePoint::Done,
+                                              3)); // a name of the internal tree too
         QVERIFY(
             run.provider().getBackendProvider()->createBackend("one value", "store", {}, CreatePoint::Done));
-        QVERIFY(run.provider()
-                    .getListPattern("types", "backends")
-                    ->addElementToList("key", "Backend: key", true));
-        QStringList lines;
-        const auto list = run.provider().getListPattern("types", "backends");
-        QVariant text;
-        QTRY_VERIFY(list->getValue(text, QMetaType::QString) && text == QVariant("key"));
-        const auto names = run.provider().getListPattern("names", "backends");
-        QTRY_VERIFY(names->getValue(text, QMetaType::QString) && text == QVariant("store"));
-        dump(run.provider().getRoot(), {}, lines);
-        if (number == 0)
-            first = lines;
-        QVERIFY(lines.contains("store=") && lines.contains("internal="));
-        QCOMPARE(lines, first);
+        const auto list = run.provider().getListPattern("names", "backends");
+        std::shared_ptr<HierarchyNode> keeper;
+        run.provider().setRepositoryActive(keeper, true);
+        QVERIFY(keeper);
+        const auto kept
+            = std::dynamic_pointer_cast<Attributes::Attribute>(keeper->findChildByRelativePath("a.b"));
+        QVERIFY(kept && kept->hasValue());
+        QVERIFY(keeper->hasChild("metatypes"));
+        QVERIFY(!keeper->hasChild("store"));
+        QVERIFY(std::dynamic_pointer_cast<Attributes::Attribute>(keeper->getChildById("names")));
+        QVERIFY(!run.provider().getInternalRoot()->hasChild("names"));
+        QVERIFY(!run.provider().getListPattern("names", "backends"));
+        QVERIFY(!run.provider().getQueryInterface());
+        QVERIFY(!manipulation->createAttribute("late", 1, CreatePoint::Done, 3));
     }
-    QCOMPARE(RunningRepository::provider().getRoot()->getNumberOfChildren(), 0ULL);
-}
 
-void RepositoryProviderTest::aStopEndsWhatIsQueuedAndNested()
-{
-    RunningRepository run;
-    const auto backends = run.provider().getBackendProvider();
-    QList<std::shared_ptr<Notification::CreateObserver>> observers;
-    for (int number = 0; number < 2000; ++number) {
-        observers.append(backends->startCreateBackend("one value", QStringLiteral("store%1").arg(number), {},
-                                                      CreatePoint::Done));
-        QVERIFY(observers.last());
+    void aStartKeepsARunningRepository()
+    {
+        RunningRepository run;
+        const auto query = run.provider().getQueryProvider();
+        const auto list = run.provider().getListPattern("types", "validations");
+        std::shared_ptr<HierarchyNode> noKeeper;
+        run.provider().setRepositoryActive(noKeeper, false);
+        QCOMPARE(run.provider().getQueryProvider(), query);
+        QCOMPARE(run.provider().getListPattern("types", "validations"), list);
+        QCOMPARE(run.provider().getListPatterns().size(), 11);
+        QVERIFY(!run.provider().getListPattern("types", "modules"));
     }
-    run.stop();
-    int done = 0;
-    for (const auto &observer : observers) {
-        const auto report = observer->waitForResult();
-        done += report && report->second ? 1 : 0;
+
+    void linksNeedAPathATargetAndNoCycle()
+    {
+        RunningRepository run;
+        auto &provider = run.provider();
+        const auto root = provider.getRoot();
+        const auto target = Notification::utils::MakeNode<PlainNode>("target");
+        QVERIFY(!provider.linkNode({}, target, "link"));
+        QVERIFY(!provider.linkNode("a", nullptr, "link"));
+        QVERIFY(!provider.addRootLink({}, target, false));
+        QVERIFY(!provider.addRootLink("a.link", nullptr, false));
+        QVERIFY(!provider.linkNode("a", root, "link"));
+        QVERIFY(!provider.addRootLink("a.", target, false));
+        QVERIFY(!root->hasChild("a")); // nothing stays of what was refused
+
+        QVERIFY(provider.linkNode("a.b", target, "link"));
+        QVERIFY(provider.addRootLink("a.link", target, true));
+        QVERIFY(!provider.addRootLink("a.link", target, true));
+        QVERIFY(!provider.linkNode("internal.x", target, "link"));
+        const auto link = std::dynamic_pointer_cast<Shared::Hierarchy::HierarchyNodeLink>(
+            root->findChildByRelativePath("a.link"));
+        QVERIFY(link && link->isReadOnly());
+        QCOMPARE(root->findChildByRelativePath("a.b.link")->getChildren(false).size(), 0);
+        QVERIFY(root->findChildByRelativePath("a.b.link")
+                    ->addChild(Notification::utils::MakeNode<PlainNode>("child"_s)));
+        QVERIFY(target->hasChild("child"));
     }
-    QVERIFY2(done < observers.size(), "the stop came too late to discard anything");
-    QCOMPARE(RunningRepository::provider().getRoot()->getNumberOfChildren(), 0ULL);
-    QCOMPARE(RunningRepository::provider().getThreadPool().activeThreadCount(), 0);
-}
 
-void RepositoryProviderTest::aStopWaitsForNobodyWhoLocks()
-{
-    RunningRepository run;
-    ManagedRepository repository(nullptr, &Core::appConfigLock());
-    QSemaphore reading;
-    QSemaphore goOn;
-    auto details = holding(0);
-    details.reader = [&](const QVariant &, QVariant &out) {
-        reading.release();
-        goOn.acquire();
-        QVariant unused;
-        repository.getQueryInterface()->getValue("other", unused, 0); // takes the lock while the stop waits
-        out = 1;
-        return true;
-    };
-    QVERIFY(Attributes::CreateAttributeInHierarchy(run.provider().getRoot(),
-                                                   AttributeCreateData("custom", details)));
-    const auto observer
-        = run.provider().getManipulationProvider()->startUpdateAttribute("custom", 1, UpdatePoint::Done);
-    reading.acquire();
-    std::thread stopper([&run] { run.stop(); });
-    QTRY_VERIFY(!run.provider().getThreadPool().isRunning());
-    goOn.release(2); // the task reads once before and once after the write
-    stopper.join();
-    QVERIFY(observer.observer->isEnded());
-    QVERIFY(!run.provider().isActive());
-}
-
-void RepositoryProviderTest::theKeeperTakesWhatHangsInTheTrees()
-{
-    RunningRepository run;
-    const auto manipulation = run.provider().getManipulationProvider();
-    QVERIFY(manipulation->createAttribute("a.b", 1, CreatePoint::Done, 3));
-    QVERIFY(
-        manipulation->createAttribute("names", 2, CreatePoint::Done, 3)); // a name of the internal tree too
-    QVERIFY(run.provider().getBackendProvider()->createBackend("one value", "store", {}, CreatePoint::Done));
-    const auto list = run.provider().getListPattern("names", "backends");
-    std::shared_ptr<HierarchyNode> keeper;
-    run.provider().setRepositoryActive(keeper, true);
-    QVERIFY(keeper);
-    const auto kept
-        = std::dynamic_pointer_cast<Attributes::Attribute>(keeper->findChildByRelativePath("a.b"));
-    QVERIFY(kept && kept->hasValue());
-    QVERIFY(keeper->hasChild("metatypes"));
-    QVERIFY(!keeper->hasChild("store"));
-    QVERIFY(std::dynamic_pointer_cast<Attributes::Attribute>(keeper->getChildById("names")));
-    QVERIFY(!run.provider().getInternalRoot()->hasChild("names"));
-    QVERIFY(!run.provider().getListPattern("names", "backends"));
-    QVERIFY(!run.provider().getQueryInterface());
-    QVERIFY(!manipulation->createAttribute("late", 1, CreatePoint::Done, 3));
-}
-
-void RepositoryProviderTest::aStartKeepsARunningRepository()
-{
-    RunningRepository run;
-    const auto query = run.provider().getQueryProvider();
-    const auto list = run.provider().getListPattern("types", "validations");
-    std::shared_ptr<HierarchyNode> noKeeper;
-    run.provider().setRepositoryActive(noKeeper, false);
-    QCOMPARE(run.provider().getQueryProvider(), query);
-    QCOMPARE(run.provider().getListPattern("types", "validations"), list);
-    QCOMPARE(run.provider().getListPatterns().size(), 11);
-    QVERIFY(!run.provider().getListPattern("types", "modules"));
-}
-
-void RepositoryProviderTest::validationsOfBackendsAreForgotten()
-{
-    const auto known = Validation::AttributeValidationRepository::getInstance();
-    RunningRepository run;
-    const auto ofBackend = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of a backend"));
-    const auto own = Notification::utils::MakeNode<SomeValidation>(QStringLiteral("of the application"));
-    QVERIFY(known->registerBackendValidation(ofBackend, run.provider().getRoot()));
-    QVERIFY(known->registerValidation(own));
-    run.stop();
-    QCOMPARE(known->getValidationIds(), QStringList("of the application"));
-    known->unregisterValidation("of the application");
-}
-
-void RepositoryProviderTest::linksNeedAPathATargetAndNoCycle()
-{
-    RunningRepository run;
-    auto &provider = run.provider();
-    const auto root = provider.getRoot();
-    const auto target = Notification::utils::MakeNode<PlainNode>(QStringLiteral("target"));
-    QVERIFY(!provider.linkNode({}, target, "link"));
-    QVERIFY(!provider.linkNode("a", nullptr, "link"));
-    QVERIFY(!provider.addRootLink({}, target, false));
-    QVERIFY(!provider.addRootLink("a.link", nullptr, false));
-    QVERIFY(!provider.linkNode("a", root, "link"));
-    QVERIFY(!provider.addRootLink("a.", target, false));
-    QVERIFY(!root->hasChild("a")); // nothing stays of what was refused
-
-    QVERIFY(provider.linkNode("a.b", target, "link"));
-    QVERIFY(provider.addRootLink("a.link", target, true));
-    QVERIFY(!provider.addRootLink("a.link", target, true));
-    QVERIFY(!provider.linkNode("internal.x", target, "link"));
-    const auto link = std::dynamic_pointer_cast<Shared::Hierarchy::HierarchyNodeLink>(
-        root->findChildByRelativePath("a.link"));
-    QVERIFY(link && link->isReadOnly());
-    QCOMPARE(root->findChildByRelativePath("a.b.link")->getChildren(false).size(), 0);
-    QVERIFY(root->findChildByRelativePath("a.b.link")
-                ->addChild(Notification::utils::MakeNode<PlainNode>(QStringLiteral("child"))));
-    QVERIFY(target->hasChild("child"));
-}
-
-void RepositoryProviderTest::payloadsOfOtherTypesStartNothing()
-{
-    RunningRepository run;
-    auto &provider = run.provider();
-    QVERIFY(
-        !provider.getThreadPool().startCreateTask(provider.getRoot(), "a", QVariant(1), CreatePoint::Done));
-    const Attributes::AttributesCreateData list{AttributeCreateData("l.a", holding(1)),
-                                                AttributeCreateData("l.b", holding(2))};
-    const auto observer = provider.getThreadPool().startCreateTask(
-        provider.getRoot(), {}, QVariant::fromValue(list), CreatePoint::Done);
-    QVERIFY(Notification::utils::WaitForSuccess(provider.getThreadPool(), observer));
-    QVERIFY(provider.getQueryProvider()->getAttribute("l.b"));
-}
+    void payloadsOfOtherTypesStartNothing()
+    {
+        RunningRepository run;
+        auto &provider = run.provider();
+        QVERIFY(!provider.getThreadPool().startCreateTask(provider.getRoot(), "a", QVariant(1),
+                                                          CreatePoint::Done));
+        const Attributes::AttributesCreateData list{AttributeCreateData("l.a", holding(1)),
+                                                    AttributeCreateData("l.b", holding(2))};
+        const auto observer = provider.getThreadPool().startCreateTask(
+            provider.getRoot(), {}, QVariant::fromValue(list), CreatePoint::Done);
+        QVERIFY(Notification::utils::WaitForSuccess(provider.getThreadPool(), observer));
+        QVERIFY(provider.getQueryProvider()->getAttribute("l.b"));
+    }
+};
 
 QTEST_GUILESS_MAIN(RepositoryProviderTest)
 #include "RepositoryProviderTest.moc"

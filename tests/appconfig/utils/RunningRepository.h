@@ -6,6 +6,8 @@
 #include <notification/RepositoryHierarchyThreadProvider.h>
 #include <notification/utils/MakeNode.h>
 
+#include <support/Literals.h>
+
 /*!
  * One run of the configuration repository: started and with its internal tree linked in by the constructor,
  * stopped by the destructor.
@@ -27,7 +29,7 @@ public:
                 root->addChild(Tessellum::Notification::utils::MakeNode<PlainNode>(names.first));
             root->getChildById(names.first)->addChild(list);
         }
-        provider().addRootLink(QStringLiteral("internal"), root, true);
+        provider().addRootLink("internal"_s, root, true);
     }
     ~RunningRepository() { stop(); }
 
@@ -44,7 +46,7 @@ public:
     static void setAutomaticCreate(bool enabled)
     {
         Tessellum::AppConfig::Attributes::AttributeCreateData data;
-        data.name = QStringLiteral("repository.automatic_create_through_updates");
+        data.name = "repository.automatic_create_through_updates"_s;
         data.details.value = enabled;
         Tessellum::AppConfig::Attributes::CreateAttributeInHierarchy(provider().getInternalRoot(), data);
     }
@@ -68,7 +70,7 @@ public:
             });
     }
 
-    QStringList getTypeKeys() const override { return {QStringLiteral("test")}; }
+    QStringList getTypeKeys() const override { return {"test"_s}; }
     bool saveAttributes() override { return !onSave || onSave(); }
     bool loadAttributesCreateDataInternal(AttributesCreateData &out,
                                           const Tessellum::Notification::CreatePoint &) override

@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <support/Literals.h>
+
 using namespace Tessellum::AppConfig;
 using namespace Tessellum::AppConfig::Validation;
 using Tessellum::Notification::utils::MakeNode;
@@ -14,8 +16,7 @@ namespace {
 template <class T>
 bool makes(const QString &type)
 {
-    const auto made
-        = AttributeValidationRepository::getInstance()->createValidation(type, QStringLiteral("id"));
+    const auto made = AttributeValidationRepository::getInstance()->createValidation(type, "id"_s);
     return made && made->getValidationId() == QLatin1String("id")
         && std::dynamic_pointer_cast<LimitsValidation<T>>(made);
 }
@@ -27,101 +28,95 @@ class AttributeValidationRepositoryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void createsByTypeKey();
-    void typeKeysInAnyCaseIfSoSet();
-    void registersAnIdOnce();
-    void forgetsWhatBackendsRegistered();
-    void listsTheNamesWhileTheRepositoryRuns();
+    void createsByTypeKey()
+    {
+        for (const QString key : {"limits", "limit"}) {
+            QVERIFY(makes<double>(key));
+            QVERIFY(makes<double>(key + "_double"));
+            QVERIFY(makes<float>(key + "_float"));
+            QVERIFY(makes<signed char>(key + "_signed_char"));
+            QVERIFY(makes<short>(key + "_short"));
+            QVERIFY(makes<int>(key + "_int"));
+            QVERIFY(makes<long long>(key + "_qlonglong"));
+        }
+        QCOMPARE(repository->getRegisteredProductIdentifier().size(), 14);
+        QVERIFY(!repository->createValidation("Limits"_s, "id"_s));
+        QVERIFY(!repository->createValidation(QString(), "id"_s));
+    }
+
+    void typeKeysInAnyCaseIfSoSet()
+    {
+        Attributes::AttributeCreateData setting;
+        setting.name = "repository.names_ignore_case"_s;
+        const auto root = RunningRepository::provider().getInternalRoot();
+        for (bool ignoring : {true, false}) {
+            setting.details.value = ignoring;
+            QVERIFY(Attributes::CreateAttributeInHierarchy(root, setting));
+            QCOMPARE(makes<int>("LIMIT_Int"_s), ignoring);
+        }
+    }
+
+    void registersAnIdOnce()
+    {
+        const auto first = MakeNode<LimitsValidation<int>>("once"_s);
+        QVERIFY(!repository->registerValidation(nullptr));
+        QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>(QString())));
+        QVERIFY(!repository->getValidation("once"_s));
+        QVERIFY(repository->registerValidation(first));
+        QVERIFY(!repository->registerValidation(first));
+        QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>("once"_s)));
+        QCOMPARE(repository->getValidation("once"_s), std::shared_ptr<AttributeValidationInterface>(first));
+        QVERIFY(repository->registerValidation(MakeNode<LimitsValidation<int>>("a"_s)));
+        QCOMPARE(repository->getValidationIds(), QStringList({"a", "once"}));
+        QVERIFY(repository->unregisterValidation("a"_s));
+        QVERIFY(!repository->unregisterValidation("a"_s));
+        QVERIFY(repository->unregisterValidation("once"_s));
+    }
+
+    void forgetsWhatBackendsRegistered()
+    {
+        RunningRepository running;
+        const auto node = [](const char *id) { return MakeNode<LimitsValidation<int>>(QString(id)); };
+        const auto backend = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("backend"_s);
+        QVERIFY(repository->registerValidation(node("kept")));
+        QVERIFY(repository->registerBackendValidation(node("file"), backend));
+        QVERIFY(!repository->registerBackendValidation(node("kept"), backend));
+        running.stop();
+        QCOMPARE(repository->getValidationIds(), QStringList("kept"));
+        const auto other = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("other"_s);
+        const auto fresh = node("file");
+        QVERIFY(repository->registerBackendValidation(node("file"), backend));
+        QVERIFY(!repository->registerBackendValidation(fresh, other));
+        backend->setDeleteFlag();
+        QVERIFY(repository->registerBackendValidation(fresh, other));
+        QCOMPARE(repository->getValidation("file"),
+                 std::shared_ptr<Validation::AttributeValidationInterface>(fresh));
+        repository->unregisterBackendValidations();
+        QVERIFY(repository->unregisterValidation("kept"_s));
+    }
+
+    void listsTheNamesWhileTheRepositoryRuns()
+    {
+        RunningRepository running;
+        const auto list = RunningRepository::provider().getListPattern("names", "validations");
+        QVERIFY(list);
+        const auto validation = MakeNode<LimitsValidation<int>>("listed"_s);
+        QVERIFY(repository->registerValidation(validation));
+        QVERIFY(!repository->registerValidation(validation));
+        QCOMPARE(list->getElements(), QStringList("listed"));
+        // The entry tells the place, also when the validation is hung somewhere later.
+        const auto parent = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("p"_s);
+        QVERIFY(parent->addChild(validation, nullptr));
+        QVariant place;
+        QVERIFY(list->getElement("listed"_s)->getValue(place, QMetaType::QString));
+        QCOMPARE(place, QVariant("p.listed"));
+        running.stop();
+        QVERIFY(repository->unregisterValidation("listed"_s));
+    }
 
 private:
     AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
 };
-
-void AttributeValidationRepositoryTest::createsByTypeKey()
-{
-    for (const QString key : {"limits", "limit"}) {
-        QVERIFY(makes<double>(key));
-        QVERIFY(makes<double>(key + "_double"));
-        QVERIFY(makes<float>(key + "_float"));
-        QVERIFY(makes<signed char>(key + "_signed_char"));
-        QVERIFY(makes<short>(key + "_short"));
-        QVERIFY(makes<int>(key + "_int"));
-        QVERIFY(makes<long long>(key + "_qlonglong"));
-    }
-    QCOMPARE(repository->getRegisteredProductIdentifier().size(), 14);
-    QVERIFY(!repository->createValidation(QStringLiteral("Limits"), QStringLiteral("id")));
-    QVERIFY(!repository->createValidation(QString(), QStringLiteral("id")));
-}
-
-void AttributeValidationRepositoryTest::typeKeysInAnyCaseIfSoSet()
-{
-    Attributes::AttributeCreateData setting;
-    setting.name = QStringLiteral("repository.names_ignore_case");
-    const auto root = RunningRepository::provider().getInternalRoot();
-    for (bool ignoring : {true, false}) {
-        setting.details.value = ignoring;
-        QVERIFY(Attributes::CreateAttributeInHierarchy(root, setting));
-        QCOMPARE(makes<int>(QStringLiteral("LIMIT_Int")), ignoring);
-    }
-}
-
-void AttributeValidationRepositoryTest::registersAnIdOnce()
-{
-    const auto first = MakeNode<LimitsValidation<int>>(QStringLiteral("once"));
-    QVERIFY(!repository->registerValidation(nullptr));
-    QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>(QString())));
-    QVERIFY(!repository->getValidation(QStringLiteral("once")));
-    QVERIFY(repository->registerValidation(first));
-    QVERIFY(!repository->registerValidation(first));
-    QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>(QStringLiteral("once"))));
-    QCOMPARE(repository->getValidation(QStringLiteral("once")),
-             std::shared_ptr<AttributeValidationInterface>(first));
-    QVERIFY(repository->registerValidation(MakeNode<LimitsValidation<int>>(QStringLiteral("a"))));
-    QCOMPARE(repository->getValidationIds(), QStringList({"a", "once"}));
-    QVERIFY(repository->unregisterValidation(QStringLiteral("a")));
-    QVERIFY(!repository->unregisterValidation(QStringLiteral("a")));
-    QVERIFY(repository->unregisterValidation(QStringLiteral("once")));
-}
-
-void AttributeValidationRepositoryTest::forgetsWhatBackendsRegistered()
-{
-    const auto node = [](const char *id) { return MakeNode<LimitsValidation<int>>(QString(id)); };
-    const auto backend = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(QStringLiteral("backend"));
-    QVERIFY(repository->registerValidation(node("kept")));
-    QVERIFY(repository->registerBackendValidation(node("file"), backend));
-    QVERIFY(!repository->registerBackendValidation(node("kept"), backend));
-    repository->unregisterBackendValidations();
-    QCOMPARE(repository->getValidationIds(), QStringList("kept"));
-    const auto other = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(QStringLiteral("other"));
-    const auto fresh = node("file");
-    QVERIFY(repository->registerBackendValidation(node("file"), backend));
-    QVERIFY(!repository->registerBackendValidation(fresh, other));
-    backend->setDeleteFlag();
-    QVERIFY(repository->registerBackendValidation(fresh, other));
-    QCOMPARE(repository->getValidation("file"),
-             std::shared_ptr<Validation::AttributeValidationInterface>(fresh));
-    repository->unregisterBackendValidations();
-    QVERIFY(repository->unregisterValidation(QStringLiteral("kept")));
-}
-
-void AttributeValidationRepositoryTest::listsTheNamesWhileTheRepositoryRuns()
-{
-    RunningRepository running;
-    const auto list = RunningRepository::provider().getListPattern("names", "validations");
-    QVERIFY(list);
-    const auto validation = MakeNode<LimitsValidation<int>>(QStringLiteral("listed"));
-    QVERIFY(repository->registerValidation(validation));
-    QVERIFY(!repository->registerValidation(validation));
-    QCOMPARE(list->getElements(), QStringList("listed"));
-    // The entry tells the place, also when the validation is hung somewhere later.
-    const auto parent = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>(QStringLiteral("p"));
-    QVERIFY(parent->addChild(validation, nullptr));
-    QVariant place;
-    QVERIFY(list->getElement(QStringLiteral("listed"))->getValue(place, QMetaType::QString));
-    QCOMPARE(place, QVariant("p.listed"));
-    running.stop();
-    QVERIFY(repository->unregisterValidation(QStringLiteral("listed")));
-}
 
 QTEST_GUILESS_MAIN(AttributeValidationRepositoryTest)
 #include "AttributeValidationRepositoryTest.moc"
