@@ -29,9 +29,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *bytes, size_t size)
     provider.recompute();
     const auto range = provider.getRange();
     if (!taken)
-        Fuzz::Require(range.from == 7 && range.to == 9 && !range.contains(6) && !range.contains(10));
+        Fuzz::Require(range.fromResolved == 7 && range.toResolved == 9 && !range.contains(6)
+                      && !range.contains(10));
     // Ends that are both set and not 0 stand in their order, so the range holds them.
-    if (range.type == TimeRangeProvider::RangeType::Both && range.from != 0 && range.to != 0)
-        Fuzz::Require(range.contains(range.from) && range.contains(range.to));
+    if (range.rangeType == TimeRangeProvider::RangeType::Both && range.fromResolved != 0
+        && range.toResolved != 0)
+        Fuzz::Require(range.contains(range.fromResolved) && range.contains(range.toResolved));
     return 0;
 }

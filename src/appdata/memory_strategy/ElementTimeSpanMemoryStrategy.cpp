@@ -40,7 +40,7 @@ qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
     const auto element = present->getQueryInterface()->getElementById(elementUuid);
     range->recompute();
     const TimeRangeProvider::Range resolved = range->getRange();
-    if (resolved.type == TimeRangeProvider::RangeType::None || !element)
+    if (resolved.rangeType == TimeRangeProvider::RangeType::None || !element)
         return NoDecision;
     return resolved.contains(element->getQueryInterface()->getTimestamp()) ? Keep : Unload;
 }

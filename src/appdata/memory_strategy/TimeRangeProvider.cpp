@@ -49,15 +49,15 @@ bool IsContradictory(PointType from, PointType to)
 Range ResolveRange(const TimeRangePoint &from, const TimeRangePoint &to, quint64 start, quint64 end)
 {
     Range resolved;
-    resolved.from = Resolve(from, start, end);
-    resolved.to = Resolve(to, start, end);
+    resolved.fromResolved = Resolve(from, start, end);
+    resolved.toResolved = Resolve(to, start, end);
     if (from.getType() == PointType::RelativeFromTo)
-        resolved.from = resolved.to - from.getValue();
+        resolved.fromResolved = resolved.toResolved - from.getValue();
     if (to.getType() == PointType::RelativeToFrom)
-        resolved.to = to.getValue() + resolved.from;
-    if (resolved.from != 0 && resolved.to != 0 && resolved.to < resolved.from)
-        std::swap(resolved.from, resolved.to);
-    resolved.type = RangeTypeOf(from.getType(), to.getType());
+        resolved.toResolved = to.getValue() + resolved.fromResolved;
+    if (resolved.fromResolved != 0 && resolved.toResolved != 0 && resolved.toResolved < resolved.fromResolved)
+        std::swap(resolved.fromResolved, resolved.toResolved);
+    resolved.rangeType = RangeTypeOf(from.getType(), to.getType());
     return resolved;
 }
 
@@ -72,18 +72,18 @@ bool ParsePoint(const QJsonObject &object, TimeRangePoint &point)
 
 bool TimeRangeProvider::Range::contains(quint64 timestamp) const
 {
-    switch (type) {
+    switch (rangeType) {
     case RangeType::None:
         return false;
     case RangeType::FromOnly:
-        return from <= timestamp;
+        return fromResolved <= timestamp;
     case RangeType::ToOnly:
-        return timestamp <= to;
+        return timestamp <= toResolved;
     case RangeType::Both:
-        return from <= timestamp && timestamp <= to;
+        return fromResolved <= timestamp && timestamp <= toResolved;
     }
     FrameworkLog().warning() << "TimeRangeProvider::isTimeStampInRange() invalid range type provided="
-                             << quint32(type);
+                             << quint32(rangeType);
     return false;
 }
 

@@ -27,9 +27,9 @@ public:
     /*! The range as it was resolved; both ends belong to it. */
     struct TESSELLUM_EXPORT Range
     {
-        RangeType type = RangeType::None;
-        quint64 from = 0;
-        quint64 to = std::numeric_limits<quint64>::max();
+        RangeType rangeType = RangeType::None;
+        quint64 fromResolved = 0;
+        quint64 toResolved = std::numeric_limits<quint64>::max();
 
         /*! False for RangeType::None. */
         bool contains(quint64 timestamp) const;

@@ -77,9 +77,9 @@ void TimeRangeProviderTest::resolves()
     QVERIFY(provider.configure(parameters));
     provider.recompute();
     const auto range = provider.getRange();
-    QCOMPARE(int(range.type), type);
-    QCOMPARE(range.from, from);
-    QCOMPARE(range.to, to);
+    QCOMPARE(int(range.rangeType), type);
+    QCOMPARE(range.fromResolved, from);
+    QCOMPARE(range.toResolved, to);
 
     // Both ends belong to the range, and the end that is not set limits nothing.
     const bool hasFrom = type & int(RangeType::FromOnly);
