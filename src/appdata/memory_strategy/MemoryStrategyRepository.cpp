@@ -1,6 +1,7 @@
 #include <appdata/memory_strategy/ElementTimeSpanMemoryStrategy.h>
 #include <appdata/memory_strategy/LastAddedElementMemoryStrategy.h>
 #include <appdata/memory_strategy/MemoryStrategyRepository.h>
+#include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/MakeNode.h>
 
 #include <QReadLocker>
@@ -39,7 +40,10 @@ MemoryStrategyRepository::createMemoryStrategy(const QString &type, const QStrin
                                                const std::weak_ptr<const Entry> &entry) const
 {
     const auto creator = getCreator(keyOf(type));
-    return creator ? creator(id, parameters, entry) : nullptr;
+    std::shared_ptr<MemoryStrategy> strategy;
+    if (creator)
+        Notification::utils::RunGuarded("MemoryStrategy", [&] { strategy = creator(id, parameters, entry); });
+    return strategy;
 }
 
 QString MemoryStrategyRepository::getFirstKey(const QString &type) const

@@ -30,7 +30,7 @@ class TESSELLUM_EXPORT MemoryStrategyRepository
     friend class Shared::Singleton<MemoryStrategyRepository>;
 
 public:
-    /*! Null for an unknown type. */
+    /*! Null for an unknown type, and where the creator throws, which leaves a CRITICAL line. */
     std::shared_ptr<MemoryStrategy>
     createMemoryStrategy(const QString &type, const QString &id, const QString &parameters,
                          const std::weak_ptr<const Data::Entries::Entry> &entry) const;

@@ -1,8 +1,11 @@
 #include <appdata/memory_strategy/MemoryStrategyWrapper.h>
+#include <notification/utils/ExceptionBarrier.h>
 
 #include <QReadLocker>
 #include <QTimer>
 #include <QWriteLocker>
+
+#include <utility>
 
 namespace Tessellum::AppData::MemoryStrategies {
 
@@ -10,6 +13,21 @@ namespace {
 
 // The share of the event thread's time that goes into emissions is at most one in this number and one.
 constexpr qint64 RestPerWork = 3;
+
+/*! Calls \a strategy, which may be the application's own: what it throws ends here. */
+template <class Call>
+auto Ask(const std::shared_ptr<MemoryStrategy> &strategy, decltype(std::declval<Call>()()) failed,
+         Call &&call)
+{
+    if (strategy)
+        Notification::utils::RunGuarded("MemoryStrategy", [&] { failed = call(); });
+    return failed;
+}
+
+void Tell(const std::shared_ptr<MemoryStrategy> &strategy, const QString &elementId)
+{
+    Notification::utils::RunGuarded("MemoryStrategy", [&] { strategy->onNotifyElementAdded(elementId); });
+}
 
 } // namespace
 
@@ -29,13 +47,13 @@ QString MemoryStrategyWrapper::getType() const
 bool MemoryStrategyWrapper::configure(const QString &parameters)
 {
     const auto present = currentStrategy();
-    return present && present->configure(parameters);
+    return Ask(present, false, [&] { return present->configure(parameters); });
 }
 
 qint32 MemoryStrategyWrapper::evaluate(const QString &elementUuid)
 {
     const auto present = currentStrategy();
-    return present ? present->evaluate(elementUuid) : qint32(NoDecision);
+    return Ask(present, qint32(NoDecision), [&] { return present->evaluate(elementUuid); });
 }
 
 bool MemoryStrategyWrapper::setStrategy(const std::shared_ptr<MemoryStrategy> &next)
@@ -64,7 +82,7 @@ void MemoryStrategyWrapper::announceElement(const QString &elementId)
     const auto present = currentStrategy();
     if (!present)
         return;
-    present->onNotifyElementAdded(elementId);
+    Tell(present, elementId);
     if (!announced.exchange(true))
         QMetaObject::invokeMethod(this, &MemoryStrategyWrapper::emitAnnounced, Qt::QueuedConnection);
 }
@@ -74,7 +92,7 @@ void MemoryStrategyWrapper::handleElementAdded(const QString &elementId)
     const auto present = currentStrategy();
     if (!present)
         return;
-    present->onNotifyElementAdded(elementId);
+    Tell(present, elementId);
     Q_EMIT invalidated();
 }
 

@@ -13,6 +13,8 @@ namespace Tessellum::AppData::MemoryStrategies {
 /*!
  * The stable object of one entry to which its loaded elements are connected, while strategies come and go.
  *
+ * What a strategy throws leaves a CRITICAL line and counts as no decision, or as refused parameters.
+ *
  * Lock: guards the pointer to the strategy alone; no strategy is called and nothing emitted under it.
  */
 class TESSELLUM_EXPORT MemoryStrategyWrapper : public MemoryStrategy

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <stdexcept>
+
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::MemoryStrategies;
 using Data::Entries::Entry;
@@ -14,6 +16,24 @@ using Interfaces::MemoryStrategyInterface;
 using Tessellum::Notification::utils::MakeEventThreadObject;
 using TestSupport::LogCapture;
 using TestSupport::RunningDataRepository;
+
+namespace {
+
+// One of an application, which fails in all that it is asked.
+class ThrowingStrategy : public MemoryStrategy
+{
+public:
+    ThrowingStrategy()
+        : MemoryStrategy("throwing", "id")
+    { }
+    bool configure(const QString &) override { throw std::runtime_error("configure"); }
+    qint32 evaluate(const QString &) override { throw std::runtime_error("evaluate"); }
+
+protected:
+    void handleElementAdded(const QString &) override { throw std::runtime_error("added"); }
+};
+
+} // namespace
 
 class MemoryStrategyTest : public QObject
 {
@@ -56,6 +76,8 @@ private Q_SLOTS:
     void manyAddsCostOneEmission();
     void parametersThatAreRefusedChangeNothing();
     void installsOnceAndRemoves();
+    void aRemovedEntryIsListedNoMore();
+    void aStrategyThatThrowsDecidesNothing();
     void withoutElementsOrEntryThereIsNoDecision();
     void theFirstPatternThatMatchesGivesTheType();
 };
@@ -187,6 +209,47 @@ void MemoryStrategyTest::installsOnceAndRemoves()
              qint32(MemoryStrategyInterface::NoDecision));
     QVERIFY(strategies()->installMemoryStrategy("last", R"({"limit":1})"));
     QTRY_COMPARE(loaded(), QList<int>{3});
+}
+
+void MemoryStrategyTest::aRemovedEntryIsListedNoMore()
+{
+    const auto list = RunningRepository::provider().getListPattern("names", "memory_strategy");
+    QVERIFY(strategies()->installMemoryStrategy("last", QString()));
+    QVERIFY(list->hasElement(entry->getUuid()));
+    QVERIFY(run->remove(entry));
+    QVERIFY(!list->hasElement(entry->getUuid()));
+
+    const LogCapture log;
+    QVERIFY(!strategies()->installMemoryStrategy("last", QString())); // by someone who still holds it
+    QCOMPARE(log.lines(),
+             QStringList("WARNING EntryMemoryStrategyProvider::installMemoryStrategy() failed to install "
+                         "strategy=last invalid entry"));
+    QVERIFY(!list->hasElement(entry->getUuid()));
+}
+
+void MemoryStrategyTest::aStrategyThatThrowsDecidesNothing()
+{
+    auto *const repository = MemoryStrategyRepository::getInstance();
+    using Strategy = std::shared_ptr<MemoryStrategy>;
+    QVERIFY(repository->registerProduct(
+        "throwing", [](const QString &, const QString &, const std::weak_ptr<const Entry> &) -> Strategy {
+            return MakeEventThreadObject<ThrowingStrategy>();
+        }));
+    QVERIFY(repository->registerProduct(
+        "unmade", [](const QString &, const QString &, const std::weak_ptr<const Entry> &) -> Strategy {
+            throw std::runtime_error("created");
+        }));
+    const LogCapture log;
+    QVERIFY(!strategies()->installMemoryStrategy("unmade", QString()));
+    QVERIFY(strategies()->installMemoryStrategy("throwing", QString()));
+    QVERIFY(!strategies()->configureMemoryStrategy(QString()));
+    add(1);
+    QCOMPARE(entry->getMemoryStrategyWrapper()->evaluate(run->element(entry, 0)->getUuid()),
+             qint32(MemoryStrategyInterface::NoDecision));
+    QCOMPARE(loaded(), QList<int>{0});
+    QVERIFY(log.lines().filter("CRITICAL MemoryStrategy::run() catched exception").size() >= 4);
+    repository->unregisterProduct("throwing");
+    repository->unregisterProduct("unmade");
 }
 
 void MemoryStrategyTest::withoutElementsOrEntryThereIsNoDecision()

@@ -207,6 +207,7 @@ void StorageTasksTest::anUnloadedEntryComesBackWhole()
     const auto storage = FindStorage("disk");
     const auto manipulation = storage->getManipulationInterface();
     QVERIFY(!manipulation->unloadDataEntry("e1"));
+    const auto strategies = RunningRepository::provider().getListPattern("names", "memory_strategy");
     for (int round = 0; round < 2; ++round) {
         QVERIFY(manipulation->loadDataEntry("e1", LoadDataHint::OnDemand));
         QTRY_COMPARE(storage->getQueryInterface()->getEntryLoadStatus("e1"), LoadStatus::Loaded);
@@ -215,10 +216,13 @@ void StorageTasksTest::anUnloadedEntryComesBackWhole()
         QCOMPARE(Data::Entries::utils::FindPair("plant.one")->getNumberOfChildren(), 3u);
         QTRY_COMPARE(shownStatus(entry->getNodePath()->getFullPath()), QStringLiteral("loaded"));
 
+        QVERIFY(entry->getMemoryStrategyInterface()->installMemoryStrategy("last", QString()));
+        QVERIFY(strategies->hasElement("e1"));
         const QString path = entry->getNodePath()->getFullPath();
         QVERIFY(manipulation->unloadDataEntry("e1"));
         QVERIFY(!Data::Entries::utils::FindPair("plant.one"));
         QVERIFY(entry->isDeleteFlagSet());
+        QVERIFY(!strategies->hasElement("e1"));
         QVERIFY(!run->create(entry, run->value(9, 9))); // its values would miss the next one
         QTRY_COMPARE(shownStatus(path), QString());
     }

@@ -212,12 +212,13 @@ bool EntryCreateTask::createPersistent(const EntrySerializeInformation &record, 
 
 bool EntryCreateTask::createEntryInHierarchy(const NodePtr &parent, const EntryPtr &entry)
 {
-    InstallMemoryStrategy(entry);
     if (parent->isDeleteFlagSet() || !parent->addChild(entry)) {
         FrameworkLog().warning() << "EntryCreateTask::createEntryInHierarchy failed to add data entry="
                                  << entry->getId() << " to the hierarchy";
         return false;
     }
+    // An entry that is refused shows no strategy, which would stand under the uuid of another one.
+    InstallMemoryStrategy(entry);
     createdPaths.append(entry->getNodePath()->getFullPath());
     return true;
 }

@@ -1,3 +1,4 @@
+#include <appconfig/utils/LiveNode.h>
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/EntryMemoryStrategyProvider.h>
 #include <appdata/InternalSettingsProvider.h>
@@ -6,6 +7,7 @@
 #include <notification/utils/MakeNode.h>
 #include <shared/logging/FrameworkLog.h>
 
+#include <QMutexLocker>
 #include <QUuid>
 
 namespace Tessellum::AppData::Data::Entries {
@@ -14,15 +16,6 @@ using MemoryStrategies::MemoryStrategy;
 using MemoryStrategies::MemoryStrategyRepository;
 using MemoryStrategies::MemoryStrategyWrapper;
 using Shared::Logging::FrameworkLog;
-
-namespace {
-
-std::shared_ptr<Core::HierarchyListPattern> StrategyList()
-{
-    return InternalSettingsProvider().getList(QStringLiteral("names"), QStringLiteral("memory_strategy"));
-}
-
-} // namespace
 
 EntryMemoryStrategyProvider::EntryMemoryStrategyProvider(Entry *strategyEntry)
     : entry(strategyEntry)
@@ -42,7 +35,8 @@ EntryMemoryStrategyProvider::~EntryMemoryStrategyProvider() = default;
 
 bool EntryMemoryStrategyProvider::installMemoryStrategy(const QString &type, const QString &parameters)
 {
-    const auto target = entry ? std::dynamic_pointer_cast<Entry>(entry->self()) : nullptr;
+    const auto target
+        = entry ? std::dynamic_pointer_cast<Entry>(AppConfig::utils::LockLiveNode(entry->self())) : nullptr;
     if (!target) {
         FrameworkLog().warning()
             << "EntryMemoryStrategyProvider::installMemoryStrategy() failed to install strategy=" << type
@@ -65,19 +59,14 @@ bool EntryMemoryStrategyProvider::installMemoryStrategy(const QString &type, con
     // one stays.
     if (!strategy || !wrapper->setStrategy(strategy))
         return false;
-    if (const auto list = StrategyList())
-        list->addElementToList(target->getUuid(), strategy->getType(), false);
+    showType();
     return true;
 }
 
 bool EntryMemoryStrategyProvider::removeMemoryStrategy()
 {
-    const bool hadStrategy = wrapper->hasStrategy();
     const bool removed = wrapper->setStrategy(nullptr);
-    if (hadStrategy && entry) {
-        if (const auto list = StrategyList())
-            list->removeElementFromList(entry->getUuid());
-    }
+    showType();
     return removed;
 }
 
@@ -90,6 +79,24 @@ bool EntryMemoryStrategyProvider::getMemoryStrategyType(QString &type) const
 {
     type = wrapper->getType();
     return wrapper->hasStrategy();
+}
+
+void EntryMemoryStrategyProvider::showType()
+{
+    if (!entry)
+        return;
+    const QMutexLocker locker(&listMutex);
+    QString type;
+    if (getMemoryStrategyType(type) && !entry->isDeleteFlagSet()) {
+        const auto list
+            = InternalSettingsProvider().getList(QStringLiteral("names"), QStringLiteral("memory_strategy"));
+        if (list)
+            list->addElementToList(entry->getUuid(), type, false);
+        shownIn = list;
+    } else if (const auto list = shownIn.lock()) {
+        list->removeElementFromList(entry->getUuid());
+        shownIn.reset();
+    }
 }
 
 } // namespace Tessellum::AppData::Data::Entries

@@ -2,7 +2,13 @@
 
 #include <appdata/interfaces/DataEntryMemoryStrategyInterface.h>
 
+#include <QMutex>
+
 #include <memory>
+
+namespace Tessellum::Core {
+class HierarchyListPattern;
+}
 
 namespace Tessellum::AppData::MemoryStrategies {
 class MemoryStrategyWrapper;
@@ -12,7 +18,12 @@ namespace Tessellum::AppData::Data::Entries {
 
 class Entry;
 
-/*! Holds the wrapper of an entry, to which it belongs, and installs strategies in it. */
+/*!
+ * Holds the wrapper of an entry, to which it belongs, and installs strategies in it.
+ *
+ * Lock: makes the look at the wrapper and what the list of names then shows one step; the locks of the
+ * wrapper and of the list are taken inside it.
+ */
 class TESSELLUM_EXPORT EntryMemoryStrategyProvider : public Interfaces::DataEntryMemoryStrategyInterface
 {
 public:
@@ -28,8 +39,12 @@ public:
     std::shared_ptr<MemoryStrategies::MemoryStrategyWrapper> getWrapper() const { return wrapper; }
 
 private:
+    void showType();
+
     Entry *const entry;
     const std::shared_ptr<MemoryStrategies::MemoryStrategyWrapper> wrapper;
+    QMutex listMutex;
+    std::weak_ptr<Core::HierarchyListPattern> shownIn; // where the entry's own element is
 };
 
 } // namespace Tessellum::AppData::Data::Entries

@@ -6,8 +6,12 @@ namespace Tessellum::AppData::Storages::utils {
 void DetachEntry(const std::shared_ptr<Data::Entries::Entry> &entry)
 {
     Data::Entries::utils::UnlinkEntryFromPair(entry);
+    const auto strategies = entry->getMemoryStrategyInterface();
+    // Before the flag, or it could take away what the next attachment of the entry shows; and after it what
+    // has been installed in between.
+    strategies->removeMemoryStrategy();
     entry->setDeleteFlag();
-    entry->getMemoryStrategyInterface()->removeMemoryStrategy();
+    strategies->removeMemoryStrategy();
 }
 
 } // namespace Tessellum::AppData::Storages::utils

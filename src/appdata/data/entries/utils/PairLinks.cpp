@@ -2,7 +2,7 @@
 #include <appdata/data/elements/Element.h>
 #include <appdata/data/elements/ElementReference.h>
 #include <appdata/data/entries/utils/PairLinks.h>
-#include <appdata/interfaces/DataEntryMemoryStrategyInterface.h>
+#include <appdata/storages/utils/DetachEntry.h>
 #include <appdata/utils/LoadStatusMirror.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/MakeNode.h>
@@ -198,8 +198,7 @@ PairPtr LinkEntryToPair(const std::shared_ptr<Entry> &entry)
     FrameworkLog().warning() << "EntryCreateTask::createEntryForClassificationAndName() failed to link uuid "
                                 "to entry path, removing the entry from the hierarchy and storage, uuid="
                              << entry->getId();
-    entry->setDeleteFlag();
-    entry->getMemoryStrategyInterface()->removeMemoryStrategy();
+    Storages::utils::DetachEntry(entry);
     AppData::utils::LoadStatusMirror::StartRemoval(fullPath);
     return nullptr;
 }
