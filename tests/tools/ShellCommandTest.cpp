@@ -25,6 +25,11 @@ private Q_SLOTS:
         QVERIFY(command.arguments.at(4).value.isNull());
         QVERIFY(command.arguments.at(5).value.isUndefined());
 
+        const QByteArray uuid = "{14dac2ec-2e21-4ff5-b1b8-2f1d00a8b893}";
+        const ShellCommand named = ParseShellCommand("element set plant.temp " + uuid + " {}");
+        QCOMPARE(named.arguments.value(2).text, QString(uuid));
+        QCOMPARE(named.arguments.value(3).value, QJsonValue(QJsonObject()));
+
         for (const char *nothing : {"", " \t ", "# update a 1", "  #"}) {
             const ShellCommand empty = ParseShellCommand(nothing);
             QVERIFY(empty.name.isEmpty() && empty.error.isEmpty());

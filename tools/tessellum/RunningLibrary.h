@@ -6,6 +6,9 @@
 #include <appdata/interfaces/RepositoryInterface.h>
 #include <core/Library.h>
 
+#include <QCoreApplication>
+#include <QThread>
+
 #include <memory>
 
 namespace Tessellum::Tool {
@@ -28,6 +31,17 @@ inline std::shared_ptr<AppData::Interfaces::RepositoryInterface> RecordedData()
     if (!repository)
         Fail(QStringLiteral("the library does not run"));
     return repository;
+}
+
+/*! Returns when an attached entry has all that its storage holds; fails the command if it cannot be read. */
+inline void WaitUntilLoaded(const std::shared_ptr<AppData::Interfaces::DataEntryInterface> &entry)
+{
+    while (entry && entry->getLoadStatus() == AppData::LoadStatus::CurrentlyLoading) {
+        QCoreApplication::processEvents();
+        QThread::yieldCurrentThread();
+    }
+    if (!entry || entry->getLoadStatus() != AppData::LoadStatus::Loaded)
+        Fail(QStringLiteral("an entry cannot be read"));
 }
 
 /*! Starts the library for the length of a scope; fails the command if it does not start. */

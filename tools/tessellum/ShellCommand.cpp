@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTextCodec>
+#include <QUuid>
 
 namespace Tessellum::Tool {
 
@@ -48,12 +49,21 @@ int endOfWord(const QString &line, int position)
     return position;
 }
 
+/*! The braces of a uuid, as the shell writes it, are no JSON. */
+bool isUuid(const QString &line, int position)
+{
+    const QStringRef word = line.midRef(position, endOfWord(line, position) - position);
+    constexpr int size = 38; // in braces
+    return word.size() == size && !QUuid::fromString(word).isNull();
+}
+
 /*! Takes the argument at \a position and moves behind it; false with \a error set if there is a fault. */
 bool takeArgument(const QString &line, int &position, ShellArgument &argument, QString &error)
 {
     const QChar first = line.at(position);
     const bool isQuoted = first == QLatin1Char('"');
-    const bool isBracketed = first == QLatin1Char('[') || first == QLatin1Char('{');
+    const bool isBracketed
+        = first == QLatin1Char('[') || (first == QLatin1Char('{') && !isUuid(line, position));
     const int end = isQuoted ? endOfQuoted(line, position)
         : isBracketed        ? endOfBracketed(line, position)
                              : endOfWord(line, position);

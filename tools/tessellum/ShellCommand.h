@@ -26,8 +26,8 @@ struct ShellCommand
 
 /*!
  * Reads one line: words between blanks, of which one in double quotes is a JSON string and one that begins
- * with a bracket is a JSON array or object, blanks and all. A line that begins with "#" is a comment. Pure;
- * any bytes are allowed.
+ * with a bracket is a JSON array or object, blanks and all, unless it is a uuid in braces. A line that begins
+ * with "#" is a comment. Pure; any bytes are allowed.
  */
 ShellCommand ParseShellCommand(const QByteArray &line);
 

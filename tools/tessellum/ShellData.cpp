@@ -113,7 +113,9 @@ EntryPtr attach(const QString &storageName, const QString &classification, const
     for (auto entry = stored.cbegin(); entry != stored.cend(); ++entry) {
         if (entry->classification == classification && entry->name == name
             && storage->getManipulationInterface()->loadDataEntry(entry.key(), LoadDataHint::OnDemand)) {
-            return RecordedData()->getDataEntryInterface()->getDataEntry(entry.key());
+            const EntryPtr attached = RecordedData()->getDataEntryInterface()->getDataEntry(entry.key());
+            WaitUntilLoaded(attached);
+            return attached;
         }
     }
     return nullptr;

@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QThread>
 
 #include <algorithm>
 #include <functional>
@@ -22,16 +21,6 @@ namespace {
 
 using EntryPtr = std::shared_ptr<DataEntryInterface>;
 using Visitor = std::function<void(const DataElementQueryInterface &element)>;
-
-void waitUntilLoaded(const EntryPtr &entry)
-{
-    while (entry && entry->getLoadStatus() == LoadStatus::CurrentlyLoading) {
-        QCoreApplication::processEvents();
-        QThread::yieldCurrentThread();
-    }
-    if (!entry || entry->getLoadStatus() != LoadStatus::Loaded)
-        Fail(QStringLiteral("an entry cannot be read"));
-}
 
 void attachAll(const HistoryRequest &request)
 {
@@ -51,7 +40,7 @@ void attachAll(const HistoryRequest &request)
     storage->getQueryInterface()->getEntries(stored);
     for (const QString &uuid : stored.keys()) {
         storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand);
-        waitUntilLoaded(RecordedData()->getDataEntryInterface()->getDataEntry(uuid));
+        WaitUntilLoaded(RecordedData()->getDataEntryInterface()->getDataEntry(uuid));
     }
 }
 
