@@ -89,8 +89,7 @@ ElementsCreateTask::ElementsCreateTask(const Examiners &createExaminer,
     , examiner(createExaminer)
     , completion(CompletionOf(createData))
     , singleCreate(IsSingle(data))
-    , tracker(std::make_shared<PendingCreateCounterTracker>(std::dynamic_pointer_cast<Entry>(parent.lock()),
-                                                            NumberOf(data)))
+    , tracker(std::dynamic_pointer_cast<Entry>(parent.lock()), NumberOf(data))
     , observer(
           makeObserver(waitPoint, [this](const ResultType &result) { handleCreateNotification(result); }))
 { }
@@ -131,7 +130,7 @@ void ElementsCreateTask::report(CreatePoint point, bool success)
 {
     if (point == CreatePoint::Done || !success) {
         // Before those who wait go on: the next value must find the places that this task no longer needs.
-        tracker->finishAll();
+        tracker.finishAll();
         complete(success);
     }
     observer->report({point, success});
@@ -242,7 +241,7 @@ bool ElementsCreateTask::create(const EntryPtr &entry, ElementUpdateData updateD
         info->index = added ? qint64(position) : -1;
     if (!added)
         return false;
-    addReference(entry, element);
+    Entries::utils::AddElementReference(entry, element);
     createdIds.append(uuid);
     if (info)
         info->uuid = uuid;
@@ -301,7 +300,7 @@ bool ElementsCreateTask::create(const EntryPtr &entry, const ElementDeserializeI
         }
         SetValueOfFresh(facts, parsed);
     }
-    if (!addElement(entry, element, nullptr, nullptr) || !addReference(entry, element))
+    if (!addElement(entry, element, nullptr, nullptr) || !Entries::utils::AddElementReference(entry, element))
         return false;
     createdIds.append(uuid);
     return true;
@@ -327,7 +326,7 @@ bool ElementsCreateTask::addElement(const EntryPtr &entry, const ElementPtr &ele
         const ScopedLock lock(entry);
         element->setMemoryStrategyWrapper(entry->getMemoryStrategyWrapper());
         added = entry->addChild(element, position);
-        tracker->finishOne();
+        tracker.finishOne();
         if (added && write)
             changes.emplace(&element->dataLock());
     }
@@ -340,18 +339,6 @@ bool ElementsCreateTask::addElement(const EntryPtr &entry, const ElementPtr &ele
     if (write)
         write();
     return true;
-}
-
-bool ElementsCreateTask::addReference(const EntryPtr &entry, const ElementPtr &element)
-{
-    if (!pair || pair->isDeleteFlagSet())
-        pair = Entries::utils::FindPair(entry->getPairPath());
-    if (!pair || Entries::utils::AddElementReference(entry, element, pair))
-        return true;
-    FrameworkLog().warning() << "ElementsCreateTask::addElementToEntryAsChild() failed to add element="
-                             << element->getId() << " to the entry=" << pair->getId()
-                             << " as reference=" << 1;
-    return false;
 }
 
 void ElementsCreateTask::handleCreateNotification(const ResultType &result) const

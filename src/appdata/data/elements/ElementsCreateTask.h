@@ -10,7 +10,6 @@
 #include <functional>
 
 namespace Tessellum::AppData::Data::Entries {
-class ClassificationNameEntry;
 class Entry;
 } // namespace Tessellum::AppData::Data::Entries
 
@@ -61,7 +60,6 @@ private:
     ElementPtr makeElement(const ElementData &elementData) const;
     bool addElement(const EntryPtr &entry, const ElementPtr &element, quint64 *position,
                     const std::function<void()> &write);
-    bool addReference(const EntryPtr &entry, const ElementPtr &element);
     void complete(bool success);
     void report(Notification::CreatePoint point, bool success);
     void handleCreateNotification(const ResultType &result) const;
@@ -69,11 +67,10 @@ private:
     Examiners examiner;
     std::function<void(bool)> completion;
     const bool singleCreate;
-    const std::shared_ptr<PendingCreateCounterTracker> tracker;
+    PendingCreateCounterTracker tracker;
     std::shared_ptr<Notification::CreateObserver> observer;
     QStringList createdIds;
     Entries::EntryData entryFacts; // what all elements of this task copy
-    std::shared_ptr<Entries::ClassificationNameEntry> pair; // looked up once
 };
 
 } // namespace Tessellum::AppData::Data::Elements

@@ -4,7 +4,7 @@
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
-#include <atomic>
+#include <memory>
 
 namespace Tessellum::AppData::Data::Elements {
 class Element;
@@ -23,6 +23,7 @@ namespace Tessellum::AppData::Data::Entries {
 namespace utils {
 class ElementTimeIndex;
 }
+class ClassificationNameEntry;
 class EntryManipulationProvider;
 class EntryMemoryStrategyProvider;
 class EntryQueryProvider;
@@ -66,13 +67,13 @@ public:
     std::shared_ptr<Storages::Storage> getStorage() const;
     /*! Classification and name as one path below the root of the repository. */
     QString getPairPath() const;
-    /*! Whether the entry is linked to its pair, so that references to its elements may be made. Changed under
-     * the pairMutex() of the repository alone. */
-    bool isLinked() const { return linked.load(std::memory_order_acquire); }
-    void setLinked(bool isInPair) { linked.store(isInPair, std::memory_order_release); }
+    /*! The pair that the entry is linked to, beneath which references to its elements are made; null without
+     * one. Called under the pairMutex() of the repository alone. */
+    std::shared_ptr<ClassificationNameEntry> getLinkedPair() const { return linkedPair.lock(); }
+    void setLinkedPair(const std::shared_ptr<ClassificationNameEntry> &pair) { linkedPair = pair; }
 
 private:
-    std::atomic<bool> linked = false;
+    std::weak_ptr<ClassificationNameEntry> linkedPair;
     const std::unique_ptr<utils::ElementTimeIndex> elementTimes;
     const std::shared_ptr<EntryQueryProvider> queryProvider;
     std::shared_ptr<EntryManipulationProvider> manipulationProvider;

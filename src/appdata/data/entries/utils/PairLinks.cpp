@@ -189,7 +189,7 @@ PairPtr LinkEntryToPair(const std::shared_ptr<Entry> &entry)
             pair = CreatePair(entry, pairPath, link);
         else if (link.attribute->setValue(link.value()))
             pair = link.pair;
-        entry->setLinked(pair != nullptr);
+        entry->setLinkedPair(pair);
         if (pair)
             ReferToElements(pair, *entry);
     }
@@ -208,9 +208,9 @@ void UnlinkEntryFromPair(const std::shared_ptr<Entry> &entry)
     QString removedPath;
     {
         const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
-        if (!entry->isLinked())
+        if (!entry->getLinkedPair())
             return;
-        entry->setLinked(false);
+        entry->setLinkedPair(nullptr);
         PairLink link(entry->getPairPath());
         if (!link.pair)
             return;
@@ -242,13 +242,16 @@ QList<std::shared_ptr<Entry>> EntriesOfPair(const QString &pairPath)
     return PairLink(pairPath).livingEntries();
 }
 
-bool AddElementReference(const std::shared_ptr<Entry> &entry, const std::shared_ptr<Element> &element,
-                         const PairPtr &pair)
+bool AddElementReference(const std::shared_ptr<Entry> &entry, const std::shared_ptr<Element> &element)
 {
     const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
-    if (!entry->isLinked() || element->isDeleteFlagSet() || pair->isDeleteFlagSet())
+    const PairPtr pair = entry->getLinkedPair();
+    if (!pair || element->isDeleteFlagSet() || Refer(pair, element))
         return true;
-    return Refer(pair, element);
+    FrameworkLog().warning() << "ElementsCreateTask::addElementToEntryAsChild() failed to add element="
+                             << element->getId() << " to the entry=" << pair->getId()
+                             << " as reference=" << 1;
+    return false;
 }
 
 void RemoveElementReference(const QString &pairPath, const std::shared_ptr<Element> &element)

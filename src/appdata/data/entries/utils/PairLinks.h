@@ -28,11 +28,11 @@ std::shared_ptr<ClassificationNameEntry> FindPair(const QString &pairPath);
 /*! The living entries of the pair in the order of the link. */
 QList<std::shared_ptr<Entry>> EntriesOfPair(const QString &pairPath);
 
-/*! Shows \a element of \a entry beneath \a pair. A living element of that uuid is kept there, one that has
- * gone is replaced. True also where there is nothing to show any more; false where the pair refuses it. */
+/*! Shows \a element of \a entry beneath the pair of that. A living element of that uuid is kept there, one
+ * that has gone is replaced. True also where there is no pair or nothing to show any more; false where the
+ * pair refuses it. */
 bool AddElementReference(const std::shared_ptr<Entry> &entry,
-                         const std::shared_ptr<Elements::Element> &element,
-                         const std::shared_ptr<ClassificationNameEntry> &pair);
+                         const std::shared_ptr<Elements::Element> &element);
 /*! Takes the reference to \a element, which is off the tree, out of its pair. An element of the same uuid in
  * another entry of the pair is shown in its place. */
 void RemoveElementReference(const QString &pairPath, const std::shared_ptr<Elements::Element> &element);
