@@ -1,4 +1,5 @@
 #include <appdata/data/elements/Element.h>
+#include <appdata/data/elements/ElementManipulationProvider.h>
 #include <appdata/data/elements/ElementsCreateTask.h>
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/utils/ElementJobs.h>
@@ -8,6 +9,7 @@
 #include <appdata/utils/RepositoryProvider.h>
 
 #include <QSet>
+#include <QWriteLocker>
 
 namespace Tessellum::AppData::Data::Entries::utils {
 
@@ -20,20 +22,36 @@ using Elements::ElementUpdateDataList;
 
 namespace {
 
-void SetValue(const std::shared_ptr<Element> &element, ElementUpdateData &copy)
+ElementUpdateData CopyOf(const std::shared_ptr<Element> &element)
 {
-    const auto data = element->copyData();
-    const auto storage = data.deserialize.entry.storage.lock();
-    if (!data.parser && storage) {
-        // Nothing has ever been parsed: the value is on the medium alone.
-        copy.setRawData(
-            Storages::utils::CallMedium("EntryCreateTask::copyElementsFromSource()", QByteArray(), [&] {
-                return storage->getImplementation()->getElementRawData(data.deserialize.entry.uuid,
-                                                                       data.deserialize.uuid);
-            }));
-        return;
+    const auto info = std::make_shared<ElementInfo>();
+    info->uuid = element->getId();
+    ElementUpdateData copy(info);
+    const auto provider = element->copyParser() ? element->getManipulationProvider() : nullptr;
+    bool isLoaded = false;
+    {
+        // In one hold, or an overwrite in between would give the stamp of one value to another.
+        const QWriteLocker lock(&element->dataLock());
+        const Elements::ElementData &data = element->dataLocked();
+        copy.setActive(data.serialize.active);
+        copy.setTimestamp(data.serialize.timestamp);
+        const auto &origin = data.deserialize;
+        const auto storage = origin.entry.storage.lock();
+        if (!provider && storage) {
+            // Nothing has ever been parsed: the value is on the medium alone.
+            copy.setRawData(
+                Storages::utils::CallMedium("EntryCreateTask::copyElementsFromSource()", QByteArray(), [&] {
+                    return storage->getImplementation()->getElementRawData(origin.entry.uuid, origin.uuid);
+                }));
+        } else {
+            if (provider)
+                provider->performCommandLocked(ElementCommand::Load, isLoaded);
+            copy.setParsedData(*data.parsedData); // empty where it could not be read
+        }
     }
-    copy.setParsedData(*element->getQueryInterface()->getParsedData());
+    if (isLoaded)
+        provider->emitLoadChange(ElementCommand::Load);
+    return copy;
 }
 
 } // namespace
@@ -57,15 +75,8 @@ ElementUpdateDataList CopiesOfElements(Entry &source, const Entry &destination, 
     ElementUpdateDataList copies;
     for (const auto &child : source.getChildren(false)) {
         const auto element = std::dynamic_pointer_cast<Element>(child);
-        if (!element || !wanted.contains(element->getId()) || destination.hasChild(element->getId()))
-            continue;
-        const auto info = std::make_shared<ElementInfo>();
-        info->uuid = element->getId();
-        ElementUpdateData copy(info);
-        copy.setActive(element->isActive());
-        copy.setTimestamp(element->getTimestamp());
-        SetValue(element, copy);
-        copies.append(copy);
+        if (element && wanted.contains(element->getId()) && !destination.hasChild(element->getId()))
+            copies.append(CopyOf(element));
     }
     return copies;
 }
