@@ -40,14 +40,16 @@ DeleteObserver::ResultType EntryDeleteTask::runDelete()
     paths = QStringList{fullPath, entry->getPairPath()};
     paths.removeDuplicates();
     observer->report({DeletePoint::Begin, true});
+    bool removed = false;
     Notification::utils::RunGuarded("EntryDeleteTask", [&] {
         if (std::dynamic_pointer_cast<ClassificationNameEntry>(entry))
             removeEntriesOfPair(entry->getPairPath());
         else
             removeEntry(entry, fullPath);
+        removed = true;
     });
     entry.reset();
-    observer->report({DeletePoint::Done, true});
+    observer->report({DeletePoint::Done, removed});
     return observer->getResult();
 }
 
