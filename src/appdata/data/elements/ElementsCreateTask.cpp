@@ -116,7 +116,9 @@ CreateObserver::ResultType ElementsCreateTask::runCreate()
     }
     report(CreatePoint::Begin, true);
     bool created = false;
-    Notification::utils::RunGuarded("ElementsCreateTask", [&] { created = createInHierarchy(parent); });
+    Notification::utils::RunGuarded("ElementsCreateTask", [&] {
+        created = singleCreate ? createElementInHierarchy(parent) : createElementsInHierarchy(parent);
+    });
     report(CreatePoint::Done, created);
     return observer->getResult();
 }
@@ -142,44 +144,58 @@ void ElementsCreateTask::complete(bool success)
         function(success);
 }
 
-bool ElementsCreateTask::createInHierarchy(const std::shared_ptr<HierarchyNode> &parent)
+bool ElementsCreateTask::createElementInHierarchy(const std::shared_ptr<HierarchyNode> &parent)
 {
-    const auto entry = std::dynamic_pointer_cast<Entry>(parent);
-    if (!entry) {
-        FrameworkLog().warning()
-            << (singleCreate ? "ElementsCreateTask::createElementInHierarchy() found incompatible "
-                               "data entry node!"
-                             : "ElementsCreateTask::createElementsInHierarchy() found "
-                               "incompatible data entry node!");
+    const auto entry = takeEntry("ElementsCreateTask::createElementInHierarchy()", parent);
+    if (!entry)
         return false;
-    }
-    entryFacts = entry->copyData();
-    entryFacts.serialize.addCounter = 0;
-    entryFacts.serialize.pendingCreates.reset();
-    if (Is<ElementUpdateData>(data))
-        return create(entry, data.value<ElementUpdateData>());
-    if (Is<ElementDeserializeInformation>(data))
-        return create(entry, data.value<ElementDeserializeInformation>());
+    return Is<ElementUpdateData>(data)
+        ? createAndSerializeElementInHierarchy(entry, data.value<ElementUpdateData>())
+        : createAndDeserializeElementInHierarchy(entry, data.value<ElementDeserializeInformation>());
+}
+
+bool ElementsCreateTask::createElementsInHierarchy(const std::shared_ptr<HierarchyNode> &parent)
+{
+    const auto entry = takeEntry("ElementsCreateTask::createElementsInHierarchy()", parent);
+    if (!entry)
+        return false;
+    const auto createAll = [&entry](const auto &items, const auto &create) {
+        bool created = items.isEmpty();
+        for (const auto &item : items) {
+            if (entry->isDeleteFlagSet())
+                break; // nobody could find the others
+            created = create(item) || created;
+        }
+        return created;
+    };
     const bool created = Is<ElementUpdateDataList>(data)
-        ? createAll(entry, data.value<ElementUpdateDataList>())
-        : createAll(entry, data.value<ElementsDeserializeInformation>());
+        ? createAll(
+            data.value<ElementUpdateDataList>(),
+            [&](const ElementUpdateData &item) { return createAndSerializeElementInHierarchy(entry, item); })
+        : createAll(data.value<ElementsDeserializeInformation>(),
+                    [&](const ElementDeserializeInformation &item) {
+                        return createAndDeserializeElementInHierarchy(entry, item);
+                    });
     Entries::utils::PointRingAtOldest(*entry);
     return created;
 }
 
-template <class Item>
-bool ElementsCreateTask::createAll(const EntryPtr &entry, const QList<Item> &items)
+ElementsCreateTask::EntryPtr ElementsCreateTask::takeEntry(const char *caller,
+                                                           const std::shared_ptr<HierarchyNode> &parent)
 {
-    bool created = items.isEmpty();
-    for (const Item &item : items) {
-        if (entry->isDeleteFlagSet())
-            return false;
-        created = create(entry, item) || created;
+    auto entry = std::dynamic_pointer_cast<Entry>(parent);
+    if (!entry) {
+        FrameworkLog().warning() << caller << " found incompatible data entry node!";
+        return nullptr;
     }
-    return created;
+    entryFacts = entry->copyData();
+    entryFacts.serialize.addCounter = 0;
+    entryFacts.serialize.pendingCreates.reset();
+    return entry;
 }
 
-bool ElementsCreateTask::create(const EntryPtr &entry, ElementUpdateData updateData)
+bool ElementsCreateTask::createAndSerializeElementInHierarchy(const EntryPtr &entry,
+                                                              ElementUpdateData updateData)
 {
     static const char *const caller = "ElementsCreateTask::createAndSerializeElementInHierarchy()";
     quint64 timestamp = 0;
@@ -235,8 +251,8 @@ bool ElementsCreateTask::create(const EntryPtr &entry, ElementUpdateData updateD
             return storage->getImplementation()->serializeElement(entry->getId(), uuid, updateData);
         });
     };
-    const bool added = addElement(entry, element, reportIndex ? &position : nullptr,
-                                  storage ? std::function<void()>(write) : nullptr);
+    const bool added = addElementToEntryAsChild(entry, element, reportIndex ? &position : nullptr,
+                                                storage ? std::function<void()>(write) : nullptr);
     if (reportIndex)
         info->index = added ? qint64(position) : -1;
     if (!added)
@@ -248,7 +264,8 @@ bool ElementsCreateTask::create(const EntryPtr &entry, ElementUpdateData updateD
     return true;
 }
 
-bool ElementsCreateTask::create(const EntryPtr &entry, const ElementDeserializeInformation &information)
+bool ElementsCreateTask::createAndDeserializeElementInHierarchy(
+    const EntryPtr &entry, const ElementDeserializeInformation &information)
 {
     static const char *const caller = "ElementsCreateTask::createAndDeserializeElementInHierarchy()";
     const auto &uuid = information.uuid;
@@ -300,7 +317,8 @@ bool ElementsCreateTask::create(const EntryPtr &entry, const ElementDeserializeI
         }
         SetValueOfFresh(facts, parsed);
     }
-    if (!addElement(entry, element, nullptr, nullptr) || !Entries::utils::AddElementReference(entry, element))
+    if (!addElementToEntryAsChild(entry, element, nullptr, nullptr)
+        || !Entries::utils::AddElementReference(entry, element))
         return false;
     createdIds.append(uuid);
     return true;
@@ -315,8 +333,8 @@ ElementsCreateTask::ElementPtr ElementsCreateTask::makeElement(const ElementData
 }
 
 /*! \a write stores the element on its medium and runs before anybody can change it there. */
-bool ElementsCreateTask::addElement(const EntryPtr &entry, const ElementPtr &element, quint64 *position,
-                                    const std::function<void()> &write)
+bool ElementsCreateTask::addElementToEntryAsChild(const EntryPtr &entry, const ElementPtr &element,
+                                                  quint64 *position, const std::function<void()> &write)
 {
     bool added = false;
     std::optional<QWriteLocker> changes;

@@ -52,14 +52,15 @@ private:
     using EntryPtr = std::shared_ptr<Entries::Entry>;
     using ElementPtr = std::shared_ptr<Element>;
 
-    bool createInHierarchy(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent);
-    template <class Item>
-    bool createAll(const EntryPtr &entry, const QList<Item> &items);
-    bool create(const EntryPtr &entry, ElementUpdateData updateData);
-    bool create(const EntryPtr &entry, const ElementDeserializeInformation &information);
+    bool createElementInHierarchy(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent);
+    bool createElementsInHierarchy(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent);
+    EntryPtr takeEntry(const char *caller, const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &parent);
+    bool createAndSerializeElementInHierarchy(const EntryPtr &entry, ElementUpdateData updateData);
+    bool createAndDeserializeElementInHierarchy(const EntryPtr &entry,
+                                                const ElementDeserializeInformation &information);
     ElementPtr makeElement(const ElementData &elementData) const;
-    bool addElement(const EntryPtr &entry, const ElementPtr &element, quint64 *position,
-                    const std::function<void()> &write);
+    bool addElementToEntryAsChild(const EntryPtr &entry, const ElementPtr &element, quint64 *position,
+                                  const std::function<void()> &write);
     void complete(bool success);
     void report(Notification::CreatePoint point, bool success);
     void handleCreateNotification(const ResultType &result) const;
