@@ -289,6 +289,24 @@ private Q_SLOTS:
             !run->addEntry(run->record("slow"))->getMemoryStrategyInterface()->getMemoryStrategyType(type));
     }
 
+    void entryOfAStorageThatGoesMeanwhile()
+    {
+        MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");
+        const auto list = RunningRepository::provider().getListPattern("names", "memory_strategy");
+        const auto info = std::make_shared<EntryInfo>();
+        info->uuid = "late";
+        info->serialize = run->record("fast", "disk");
+        twin->arrange(Operation::SerializeEntry, Fault::Hang);
+        const auto observer
+            = run->pool().startCreateTask(root(), {}, QVariant::fromValue(info), CreatePoint::Done);
+        QTRY_COMPARE(twin->hanging(), 1);
+        storage->setDeleteFlag();
+        twin->release();
+        QVERIFY(!Tessellum::Notification::utils::WaitForSuccess(run->pool(), observer));
+        QCOMPARE(onMedium(), QStringList());
+        QVERIFY(!list->hasElement("late"));
+    }
+
     void reportsAndUnreadableData()
     {
         EntryCreateTask task({}, root(), {}, QVariant(1), CreatePoint::Done);

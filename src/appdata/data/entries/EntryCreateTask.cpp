@@ -111,26 +111,26 @@ bool EntryCreateTask::createEntriesInHierarchy(const NodePtr &parent)
         return createFromInfo(parent, data.value<EntryInfoContainer>());
     if (Is<EntrySerializeInformation>(data)) {
         QString uuid;
-        return createAndSerialize(parent, data.value<EntrySerializeInformation>(), uuid);
+        return createAndSerializeEntryInHierarchy(parent, data.value<EntrySerializeInformation>(), uuid);
     }
     if (Is<EntryDeserializeInformation>(data))
-        return createAndDeserialize(data.value<EntryDeserializeInformation>());
+        return createAndDeserializeEntryInHierarchy(data.value<EntryDeserializeInformation>());
     bool created = false;
     const auto list = data.value<EntryList>();
     for (const EntryDeserializeInformation &information : list)
-        created = createAndDeserialize(information) || created;
+        created = createAndDeserializeEntryInHierarchy(information) || created;
     return created;
 }
 
 bool EntryCreateTask::createFromInfo(const NodePtr &parent, const EntryInfoContainer &info)
 {
-    if (!info || !createAndSerialize(parent, info->serialize, info->uuid))
+    if (!info || !createAndSerializeEntryInHierarchy(parent, info->serialize, info->uuid))
         return false;
     return !info->copyElements || info->elementsList.isEmpty() || copyElementsFromSource(*info);
 }
 
-bool EntryCreateTask::createAndSerialize(const NodePtr &parent, EntrySerializeInformation record,
-                                         QString &uuid)
+bool EntryCreateTask::createAndSerializeEntryInHierarchy(const NodePtr &parent,
+                                                         EntrySerializeInformation record, QString &uuid)
 {
     if (record.name.isEmpty() || record.classification.isEmpty()) {
         FrameworkLog().warning() << "EntryCreateTask::createAndSerializeEntryInHierarchy empty serialize "
@@ -215,6 +215,8 @@ bool EntryCreateTask::createEntryInHierarchy(const NodePtr &parent, const EntryP
     if (parent->isDeleteFlagSet() || !parent->addChild(entry)) {
         FrameworkLog().warning() << "EntryCreateTask::createEntryInHierarchy failed to add data entry="
                                  << entry->getId() << " to the hierarchy";
+        if (!parent->hasChild(entry->getId())) // what is listed under the uuid would be that child's
+            entry->getMemoryStrategyInterface()->removeMemoryStrategy();
         return false;
     }
     // An entry that is refused shows no strategy, which would stand under the uuid of another one.
@@ -226,18 +228,25 @@ bool EntryCreateTask::createEntryInHierarchy(const NodePtr &parent, const EntryP
 bool EntryCreateTask::finishNew(const EntryPtr &entry)
 {
     entry->setLoadStatus(LoadStatus::CurrentlyLoading);
-    const auto pair = utils::LinkEntryToPair(entry);
-    if (pair) {
-        createdPaths.append(pair->getLinkPath());
-        pair->setLoadStatus(LoadStatus::CurrentlyLoading);
-    }
+    const auto pair = createEntryForClassificationAndName(entry);
     entry->setLoadStatus(pair ? LoadStatus::Loaded : LoadStatus::NotLoaded);
     if (pair)
         pair->setLoadStatus(LoadStatus::Loaded);
     return pair && !LeaveRemovedStorage(entry);
 }
 
-bool EntryCreateTask::createAndDeserialize(const EntryDeserializeInformation &information)
+std::shared_ptr<ClassificationNameEntry>
+EntryCreateTask::createEntryForClassificationAndName(const EntryPtr &entry)
+{
+    auto pair = utils::LinkEntryToPair(entry);
+    if (pair) {
+        createdPaths.append(pair->getLinkPath());
+        pair->setLoadStatus(LoadStatus::CurrentlyLoading);
+    }
+    return pair;
+}
+
+bool EntryCreateTask::createAndDeserializeEntryInHierarchy(const EntryDeserializeInformation &information)
 {
     const auto storage = information.storage.lock();
     if (!storage || storage->isDeleteFlagSet()) {
@@ -264,20 +273,16 @@ bool EntryCreateTask::createAndDeserialize(const EntryDeserializeInformation &in
     if (!createEntryInHierarchy(storage, entry))
         return false;
     entry->setLoadStatus(LoadStatus::CurrentlyLoading);
-    const auto pair = utils::LinkEntryToPair(entry);
-    if (!pair)
+    const auto pair = createEntryForClassificationAndName(entry);
+    if (!pair || LeaveRemovedStorage(entry))
         return false;
-    if (LeaveRemovedStorage(entry))
-        return false;
-    createdPaths.append(pair->getLinkPath());
-    pair->setLoadStatus(LoadStatus::CurrentlyLoading);
-    const bool loading = deserializeElements(entry, information);
+    const bool loading = deserializeEntry(entry, information);
     pair->setLoadStatus(LoadStatus::Loaded);
     return loading;
 }
 
-bool EntryCreateTask::deserializeElements(const EntryPtr &entry,
-                                          const EntryDeserializeInformation &information) const
+bool EntryCreateTask::deserializeEntry(const EntryPtr &entry,
+                                       const EntryDeserializeInformation &information) const
 {
     const auto storage = information.storage.lock();
     QStringList uuids;

@@ -7,6 +7,7 @@
 
 namespace Tessellum::AppData::Data::Entries {
 
+class ClassificationNameEntry;
 class Entry;
 
 /*!
@@ -37,12 +38,14 @@ private:
 
     bool createEntriesInHierarchy(const NodePtr &parent);
     bool createFromInfo(const NodePtr &parent, const EntryInfoContainer &info);
-    bool createAndSerialize(const NodePtr &parent, EntrySerializeInformation record, QString &uuid);
+    bool createAndSerializeEntryInHierarchy(const NodePtr &parent, EntrySerializeInformation record,
+                                            QString &uuid);
     bool createPersistent(const EntrySerializeInformation &record, const QString &uuid);
-    bool createAndDeserialize(const EntryDeserializeInformation &information);
+    bool createAndDeserializeEntryInHierarchy(const EntryDeserializeInformation &information);
     bool createEntryInHierarchy(const NodePtr &parent, const EntryPtr &entry);
     bool finishNew(const EntryPtr &entry);
-    bool deserializeElements(const EntryPtr &entry, const EntryDeserializeInformation &information) const;
+    std::shared_ptr<ClassificationNameEntry> createEntryForClassificationAndName(const EntryPtr &entry);
+    bool deserializeEntry(const EntryPtr &entry, const EntryDeserializeInformation &information) const;
     bool copyElementsFromSource(const EntryInfo &info) const;
 
     void handleCreateNotification(const ResultType &result) const;
