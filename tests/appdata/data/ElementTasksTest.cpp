@@ -1,5 +1,6 @@
 #include "../../support/AttributeTree.h"
 #include "../../support/LogCapture.h"
+#include "../support/PickyParser.h"
 #include "../support/RunningDataRepository.h"
 
 #include <appdata/data/elements/ElementReference.h>
@@ -19,33 +20,12 @@ using Tessellum::Notification::DeletePoint;
 using Tessellum::Notification::UpdatePoint;
 using Tessellum::Notification::UpdateResult;
 using TestSupport::LogCapture;
+using TestSupport::PickyParser;
 using TestSupport::RunAndRecord;
 using TestSupport::RunningDataRepository;
 using TestSupport::StorageTwin;
 using Operation = StorageTwin::Operation;
 using Fault = StorageTwin::Fault;
-
-namespace {
-
-/*! Knows only texts that are not "bad", and throws at "worse". */
-class PickyParser : public Interfaces::DataElementParserInterface
-{
-public:
-    QByteArray toRaw(const std::shared_ptr<QVariant> &value) const override
-    {
-        if (value->toString() == "worse")
-            throw std::runtime_error("worse");
-        return value->toByteArray();
-    }
-    std::shared_ptr<QVariant> parse(const QByteArray &raw) const override
-    {
-        if (raw == "worse")
-            throw std::runtime_error("worse");
-        return raw == "bad" ? nullptr : std::make_shared<QVariant>(QString::fromUtf8(raw));
-    }
-};
-
-} // namespace
 
 class ElementTasksTest : public QObject
 {
