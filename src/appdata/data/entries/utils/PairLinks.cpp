@@ -244,10 +244,13 @@ QList<std::shared_ptr<Entry>> EntriesOfPair(const QString &pairPath)
 
 bool AddElementReference(const std::shared_ptr<Entry> &entry, const std::shared_ptr<Element> &element)
 {
-    const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
-    const PairPtr pair = entry->getLinkedPair();
-    if (!pair || element->isDeleteFlagSet() || Refer(pair, element))
-        return true;
+    PairPtr pair;
+    {
+        const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
+        pair = entry->getLinkedPair();
+        if (!pair || element->isDeleteFlagSet() || Refer(pair, element))
+            return true;
+    }
     FrameworkLog().warning() << "ElementsCreateTask::addElementToEntryAsChild() failed to add element="
                              << element->getId() << " to the entry=" << pair->getId()
                              << " as reference=" << 1;
