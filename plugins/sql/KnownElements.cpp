@@ -23,12 +23,22 @@ void KnownElements::addEntry(const QString &uuid, qint64 id, quint64 incarnation
 
 std::optional<qint64> KnownElements::element(const QString &entryUuid, const QString &elementUuid) const
 {
+    return find(entryUuid, elementUuid).row;
+}
+
+KnownElements::Place KnownElements::find(const QString &entryUuid, const QString &elementUuid) const
+{
+    Place place;
     const QMutexLocker lock(&mutex);
     const auto entry = entries.constFind(entryUuid);
     if (entry == entries.cend())
-        return std::nullopt;
+        return place;
+    place.entry = entry->id;
+    place.isComplete = entry->complete;
     const auto found = entry->elements.constFind(elementUuid);
-    return found == entry->elements.cend() ? std::nullopt : std::optional<qint64>(found.value());
+    if (found != entry->elements.cend())
+        place.row = found.value();
+    return place;
 }
 
 void KnownElements::addElement(const QString &entryUuid, const QString &elementUuid, qint64 id)
@@ -49,13 +59,6 @@ void KnownElements::addAll(const QString &entryUuid, qint64 id, quint64 incarnat
     entry.elements.reserve(entry.elements.size() + int(rows.size()));
     for (const auto &[uuid, row] : rows)
         entry.elements.insert(uuid, row);
-}
-
-bool KnownElements::isComplete(const QString &entryUuid) const
-{
-    const QMutexLocker lock(&mutex);
-    const auto entry = entries.constFind(entryUuid);
-    return entry != entries.cend() && entry->complete;
 }
 
 quint64 KnownElements::incarnation() const

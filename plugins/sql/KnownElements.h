@@ -26,14 +26,20 @@ class KnownElements
 {
 public:
     using Row = std::pair<QString, qint64>;
+    struct Place
+    {
+        std::optional<qint64> entry;
+        std::optional<qint64> row;
+        bool isComplete = false; /*!< Whether what has no row here has none on the medium. */
+    };
 
     std::optional<qint64> entry(const QString &uuid) const;
     void addEntry(const QString &uuid, qint64 id, quint64 incarnation, bool complete);
     std::optional<qint64> element(const QString &entryUuid, const QString &elementUuid) const;
+    Place find(const QString &entryUuid, const QString &elementUuid) const;
     void addElement(const QString &entryUuid, const QString &elementUuid, qint64 id);
     /*! All rows of the entry up to now; it is complete then. */
     void addAll(const QString &entryUuid, qint64 id, quint64 incarnation, const std::vector<Row> &rows);
-    bool isComplete(const QString &entryUuid) const;
     quint64 incarnation() const;
     /*! Forgets the entry, as it is removed or was rolled back. */
     void forget(const QString &entryUuid);

@@ -172,13 +172,10 @@ bool SqliteDialect::isOutage(const QSqlError &error) const
 bool SqliteDialect::Locate(SqlConnection &connection, KnownElements &known, const QString &entry,
                            const QString &element, qint64 &entryId, qint64 &row)
 {
-    row = -1;
-    entryId = known.entry(entry).value_or(-1);
-    if (const std::optional<qint64> knownRow = known.element(entry, element)) {
-        row = *knownRow;
-        return true;
-    }
-    if (known.isComplete(entry))
+    const KnownElements::Place place = known.find(entry, element);
+    entryId = place.entry.value_or(-1);
+    row = place.row.value_or(-1);
+    if (place.row || place.isComplete)
         return true;
     std::vector<KnownElements::Row> rows;
     if (!ReadRows(connection, known, entry, entryId, rows))

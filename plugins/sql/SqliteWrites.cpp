@@ -109,14 +109,12 @@ private:
     bool putElement(const Write &write, bool &found)
     {
         qint64 entryId = -1;
-        if (!findEntry(write.entry, entryId))
+        qint64 row = -1;
+        if (!SqliteDialect::Locate(connection, known, write.entry, write.element, entryId, row))
             return false;
         found = entryId != -1;
         if (!found)
             return true;
-        qint64 row = -1;
-        if (!findRow(write, row))
-            return false;
         const ElementFields &fields = write.fields;
         if (row != -1) {
             return connection.run(UpdateStatement(true, true, true),
@@ -134,8 +132,9 @@ private:
 
     bool updateElement(const Write &write, bool &found)
     {
+        qint64 entryId = -1;
         qint64 row = -1;
-        if (!findRow(write, row))
+        if (!SqliteDialect::Locate(connection, known, write.entry, write.element, entryId, row))
             return false;
         found = row != -1;
         if (!found)
@@ -154,17 +153,6 @@ private:
         values.append(row);
         return connection.run(UpdateStatement(bool(fields.active), bool(fields.stamp), bool(fields.raw)),
                               values.constData(), values.size());
-    }
-
-    bool findRow(const Write &write, qint64 &row)
-    {
-        const std::optional<qint64> knownRow = known.element(write.entry, write.element);
-        if (knownRow) {
-            row = *knownRow;
-            return true;
-        }
-        qint64 entryId = -1;
-        return SqliteDialect::Locate(connection, known, write.entry, write.element, entryId, row);
     }
 
     SqlConnection &connection;
