@@ -4,7 +4,6 @@
 #include <notification/Observer.h>
 #include <shared/hierarchy/HierarchyNode.h>
 
-#include <functional>
 #include <memory>
 
 namespace Tessellum::AppData::utils {
@@ -16,7 +15,7 @@ namespace Tessellum::AppData::utils {
  * status of that moment. So the attribute ends at the last status whatever the order of tasks. Threads: any;
  * a caller never waits and must hold no lock. Lock: guards what is on its way.
  */
-class LoadStatusMirror : public std::enable_shared_from_this<LoadStatusMirror>
+class LoadStatusMirror
 {
 public:
     explicit LoadStatusMirror(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node);

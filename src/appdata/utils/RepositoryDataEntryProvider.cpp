@@ -18,6 +18,7 @@ using Data::Entries::Entry;
 using Data::Entries::EntryInfo;
 using Data::Entries::EntryInfoContainer;
 using Data::Entries::EntrySerializeInformation;
+using Data::Entries::utils::PairPath;
 using Notification::CreateObserver;
 using Notification::CreatePoint;
 using Notification::DeletePoint;
@@ -27,11 +28,6 @@ using Shared::Logging::FrameworkLog;
 using EntryPtr = RepositoryDataEntryProvider::EntryPtr;
 
 namespace {
-
-QString pairPath(const QString &classification, const QString &name)
-{
-    return classification + HierarchyNode::GetHierarchyNodePathSeparator() + name;
-}
 
 bool removeFromMedium(const Storages::Storage &storage, const QString &uuid)
 {
@@ -85,12 +81,12 @@ RepositoryDataEntryProvider::RepositoryDataEntryProvider(const std::shared_ptr<H
 RepositoryDataEntryProvider::ConstEntryPtr
 RepositoryDataEntryProvider::getDataEntry(const QString &classification, const QString &name) const
 {
-    return Data::Entries::utils::FindPair(pairPath(classification, name));
+    return Data::Entries::utils::FindPair(PairPath(classification, name));
 }
 
 EntryPtr RepositoryDataEntryProvider::getDataEntry(const QString &classification, const QString &name)
 {
-    return Data::Entries::utils::FindPair(pairPath(classification, name));
+    return Data::Entries::utils::FindPair(PairPath(classification, name));
 }
 
 RepositoryDataEntryProvider::ConstEntryPtr
@@ -224,7 +220,7 @@ RepositoryDataEntryProvider::addDataEntryAsynchronous(const Specification &speci
         return nullptr;
     }
     info->serialize = record;
-    return pool->startCreateTask(root, pairPath(record.classification, record.name),
+    return pool->startCreateTask(root, PairPath(record.classification, record.name),
                                  QVariant::fromValue(info), point);
 }
 

@@ -48,6 +48,9 @@ QStringList StorageNames()
 std::shared_ptr<Entry> FindEntry(const QString &uuid)
 {
     const auto root = RepositoryProvider::getInstance()->getRoot();
+    if (const auto entry = std::dynamic_pointer_cast<Entry>(root->findChildByRelativePath(uuid)))
+        return entry;
+    // The uuid is the application's to choose, and may have what separates paths.
     if (const auto entry = std::dynamic_pointer_cast<Entry>(root->getChildById(uuid)))
         return entry;
     for (const auto &storage : FindStorages()) {

@@ -20,7 +20,8 @@ std::shared_ptr<Storages::Storage> FindStorage(const QString &name);
 QList<std::shared_ptr<Storages::Storage>> FindStorages();
 /*! The names of the storages, in the order of their adding. */
 QStringList StorageNames();
-/*! The volatile entry, the pair or the entry of a storage that has the uuid; null where there is none. */
+/*! The volatile entry, the pair or the entry of a storage that has the uuid, or that lies at it as a path
+ * below the root; null where there is none. */
 std::shared_ptr<Data::Entries::Entry> FindEntry(const QString &uuid);
 
 } // namespace Tessellum::AppData::utils

@@ -1,8 +1,8 @@
+#include <appdata/data/entries/utils/PairLinks.h>
 #include <appdata/memory_strategy/MemoryStrategyRepository.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryMemoryStrategyProvider.h>
 #include <appdata/utils/RepositoryProvider.h>
-#include <shared/hierarchy/HierarchyNode.h>
 #include <shared/logging/FrameworkLog.h>
 
 namespace Tessellum::AppData::utils {
@@ -25,8 +25,7 @@ int RepositoryMemoryStrategyProvider::installMemoryStrategy(const QString &class
             << " failed, no such memory strategy type registered!";
         return 0;
     }
-    const QString pattern
-        = classification + Shared::Hierarchy::HierarchyNode::GetHierarchyNodePathSeparator() + name;
+    const QString pattern = Data::Entries::utils::PairPath(classification, name);
     repository->setStrategyPattern(pattern, type);
     const auto entries = RepositoryProvider::getInstance()->getDataEntryProvider();
     int installed = 0;

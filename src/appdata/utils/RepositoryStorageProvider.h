@@ -9,8 +9,7 @@ class Storage;
 
 namespace Tessellum::AppData::utils {
 
-/*! The work behind RepositoryStorageInterface. The start operations neither wait nor lock, so that a front
- * can hold the repository's lock around each of them and around nothing else. */
+/*! The work behind RepositoryStorageInterface; holds no lock. */
 class RepositoryStorageProvider : public Interfaces::RepositoryStorageInterface
 {
 public:

@@ -63,8 +63,9 @@ WrappedRepositoryDataEntryProvider::addDataEntryExtended(const QString &storage,
                "failed to parse empty entry specification";
         return nullptr;
     }
-    return wrapped<WrappedEntry>(
-        [&](Provider &provider) { return provider.addDataEntryExtended(storage, specification); });
+    const EntryPtr entry
+        = writing([&](Provider &provider) { return provider.addDataEntryExtended(storage, specification); });
+    return entry ? std::make_shared<WrappedEntry>(entry, lock()) : nullptr;
 }
 
 int WrappedRepositoryDataEntryProvider::removeDataEntries(const QString &pattern)

@@ -4,7 +4,6 @@
 
 #include <QList>
 
-#include <functional>
 #include <memory>
 
 namespace Tessellum::AppData::Data::Entries {

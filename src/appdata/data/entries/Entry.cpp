@@ -4,6 +4,7 @@
 #include <appdata/data/entries/EntryMemoryStrategyProvider.h>
 #include <appdata/data/entries/EntryQueryProvider.h>
 #include <appdata/data/entries/utils/ElementTimeIndex.h>
+#include <appdata/data/entries/utils/PairLinks.h>
 #include <appdata/utils/LoadStatusMirror.h>
 #include <appdata/utils/PinnedInterface.h>
 #include <shared/synchronization/ScopedLock.h>
@@ -111,7 +112,7 @@ QString Entry::getPairPath() const
 {
     const ScopedLock lock(this);
     const EntrySerializeInformation &record = dataLocked().serialize;
-    return record.classification + GetHierarchyNodePathSeparator() + record.name;
+    return utils::PairPath(record.classification, record.name);
 }
 
 } // namespace Tessellum::AppData::Data::Entries

@@ -72,7 +72,7 @@ List filtered(const List &elements, const Filter &listFilter)
 
 } // namespace
 
-bool ApplyMaskedFilter(const ConstDataElementPtr &element, const ActivationMask &mask,
+bool applyMaskedFilter(const ConstDataElementPtr &element, const ActivationMask &mask,
                        const EntryQueryProvider::ElementFilter &filter)
 {
     switch (mask) {
@@ -211,7 +211,7 @@ DataElementList EntryQueryProvider::masked(const DataElementList &elements, cons
     DataElementList kept;
     kept.reserve(elements.size());
     for (const DataElementPtr &element : elements) {
-        if (ApplyMaskedFilter(element, mask, filter))
+        if (applyMaskedFilter(element, mask, filter))
             kept.append(element);
     }
     return kept;

@@ -50,7 +50,7 @@ private:
 
 /*! Whether \a element has the activation that \a mask asks for and passes \a filter; false with a WARNING for
  * a mask that does not exist. */
-bool ApplyMaskedFilter(const Interfaces::ConstDataElementPtr &element, const ActivationMask &mask,
+bool applyMaskedFilter(const Interfaces::ConstDataElementPtr &element, const ActivationMask &mask,
                        const EntryQueryProvider::ElementFilter &filter);
 
 } // namespace Tessellum::AppData::Data::Entries

@@ -1,5 +1,6 @@
 #include <appdata/data/elements/Element.h>
 #include <appdata/data/elements/ElementManipulationProvider.h>
+#include <appdata/data/elements/ElementReference.h>
 #include <appdata/data/elements/ElementsCreateTask.h>
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/utils/ElementJobs.h>
@@ -16,11 +17,20 @@ namespace Tessellum::AppData::Data::Entries::utils {
 using AppData::utils::RepositoryProvider;
 using Elements::Element;
 using Elements::ElementInfo;
+using Elements::ElementReference;
 using Elements::ElementsCreateRequest;
 using Elements::ElementUpdateData;
 using Elements::ElementUpdateDataList;
 
 namespace {
+
+/*! The element itself, also for what a pair has in its place. */
+std::shared_ptr<Element> ElementOf(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &child)
+{
+    if (const auto reference = std::dynamic_pointer_cast<ElementReference>(child))
+        return std::dynamic_pointer_cast<Element>(reference->getTarget());
+    return std::dynamic_pointer_cast<Element>(child);
+}
 
 ElementUpdateData CopyOf(const std::shared_ptr<Element> &element)
 {
@@ -74,7 +84,7 @@ ElementUpdateDataList CopiesOfElements(Entry &source, const Entry &destination, 
     const QSet<QString> wanted(uuids.cbegin(), uuids.cend());
     ElementUpdateDataList copies;
     for (const auto &child : source.getChildren(false)) {
-        const auto element = std::dynamic_pointer_cast<Element>(child);
+        const auto element = ElementOf(child);
         if (element && wanted.contains(element->getId()) && !destination.hasChild(element->getId()))
             copies.append(CopyOf(element));
     }

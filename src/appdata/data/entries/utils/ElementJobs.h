@@ -16,8 +16,8 @@ namespace Tessellum::AppData::Data::Entries::utils {
  * entry's status to loaded, or to not loaded where none could be created or the task was discarded. */
 void StartElementJob(const std::shared_ptr<Entry> &entry, const QVariant &elements);
 
-/*! What makes copies of those elements of \a source whose uuids are listed and that \a destination lacks, in
- * the order of the source. */
+/*! What makes copies of those elements of \a source, an entry or a pair, whose uuids are listed and that \a
+ * destination lacks, in the order of the source. */
 Elements::ElementUpdateDataList CopiesOfElements(Entry &source, const Entry &destination,
                                                  const QStringList &uuids);
 
