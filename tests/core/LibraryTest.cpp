@@ -1,6 +1,8 @@
 #include <appconfig/utils/RepositoryProvider.h>
+#include <appdata/utils/RepositoryProvider.h>
 #include <core/Library.h>
 #include <core/utils/StartFault.h>
+#include <notification/Observer.h>
 #include <shared/hierarchy/HierarchyNode.h>
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
@@ -93,6 +95,8 @@ private Q_SLOTS:
 
     void internalTree()
     {
+        AppData::utils::RepositoryProvider::getInstance()->registerProduct(
+            "own_storage"_s, [](const AppData::Storages::StorageCreateData &) { return nullptr; });
         QCOMPARE(initializeLibrary(), 0);
         const auto repository = getCoreInterface()->getAppConfigRepository();
         const auto query = std::const_pointer_cast<const AppConfig::Interfaces::AttributesQueryInterface>(
@@ -110,7 +114,9 @@ private Q_SLOTS:
                {"repository.list_separators", ";"},
                {"repository.names_ignore_case", true},
                {"types.backends.json", "Backend: json"},
+               {"types.storages.own_storage", "Storage: own_storage"},
                {"types.validations.limit_int", "Validation: limit_int"},
+               {"types.memory_strategy.last", "MemoryStrategy: last"},
                {"metatypes.repository.%1"_s.arg(QMetaType::type(result)), result}};
         for (const auto &[path, value] : expected)
             QCOMPARE(read(path), value);
@@ -124,6 +130,46 @@ private Q_SLOTS:
                                                                          Notification::CreatePoint::Done, 3));
         QVERIFY(!repository->getManipulationInterface()->deleteAttribute("internal"_s,
                                                                          Notification::DeletePoint::Done));
+    }
+
+    void metatypesInTheirOrder()
+    {
+        QCOMPARE(initializeLibrary(), 0);
+        const auto list = AppConfig::utils::RepositoryProvider::getInstance()->getListPattern("metatypes"_s,
+                                                                                              "repository"_s);
+        QStringList names;
+        for (const QString &number : list->getElements()) {
+            QVariant value;
+            QVERIFY(list->getElement(number)->getValue(value, QMetaType::QString));
+            QCOMPARE(value.toString(), QString(QMetaType::typeName(number.toInt())));
+            names.append(value.toString().remove("Tessellum::"));
+        }
+        const QStringList expected{"Notification::UpdateResult",
+                                   "Notification::UpdatePoint",
+                                   "Notification::CreatePoint",
+                                   "Notification::DeletePoint",
+                                   "Notification::CreateObserver::ResultType",
+                                   "Notification::UpdateObserver::ResultType",
+                                   "Notification::DeleteObserver::ResultType",
+                                   "AppData::Data::Entries::EntryCategory",
+                                   "AppData::Data::Elements::ElementSerializeInformation",
+                                   "AppData::Data::Elements::ElementsSerializeInformation",
+                                   "AppData::Data::Elements::ElementDeserializeInformation",
+                                   "AppData::Data::Elements::ElementsDeserializeInformation",
+                                   "AppData::Data::Elements::ElementUpdateData",
+                                   "AppData::Data::Entries::EntryDeserializeInformation",
+                                   "AppData::Data::Entries::EntrySerializeInformation",
+                                   "AppData::Storages::StorageCreateData",
+                                   "AppData::LoadStatus",
+                                   "AppData::LoadDataHint"};
+        QCOMPARE(names, expected);
+
+        using Notification::CreateObserver;
+        using Notification::CreatePoint;
+        const auto report = QVariant::fromValue(CreateObserver::ResultType(CreatePoint::Done, true))
+                                .value<QPair<QVariant, QVariant>>();
+        QCOMPARE(report.first.value<CreatePoint>(), CreatePoint::Done);
+        QCOMPARE(report.second, QVariant(true));
     }
 
     void versionInformation()
