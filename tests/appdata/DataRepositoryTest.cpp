@@ -1,6 +1,7 @@
 #include "../support/LogCapture.h"
 #include "support/RunningDataRepository.h"
 
+#include <appdata/data/elements/parsers/DefaultElementParser.h>
 #include <appdata/data/entries/EntrySpecification.h>
 #include <appdata/ManagedRepository.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
@@ -312,6 +313,30 @@ private Q_SLOTS:
         QCOMPARE(log.lines().size(), 1); // no pattern was kept that a new entry would trip over
         QCOMPARE(strategies->removeMemoryStrategy("tank", "*", "last"), 0);
         QCOMPARE(strategyOf(first), QString("last"));
+    }
+
+    void registeredCategoriesAreListedInEachRun()
+    {
+        const auto add = [this] {
+            return repository->getElementRegistrationInterface()->registerElement(
+                CategoryType::Unit, "Volt",
+                [] { return std::make_shared<Data::Elements::Parsers::DefaultElementParser>(); });
+        };
+        const auto listed = [] {
+            return RunningRepository::provider()
+                .getListPattern("types", "custom_data_elements")
+                ->getElements();
+        };
+        QVERIFY(add());
+        QCOMPARE(listed(), QStringList("unit:volt"));
+        run.reset();
+        run = std::make_unique<RunningDataRepository>();
+        repository = makeFront();
+        QVERIFY(!add());
+        QCOMPARE(listed(), QStringList("unit:volt"));
+        const auto entry = entries()->addDataEntry(QString(), "plant", "a", CategoryType::Unit, "volt",
+                                                   PersistenceType::Volatile, false);
+        QVERIFY(!addValue(entry, 1, 2.5).isEmpty());
     }
 
     void handlesAfterAStopAnswerEmpty()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <appdata/data/entries/EntryCategory.h>
 #include <appdata/interfaces/DataElementRegistrationInterface.h>
 #include <appdata/InternalSettingsProvider.h>
 
@@ -10,8 +11,14 @@ class ElementRegistrationProvider : public Interfaces::DataElementRegistrationIn
                                     public InternalSettingsProvider
 {
 public:
+    /*! Lists what earlier runs have registered: that stays for the life of the process, the list does not. */
+    ElementRegistrationProvider();
+
     bool registerElement(const CategoryType &type, const QString &detail,
                          const ParserCreator &parserCreator) override;
+
+private:
+    void enlist(const Entries::EntryCategory &category) const;
 };
 
 } // namespace Tessellum::AppData::Data::utils
