@@ -104,8 +104,8 @@ void ExaminerRegistration<Point>::collectLocked(const PathTable &table, const QS
     for (auto entry = points->cbegin(); entry != points->cend(); ++entry) {
         if (!pointMatches(entry.key(), point))
             continue;
-        if (auto examiner = entry->lock())
-            found.append(std::move(examiner));
+        if (const auto examiner = entry->lock())
+            found.append(examiner);
         else
             stale.append({points.key(), entry.key()});
     }

@@ -43,7 +43,7 @@ private:
         QString uuid;
         quint64 capacity = 0;
         bool persistent = false;
-        QVector<Value> values; ///< in the order of the children
+        QVector<Value> values; // in the order of the children
     };
 
     void doSomething();
@@ -70,7 +70,7 @@ private:
     QRandomGenerator random;
     std::shared_ptr<TestSupport::StorageTwin> medium;
     QMap<QString, Entry> model;
-    bool valid = false; ///< false once an operation may have been cut by a stop
+    bool valid = false; // false once an operation may have been cut by a stop
     int operations = 0;
     mutable QString failure;
 };

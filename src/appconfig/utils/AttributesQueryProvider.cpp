@@ -51,8 +51,8 @@ QList<std::shared_ptr<Attribute>> AttributesQueryProvider::findAttributes(const 
 {
     QList<std::shared_ptr<Attribute>> result;
     for (const auto &node : root->queryChildren<HierarchyNode>(pattern)) {
-        if (auto attribute = Attributes::ToAttribute(node))
-            result.append(std::move(attribute));
+        if (const auto attribute = Attributes::ToAttribute(node))
+            result.append(attribute);
     }
     return result;
 }

@@ -36,8 +36,8 @@ RepositoryAttributeValidationProvider::findContainers(const QString &pattern) co
 {
     Containers found;
     for (const auto &node : root->queryChildren<HierarchyNode>(pattern)) {
-        if (auto container = std::dynamic_pointer_cast<ValidationContainerInterface>(node))
-            found.append(std::move(container));
+        if (const auto container = std::dynamic_pointer_cast<ValidationContainerInterface>(node))
+            found.append(container);
     }
     return found;
 }

@@ -25,7 +25,7 @@ using Tessellum::Notification::utils::MakeNode;
 
 namespace {
 
-/// A backend whose source is a function of the test.
+// A backend whose source is a function of the test.
 class ScriptedBackend : public Backend
 {
 public:
