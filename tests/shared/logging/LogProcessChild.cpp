@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QLoggingCategory>
 #include <QSemaphore>
 
 #include <csignal>
@@ -99,6 +100,8 @@ int OwnQtHandler()
 
 int Exit()
 {
+    // At its first message Qt reads its rules, also from resources, which are gone when the last object ends.
+    QLoggingCategory::defaultCategory();
     static const ExitUser exitUser;
     lateUser.armed = true;
     SaySink();
