@@ -1,7 +1,7 @@
 // What a recorded value costs, in time and in memory, by the interface that an application uses.
 
 #include <appdata/data/elements/Element.h>
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <appdata/storages/StorageImplementation.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <core/Library.h>
@@ -20,7 +20,7 @@
 using namespace Tessellum;
 using namespace Tessellum::AppData;
 using Notification::CreatePoint;
-namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 
 namespace {
 
@@ -55,11 +55,11 @@ public:
     EntryPtr addEntry(quint64 capacity)
     {
         return entries->addDataEntryExtended(QString(),
-                                             {{Specify::Classification(), QStringLiteral("bench")},
-                                              {Specify::Name(), QString::number(++number)},
-                                              {Specify::CategoryType(), quint32(CategoryType::Float)},
-                                              {Specify::Persistence(), quint32(PersistenceType::Volatile)},
-                                              {Specify::Capacity(), capacity}});
+                                             {{Property::Classification(), QStringLiteral("bench")},
+                                              {Property::Name(), QString::number(++number)},
+                                              {Property::CategoryType(), quint32(CategoryType::Float)},
+                                              {Property::Persistence(), quint32(PersistenceType::Volatile)},
+                                              {Property::Capacity(), capacity}});
     }
 
     void removeEntry(const EntryPtr &entry)

@@ -1,7 +1,7 @@
 // What it costs to bring values into a database: by the storage alone, and by the whole library, against the
 // same rows by QSqlQuery in groups of 1,000.
 
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <appdata/interfaces/RepositoryInterface.h>
 #include <core/CoreInterface.h>
 #include <core/Library.h>
@@ -23,7 +23,7 @@ using namespace Tessellum;
 using namespace Tessellum::AppData;
 using namespace TestSupport;
 using Notification::CreatePoint;
-namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 
 namespace {
 
@@ -118,11 +118,11 @@ void recordByLibrary(benchmark::State &state, bool postgresql)
                                                       CreatePoint::Done, name);
         const auto entry = repository->getDataEntryInterface()->addDataEntryExtended(
             name,
-            {{Specify::Classification(), QStringLiteral("bench")},
-             {Specify::Name(), QStringLiteral("values")},
-             {Specify::CategoryType(), quint32(CategoryType::Float)},
-             {Specify::Persistence(), quint32(PersistenceType::Persistent)},
-             {Specify::Capacity(), quint64(0)}});
+            {{Property::Classification(), QStringLiteral("bench")},
+             {Property::Name(), QStringLiteral("values")},
+             {Property::CategoryType(), quint32(CategoryType::Float)},
+             {Property::Persistence(), quint32(PersistenceType::Persistent)},
+             {Property::Capacity(), quint64(0)}});
         if (!entry) {
             state.SkipWithError("the entry is not made");
             break;

@@ -1,6 +1,6 @@
 #include "Recording.h"
 
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <core/Library.h>
 
 #include <QCoreApplication>
@@ -9,7 +9,7 @@
 
 using namespace Tessellum;
 using namespace Tessellum::AppData;
-namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 
 namespace {
 
@@ -81,11 +81,11 @@ Recording::Entry Recording::series(const QString &name, quint64 capacity)
         return matching.first();
     return entries->addDataEntryExtended(
         StorageName(),
-        {{Specify::Classification(), classification},
-         {Specify::Name(), name},
-         {Specify::CategoryType(), static_cast<quint32>(CategoryType::Float)},
-         {Specify::Persistence(), static_cast<quint32>(PersistenceType::Persistent)},
-         {Specify::Capacity(), capacity}});
+        {{Property::Classification(), classification},
+         {Property::Name(), name},
+         {Property::CategoryType(), static_cast<quint32>(CategoryType::Float)},
+         {Property::Persistence(), static_cast<quint32>(PersistenceType::Persistent)},
+         {Property::Capacity(), capacity}});
 }
 
 QMap<QString, Series> Recording::readAll() const

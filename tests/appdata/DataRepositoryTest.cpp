@@ -2,7 +2,7 @@
 #include "support/RunningDataRepository.h"
 
 #include <appdata/data/elements/parsers/DefaultElementParser.h>
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <appdata/ManagedRepository.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <notification/RepositoryLocks.h>
@@ -14,19 +14,19 @@ using Tessellum::Notification::CreatePoint;
 using TestSupport::LogCapture;
 using TestSupport::RunningDataRepository;
 using TestSupport::StorageTwin;
-namespace Specify = Data::Entries::EntrySpecification;
+namespace Property = Data::Entries::EntryProperties;
 
 namespace {
 
-using Specification = QHash<QString, QVariant>;
+using Properties = QHash<QString, QVariant>;
 using EntryPtr = std::shared_ptr<Interfaces::DataEntryInterface>;
 
-Specification volatileEntry(const QString &classification, const QString &name)
+Properties volatileEntry(const QString &classification, const QString &name)
 {
-    return {{Specify::Classification(), classification},
-            {Specify::Name(), name},
-            {Specify::CategoryType(), QVariant::fromValue(CategoryType::Float)},
-            {Specify::Persistence(), QVariant::fromValue(PersistenceType::Volatile)}};
+    return {{Property::Classification(), classification},
+            {Property::Name(), name},
+            {Property::CategoryType(), QVariant::fromValue(CategoryType::Float)},
+            {Property::Persistence(), QVariant::fromValue(PersistenceType::Volatile)}};
 }
 
 } // namespace
@@ -136,7 +136,7 @@ private Q_SLOTS:
         QVERIFY(!disk->getQueryInterface());
     }
 
-    void entriesBySpecification()
+    void entriesByProperties()
     {
         QVERIFY(addDisk());
         const auto single = entries()->addDataEntry(QString(), "plant", "single", CategoryType::Text, "UTF",
@@ -147,11 +147,11 @@ private Q_SLOTS:
         QCOMPARE(stored->getCapacity(), quint64(0));
         QCOMPARE(stored->getStorageName(), QString("disk"));
 
-        auto specification = volatileEntry("plant", "full");
-        specification.insert(Specify::Capacity(), 3);
-        specification.insert(Specify::SingleElement(), true);
-        specification.insert(Specify::DestinationEntry(), "my.own");
-        const auto full = entries()->addDataEntryExtended(QString(), specification);
+        auto properties = volatileEntry("plant", "full");
+        properties.insert(Property::Capacity(), 3);
+        properties.insert(Property::SingleElement(), true);
+        properties.insert(Property::DestinationEntry(), "my.own");
+        const auto full = entries()->addDataEntryExtended(QString(), properties);
         QCOMPARE(full->getCapacity(), quint64(3));
         QCOMPARE(full->getUuid(), QString("my.own"));
 
@@ -165,36 +165,36 @@ private Q_SLOTS:
         QVERIFY(!entries()->getDataEntry("plant", "none"));
     }
 
-    void specificationsThatAreRefused_data()
+    void propertiesThatAreRefused_data()
     {
-        QTest::addColumn<Specification>("specification");
+        QTest::addColumn<Properties>("properties");
         QTest::addColumn<QString>("line");
-        QTest::newRow("empty") << Specification()
+        QTest::newRow("empty") << Properties()
                                << "WARNING WrappedRepositoryDataEntryProvider::addDataEntryExtended()failed "
                                   "to parse empty entry specification";
         const auto row = [](const char *name, const QString &key, const QVariant &value,
                             const QString &line = QString()) {
-            auto specification = volatileEntry("plant", "a");
-            specification.insert(key, value);
-            QTest::newRow(name) << specification << line;
+            auto properties = volatileEntry("plant", "a");
+            properties.insert(key, value);
+            QTest::newRow(name) << properties << line;
         };
-        row("no name", Specify::Name(), QString());
-        row("no classification", Specify::Classification(), QVariant());
-        row("category is a text", Specify::CategoryType(), "float");
-        row("no persistence", Specify::Persistence(), 0);
-        row("unknown source", Specify::SourceEntry(), "none",
+        row("no name", Property::Name(), QString());
+        row("no classification", Property::Classification(), QVariant());
+        row("category is a text", Property::CategoryType(), "float");
+        row("no persistence", Property::Persistence(), 0);
+        row("unknown source", Property::SourceEntry(), "none",
             "WARNING RepositoryDataEntryProvider::addDataEntryAsynchronous() could not get the source entry "
             "with uuid=none");
-        row("persistent without a storage", Specify::Persistence(), 1,
+        row("persistent without a storage", Property::Persistence(), 1,
             "WARNING EntryCreateTask::createAndSerializeEntryInHierarchy unknown storage name= cannot add "
             "entry");
     }
-    void specificationsThatAreRefused()
+    void propertiesThatAreRefused()
     {
-        QFETCH(Specification, specification);
+        QFETCH(Properties, properties);
         QFETCH(QString, line);
         const LogCapture log;
-        QVERIFY(!entries()->addDataEntryExtended(QString(), specification));
+        QVERIFY(!entries()->addDataEntryExtended(QString(), properties));
         QCOMPARE(log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
         QCOMPARE(found("*"), QStringList());
     }
@@ -217,15 +217,15 @@ private Q_SLOTS:
     void entryTakesOverFromItsSource()
     {
         QFETCH(bool, fromPair);
-        auto specification = volatileEntry("plant", "source");
-        specification.insert(Specify::Capacity(), 5);
-        const auto entry = entries()->addDataEntryExtended(QString(), specification);
+        auto properties = volatileEntry("plant", "source");
+        properties.insert(Property::Capacity(), 5);
+        const auto entry = entries()->addDataEntryExtended(QString(), properties);
         QStringList uuids;
         for (int i = 0; i < 3; ++i)
             uuids.append(addValue(entry, quint64(i), i + 0.5));
         const auto source = fromPair ? entries()->getDataEntry("plant", "source") : entry;
 
-        const Specification plain{{Specify::SourceEntry(), source->getUuid()}, {Specify::Name(), "plain"}};
+        const Properties plain{{Property::SourceEntry(), source->getUuid()}, {Property::Name(), "plain"}};
         const auto empty = entries()->addDataEntryExtended(QString(), plain);
         QCOMPARE(empty->getClassification(), QString("plant"));
         QCOMPARE(empty->getCategory()->getType(), CategoryType::Float);
@@ -233,19 +233,19 @@ private Q_SLOTS:
         QCOMPARE(empty->getCapacity(), quint64(5));
         QCOMPARE(elementsOf(empty), QStringList());
 
-        specification = plain;
-        specification.insert(Specify::Name(), "whole");
-        specification.insert(Specify::ElementsList(), QStringList());
-        const auto whole = entries()->addDataEntryExtended(QString(), specification);
+        properties = plain;
+        properties.insert(Property::Name(), "whole");
+        properties.insert(Property::ElementsList(), QStringList());
+        const auto whole = entries()->addDataEntryExtended(QString(), properties);
         QTRY_COMPARE(elementsOf(whole), uuids);
         QCOMPARE(*whole->getManipulationInterface()->readDataElementValueByUuid(uuids.at(2)), QVariant(2.5));
 
-        specification = volatileEntry("other", "part");
-        specification.insert(Specify::CategoryType(), QVariant::fromValue(CategoryType::Text));
-        specification.insert(Specify::Capacity(), 7);
-        specification.insert(Specify::SourceEntry(), source->getUuid());
-        specification.insert(Specify::ElementsList(), QStringList{uuids.at(2), uuids.at(0), "none"});
-        const auto part = entries()->addDataEntryExtended(QString(), specification);
+        properties = volatileEntry("other", "part");
+        properties.insert(Property::CategoryType(), QVariant::fromValue(CategoryType::Text));
+        properties.insert(Property::Capacity(), 7);
+        properties.insert(Property::SourceEntry(), source->getUuid());
+        properties.insert(Property::ElementsList(), QStringList{uuids.at(2), uuids.at(0), "none"});
+        const auto part = entries()->addDataEntryExtended(QString(), properties);
         QTRY_COMPARE(elementsOf(part), (QStringList{uuids.at(0), uuids.at(2)}));
         QCOMPARE(part->getClassification(), QString("other"));
         QCOMPARE(part->getCapacity(), quint64(7));

@@ -1,6 +1,6 @@
 #include "core/DataStressWorker.h"
 
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <core/Library.h>
 
 #include <algorithm>
@@ -10,7 +10,7 @@ using namespace Tessellum::AppData;
 using Notification::CreatePoint;
 using Notification::UpdatePoint;
 using TestSupport::StorageTwin;
-namespace Specify = Tessellum::AppData::Data::Entries::EntrySpecification;
+namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 
 std::atomic<bool> DataStressWorker::stopping{false};
 
@@ -115,12 +115,12 @@ bool DataStressWorker::addEntry(const QString &name)
     const auto added = data
         ? data->getDataEntryInterface()->addDataEntryExtended(
             entry.persistent ? storageName() : QString(),
-            {{Specify::Classification(), classification()},
-             {Specify::Name(), name},
-             {Specify::CategoryType(), quint32(CategoryType::Float)},
-             {Specify::Persistence(),
+            {{Property::Classification(), classification()},
+             {Property::Name(), name},
+             {Property::CategoryType(), quint32(CategoryType::Float)},
+             {Property::Persistence(),
               quint32(entry.persistent ? PersistenceType::Persistent : PersistenceType::Volatile)},
-             {Specify::Capacity(), entry.capacity}})
+             {Property::Capacity(), entry.capacity}})
         : nullptr;
     entry.uuid = added ? added->getUuid() : QString();
     return added != nullptr;

@@ -2,7 +2,7 @@
 #include "RunningLibrary.h"
 #include "Shell.h"
 
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <appdata/DataTypeStrings.h>
 
 #include <QDateTime>
@@ -16,7 +16,7 @@ using AppData::Interfaces::DataEntryInterface;
 using AppData::Interfaces::PassThroughFilter;
 using Notification::CreatePoint;
 using Notification::UpdatePoint;
-namespace Specify = AppData::Data::Entries::EntrySpecification;
+namespace Property = AppData::Data::Entries::EntryProperties;
 
 namespace {
 
@@ -170,12 +170,12 @@ QJsonObject Shell::addEntry(const Arguments &arguments)
     const auto persistence = storage.isEmpty() ? PersistenceType::Volatile : PersistenceType::Persistent;
     const EntryPtr entry = RecordedData()->getDataEntryInterface()->addDataEntryExtended(
         storage,
-        {{Specify::Classification(), arguments.text(1)},
-         {Specify::Name(), arguments.text(2)},
-         {Specify::CategoryType(), static_cast<quint32>(category.getType())},
-         {Specify::CategoryDetail(), category.getDetail()},
-         {Specify::Persistence(), static_cast<quint32>(persistence)},
-         {Specify::Capacity(),
+        {{Property::Classification(), arguments.text(1)},
+         {Property::Name(), arguments.text(2)},
+         {Property::CategoryType(), static_cast<quint32>(category.getType())},
+         {Property::CategoryDetail(), category.getDetail()},
+         {Property::Persistence(), static_cast<quint32>(persistence)},
+         {Property::Capacity(),
           arguments.size() > 4 ? QVariant(timestampOf(arguments.text(4))) : QVariant(0ULL)}});
     if (!entry)
         Fail(QStringLiteral("the entry was not added"));

@@ -34,9 +34,8 @@ public:
                                   const CategoryType &categoryType, const QString &categoryDetail,
                                   const PersistenceType &persistence, const bool &singleElement)
         = 0;
-    /*! As above from the keys of EntrySpecification. */
-    virtual EntryPtr addDataEntryExtended(const QString &storage,
-                                          const QHash<QString, QVariant> &specification)
+    /*! As above, from values under the keys of EntryProperties. */
+    virtual EntryPtr addDataEntryExtended(const QString &storage, const QHash<QString, QVariant> &properties)
         = 0;
     /*! Removes the entries that getDataEntries() finds, from the tree and from their media; their number. */
     virtual int removeDataEntries(const QString &pattern) = 0;

@@ -1,5 +1,5 @@
 #include <appdata/data/entries/Entry.h>
-#include <appdata/data/entries/EntrySpecification.h>
+#include <appdata/data/entries/EntryProperties.h>
 #include <appdata/data/entries/utils/PairLinks.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageImplementation.h>
@@ -12,7 +12,7 @@
 
 namespace Tessellum::AppData::utils {
 
-namespace Specify = Data::Entries::EntrySpecification;
+namespace Property = Data::Entries::EntryProperties;
 using Data::Entries::ClassificationNameEntry;
 using Data::Entries::Entry;
 using Data::Entries::EntryInfo;
@@ -37,26 +37,26 @@ bool removeFromMedium(const Storages::Storage &storage, const QString &uuid)
     return removed;
 }
 
-quint64 capacityOf(const RepositoryDataEntryProvider::Specification &specification)
+quint64 capacityOf(const RepositoryDataEntryProvider::Properties &properties)
 {
-    const auto capacity = specification.constFind(Specify::Capacity());
-    if (capacity != specification.cend())
+    const auto capacity = properties.constFind(Property::Capacity());
+    if (capacity != properties.cend())
         return capacity->toULongLong();
-    return specification.value(Specify::SingleElement()).toBool() ? 1 : 0;
+    return properties.value(Property::SingleElement()).toBool() ? 1 : 0;
 }
 
-/*! What a new entry takes over from its source where the specification does not say it. */
+/*! What a new entry takes over from its source where its own properties do not say it. */
 void completeFromSource(EntrySerializeInformation &record, const Interfaces::DataEntryInterface &source,
-                        const RepositoryDataEntryProvider::Specification &specification)
+                        const RepositoryDataEntryProvider::Properties &properties)
 {
     record.category = Data::Entries::EntryCategory(*source.getCategory());
     if (record.classification.isEmpty())
         record.classification = source.getClassification();
     if (record.name.isEmpty())
         record.name = source.getName();
-    if (!specification.contains(Specify::Persistence()))
+    if (!properties.contains(Property::Persistence()))
         record.persistence = source.getPersistenceType();
-    if (!specification.contains(Specify::Capacity()))
+    if (!properties.contains(Property::Capacity()))
         record.capacity = source.getCapacity();
 }
 
@@ -119,21 +119,21 @@ EntryPtr RepositoryDataEntryProvider::addDataEntry(const QString &storage, const
 {
     return addDataEntryExtended(
         storage,
-        MakeSpecification(classification, name, categoryType, categoryDetail, persistence, singleElement));
+        MakeProperties(classification, name, categoryType, categoryDetail, persistence, singleElement));
 }
 
 EntryPtr RepositoryDataEntryProvider::addDataEntryExtended(const QString &storage,
-                                                           const Specification &specification)
+                                                           const Properties &properties)
 {
     if (!pool->isRunning())
         return nullptr;
-    if (specification.isEmpty()) {
+    if (properties.isEmpty()) {
         FrameworkLog().warning() << "RepositoryDataEntryProvider::addDataEntryExtended() failed to parse "
                                     "empty entry specification";
         return nullptr;
     }
     const auto info = std::make_shared<EntryInfo>();
-    const auto observer = addDataEntryAsynchronous(specification, info, storage, CreatePoint::Done);
+    const auto observer = addDataEntryAsynchronous(properties, info, storage, CreatePoint::Done);
     return WaitForSuccess(*pool, observer) ? getDataEntry(info->uuid) : nullptr;
 }
 
@@ -182,22 +182,22 @@ bool RepositoryDataEntryProvider::removeDataEntryFromStorage(const QString &stor
 }
 
 std::shared_ptr<CreateObserver>
-RepositoryDataEntryProvider::addDataEntryAsynchronous(const Specification &specification,
+RepositoryDataEntryProvider::addDataEntryAsynchronous(const Properties &properties,
                                                       const EntryInfoContainer &info, const QString &storage,
                                                       const CreatePoint &point)
 {
     if (!pool->isRunning())
         return nullptr;
     EntrySerializeInformation record(
-        specification.value(Specify::Name()).toString(),
-        specification.value(Specify::Classification()).toString(),
+        properties.value(Property::Name()).toString(),
+        properties.value(Property::Classification()).toString(),
         Data::Entries::EntryCategory(
-            static_cast<CategoryType>(specification.value(Specify::CategoryType()).toUInt()),
-            specification.value(Specify::CategoryDetail()).toString()),
-        storage, static_cast<PersistenceType>(specification.value(Specify::Persistence()).toUInt()),
-        capacityOf(specification));
-    if (specification.contains(Specify::SourceEntry())) {
-        info->sourceUuid = specification.value(Specify::SourceEntry()).toString();
+            static_cast<CategoryType>(properties.value(Property::CategoryType()).toUInt()),
+            properties.value(Property::CategoryDetail()).toString()),
+        storage, static_cast<PersistenceType>(properties.value(Property::Persistence()).toUInt()),
+        capacityOf(properties));
+    if (properties.contains(Property::SourceEntry())) {
+        info->sourceUuid = properties.value(Property::SourceEntry()).toString();
         const EntryPtr source = getDataEntry(info->sourceUuid);
         if (!source) {
             FrameworkLog().warning() << "RepositoryDataEntryProvider::addDataEntryAsynchronous() could not "
@@ -205,15 +205,15 @@ RepositoryDataEntryProvider::addDataEntryAsynchronous(const Specification &speci
                                      << info->sourceUuid;
             return nullptr;
         }
-        completeFromSource(record, *source, specification);
-        info->copyElements = specification.contains(Specify::ElementsList());
+        completeFromSource(record, *source, properties);
+        info->copyElements = properties.contains(Property::ElementsList());
         if (info->copyElements) {
-            info->elementsList = specification.value(Specify::ElementsList()).toStringList();
+            info->elementsList = properties.value(Property::ElementsList()).toStringList();
             if (info->elementsList.isEmpty())
                 info->elementsList = elementUuids(*source);
         }
     }
-    info->uuid = specification.value(Specify::DestinationEntry()).toString();
+    info->uuid = properties.value(Property::DestinationEntry()).toString();
     if (record.name.isEmpty() || record.classification.isEmpty()
         || record.category.getType() == CategoryType::Unknown
         || record.persistence == PersistenceType::Unknown) {
@@ -224,16 +224,17 @@ RepositoryDataEntryProvider::addDataEntryAsynchronous(const Specification &speci
                                  QVariant::fromValue(info), point);
 }
 
-RepositoryDataEntryProvider::Specification RepositoryDataEntryProvider::MakeSpecification(
-    const QString &classification, const QString &name, const CategoryType &categoryType,
-    const QString &categoryDetail, const PersistenceType &persistence, bool singleElement)
+RepositoryDataEntryProvider::Properties
+RepositoryDataEntryProvider::MakeProperties(const QString &classification, const QString &name,
+                                            const CategoryType &categoryType, const QString &categoryDetail,
+                                            const PersistenceType &persistence, bool singleElement)
 {
-    return {{Specify::Classification(), classification},
-            {Specify::Name(), name},
-            {Specify::CategoryType(), static_cast<quint32>(categoryType)},
-            {Specify::CategoryDetail(), categoryDetail},
-            {Specify::Persistence(), static_cast<quint32>(persistence)},
-            {Specify::SingleElement(), singleElement}};
+    return {{Property::Classification(), classification},
+            {Property::Name(), name},
+            {Property::CategoryType(), static_cast<quint32>(categoryType)},
+            {Property::CategoryDetail(), categoryDetail},
+            {Property::Persistence(), static_cast<quint32>(persistence)},
+            {Property::SingleElement(), singleElement}};
 }
 
 } // namespace Tessellum::AppData::utils

@@ -11,7 +11,7 @@ namespace Tessellum::AppData::utils {
 class RepositoryDataEntryProvider : public Interfaces::RepositoryDataEntryInterface
 {
 public:
-    using Specification = QHash<QString, QVariant>;
+    using Properties = QHash<QString, QVariant>;
 
     RepositoryDataEntryProvider(const std::shared_ptr<Shared::Hierarchy::HierarchyNode> &root,
                                 Notification::ThreadPool *pool);
@@ -24,23 +24,22 @@ public:
     EntryPtr addDataEntry(const QString &storage, const QString &classification, const QString &name,
                           const CategoryType &categoryType, const QString &categoryDetail,
                           const PersistenceType &persistence, const bool &singleElement) override;
-    EntryPtr addDataEntryExtended(const QString &storage, const Specification &specification) override;
+    EntryPtr addDataEntryExtended(const QString &storage, const Properties &properties) override;
     int removeDataEntries(const QString &pattern) override;
     bool removeDataEntry(const QString &uuid) override;
     bool removeDataEntryFromStorage(const QString &storageName, const QString &uuid) override;
 
-    /*! Starts the create that \a specification describes and does not wait; \a info, not null, becomes the
+    /*! Starts the create that \a properties describe and does not wait; \a info, not null, becomes the
      * request, which the task completes. Null where something is missing or the task cannot start. */
     std::shared_ptr<Notification::CreateObserver>
-    addDataEntryAsynchronous(const Specification &specification,
-                             const Data::Entries::EntryInfoContainer &info, const QString &storage,
-                             const Notification::CreatePoint &point);
+    addDataEntryAsynchronous(const Properties &properties, const Data::Entries::EntryInfoContainer &info,
+                             const QString &storage, const Notification::CreatePoint &point);
     Notification::ThreadPool *getThreadPool() const { return pool; }
 
-    /*! The specification of addDataEntry(). */
-    static Specification MakeSpecification(const QString &classification, const QString &name,
-                                           const CategoryType &categoryType, const QString &categoryDetail,
-                                           const PersistenceType &persistence, bool singleElement);
+    /*! What addDataEntry() is given, as properties. */
+    static Properties MakeProperties(const QString &classification, const QString &name,
+                                     const CategoryType &categoryType, const QString &categoryDetail,
+                                     const PersistenceType &persistence, bool singleElement);
 
 private:
     const std::shared_ptr<Shared::Hierarchy::HierarchyNode> root;

@@ -49,22 +49,21 @@ EntryPtr WrappedRepositoryDataEntryProvider::addDataEntry(const QString &storage
                                                           const bool &singleElement)
 {
     return addDataEntryExtended(storage,
-                                Provider::MakeSpecification(classification, name, categoryType,
-                                                            categoryDetail, persistence, singleElement));
+                                Provider::MakeProperties(classification, name, categoryType, categoryDetail,
+                                                         persistence, singleElement));
 }
 
-EntryPtr
-WrappedRepositoryDataEntryProvider::addDataEntryExtended(const QString &storage,
-                                                         const QHash<QString, QVariant> &specification)
+EntryPtr WrappedRepositoryDataEntryProvider::addDataEntryExtended(const QString &storage,
+                                                                  const QHash<QString, QVariant> &properties)
 {
-    if (specification.isEmpty()) {
+    if (properties.isEmpty()) {
         Shared::Logging::FrameworkLog().warning()
             << "WrappedRepositoryDataEntryProvider::addDataEntryExtended()"
                "failed to parse empty entry specification";
         return nullptr;
     }
     const EntryPtr entry
-        = writing([&](Provider &provider) { return provider.addDataEntryExtended(storage, specification); });
+        = writing([&](Provider &provider) { return provider.addDataEntryExtended(storage, properties); });
     return entry ? std::make_shared<WrappedEntry>(entry, lock()) : nullptr;
 }
 

@@ -21,7 +21,7 @@ public:
                           const CategoryType &categoryType, const QString &categoryDetail,
                           const PersistenceType &persistence, const bool &singleElement) override;
     EntryPtr addDataEntryExtended(const QString &storage,
-                                  const QHash<QString, QVariant> &specification) override;
+                                  const QHash<QString, QVariant> &properties) override;
     int removeDataEntries(const QString &pattern) override;
     bool removeDataEntry(const QString &uuid) override;
     bool removeDataEntryFromStorage(const QString &storageName, const QString &uuid) override;

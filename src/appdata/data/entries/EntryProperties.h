@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/*! The keys of the specification of an entry. */
-namespace Tessellum::AppData::Data::Entries::EntrySpecification {
+/*! The keys under which the properties of a new entry are given. */
+namespace Tessellum::AppData::Data::Entries::EntryProperties {
 
 inline const QString &Classification()
 {
@@ -61,4 +61,4 @@ inline const QString &ElementsList()
     return key;
 }
 
-} // namespace Tessellum::AppData::Data::Entries::EntrySpecification
+} // namespace Tessellum::AppData::Data::Entries::EntryProperties
