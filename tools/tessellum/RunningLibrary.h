@@ -7,6 +7,7 @@
 #include <core/Library.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include <memory>
@@ -33,10 +34,14 @@ inline std::shared_ptr<AppData::Interfaces::RepositoryInterface> RecordedData()
     return repository;
 }
 
-/*! Returns when an attached entry has all that its storage holds; fails the command if it cannot be read. */
+/*! Returns when an attached entry has all that its storage holds; fails the command if it cannot be read, or
+ * if that takes minutes: a medium that hangs must not hang a script. */
 inline void WaitUntilLoaded(const std::shared_ptr<AppData::Interfaces::DataEntryInterface> &entry)
 {
-    while (entry && entry->getLoadStatus() == AppData::LoadStatus::CurrentlyLoading) {
+    constexpr int longestMs = 300000;
+    const QDeadlineTimer deadline(longestMs);
+    while (entry && entry->getLoadStatus() == AppData::LoadStatus::CurrentlyLoading
+           && !deadline.hasExpired()) {
         QCoreApplication::processEvents();
         QThread::yieldCurrentThread();
     }
