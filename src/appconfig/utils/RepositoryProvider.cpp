@@ -167,6 +167,7 @@ void RepositoryProvider::setRepositoryActive(NodePtr &keeper, bool stopping)
 void RepositoryProvider::start()
 {
     const QWriteLocker locker(&Core::appConfigLock());
+    frameWorkers.open();
     if (isActive()) {
         pool.start();
         return;
@@ -187,7 +188,9 @@ void RepositoryProvider::start()
 void RepositoryProvider::stop(const NodePtr &keeper)
 {
     // The tasks end first and with no lock held, since what they run may call the fronts that lock.
+    frameWorkers.close();
     pool.stopAndWait();
+    frameWorkers.waitForRunning();
     GlobalPoolJobs::EndRunAndWait();
     // The next run loads them anew, under the same ids.
     Validation::AttributeValidationRepository::getInstance()->unregisterBackendValidations();

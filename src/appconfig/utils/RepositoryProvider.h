@@ -5,6 +5,7 @@
 #include <appconfig/interfaces/RepositoryInterface.h>
 #include <notification/ThreadPool.h>
 #include <notification/utils/CurrentRun.h>
+#include <notification/utils/FrameWorker.h>
 #include <notification/utils/NotificationProvider.h>
 #include <shared/foundation/SettingsWrapper.h>
 #include <shared/synchronization/Factory.h>
@@ -83,6 +84,8 @@ public:
     NodePtr getInternalRoot();
     NodePtr getRoot() const;
     Notification::ThreadPool &getThreadPool();
+    /*! The workers of remote peers' frames; their steps end with the run. */
+    Notification::utils::FrameWorkers &getFrameWorkers() { return frameWorkers; }
     /*! For the library's own use: unwrapped, and empty while stopped. */
     std::shared_ptr<Notification::utils::NotificationProvider> getNotificationProvider() const;
     std::shared_ptr<RepositoryBackendProvider> getBackendProvider() const;
@@ -105,6 +108,7 @@ private:
     NodePtr internalRoot;
     std::shared_ptr<Shared::SettingsWrapper::SettingsWrapper> settings;
     Notification::ThreadPool pool;
+    Notification::utils::FrameWorkers frameWorkers;
     Notification::utils::CurrentRun<Run> run;
 };
 

@@ -99,7 +99,9 @@ RepositoryProvider::getElementRegistrationInterface()
 
 void RepositoryProvider::endTasks()
 {
+    frameWorkers.close();
     pool.stopAndWait();
+    frameWorkers.waitForRunning();
     // With no lock held: this is foreign code, and it writes what it has queued.
     for (const auto &storage : FindStorages()) {
         Notification::utils::RunGuarded("StorageImplementation",
@@ -118,6 +120,7 @@ void RepositoryProvider::setRepositoryActive(bool stopping)
 void RepositoryProvider::start()
 {
     const QWriteLocker locker(&Core::appDataLock());
+    frameWorkers.open();
     if (!isActive()) {
         const auto next = std::make_shared<Run>();
         next->notifications = std::make_shared<Notification::utils::NotificationProvider>();

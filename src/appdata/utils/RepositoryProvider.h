@@ -4,6 +4,7 @@
 #include <appdata/storages/StorageFactory.h>
 #include <notification/ThreadPool.h>
 #include <notification/utils/CurrentRun.h>
+#include <notification/utils/FrameWorker.h>
 #include <notification/utils/NotificationProvider.h>
 #include <shared/synchronization/Singleton.h>
 
@@ -57,6 +58,8 @@ public:
 
     NodePtr getRoot() const;
     Notification::ThreadPool &getThreadPool();
+    /*! The workers of remote peers' frames; their steps end with the run. */
+    Notification::utils::FrameWorkers &getFrameWorkers() { return frameWorkers; }
     QMutex &pairMutex() { return pairs; }
     /*! For the library's own use: unwrapped, and empty while stopped. */
     std::shared_ptr<Notification::utils::NotificationProvider> getNotificationProvider() const;
@@ -77,6 +80,7 @@ private:
     const NodePtr root;
     QMutex pairs;
     Notification::ThreadPool pool;
+    Notification::utils::FrameWorkers frameWorkers;
     Notification::utils::CurrentRun<Run> run;
 };
 
