@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
+namespace Tessellum::AppConfig::Backends::utils {
+
+/*!
+ * The two steps from a value to the text in a message. Two values are the same to the peers if their
+ * serialized bytes are: NaN equals itself, and 5 does not equal "5". Any thread may call.
+ */
+
+/*! The bytes of \a value in the stream format of Qt 5.15. */
+QByteArray SerializeValue(const QVariant &value);
+
+/*! The value of \a serialized; invalid if it is cut, nested deeper than 64 levels, announces more than there
+ * is, holds an unknown type, or the stream reports a fault. */
+QVariant DeserializeValue(const QByteArray &serialized);
+
+/*! Compressed and in lower-case hexadecimal: what stands in a message. */
+QString EncodeSerialized(const QByteArray &serialized);
+
+/*! The bytes behind \a encoded; null if it is odd or damaged or announces more than 64 MiB. */
+QByteArray DecodeSerialized(const QString &encoded);
+
+} // namespace Tessellum::AppConfig::Backends::utils

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
+namespace Tessellum::AppData::Storages::utils {
+
+/*! The numbers by which both ends tell the commands apart. */
+enum class RemoteStorageCommand : quint32 {
+    Unknown = 0,
+    Init = 1,
+    CreateElement = 2,
+    UpdateElement = 3,
+    CreateEntry = 4,
+    DeleteEntry = 5,
+    PathMap = 6 /*!< Has no word, so it is never sent. */
+};
+
+/*! How the frames of a connection are written. */
+enum class RemoteStorageMode : quint32 { Text = 0, Binary = 1 };
+
+/*! The one option that peers tell each other. */
+inline constexpr QLatin1String SupportsBinaryData("supportsBinaryData");
+
+/*! What two peers of a storage tell each other. A value class. */
+struct RemoteStorageMessage
+{
+    QString command;
+    QString path;
+    QVariant data; /*!< A QString or a QByteArray; invalid: left out. */
+    QVariantHash options;
+
+    bool isValid() const { return !command.isEmpty(); }
+};
+
+/*! Unknown for a word that is not in the table. */
+RemoteStorageCommand CommandOfWord(const QString &word);
+/*! Empty for a command without a word. */
+QString WordOfCommand(RemoteStorageCommand command);
+
+/*! The message in a frame; an invalid one if it cannot be read. Any thread may call. */
+RemoteStorageMessage ParseRemoteStorageText(const QString &frame);
+RemoteStorageMessage ParseRemoteStorageBinary(const QByteArray &frame);
+
+/*! The frame of \a message; empty for an invalid one, or if it cannot be rendered. */
+QString ComposeRemoteStorageText(const RemoteStorageMessage &message);
+QByteArray ComposeRemoteStorageBinary(const RemoteStorageMessage &message);
+
+} // namespace Tessellum::AppData::Storages::utils
