@@ -1,0 +1,104 @@
+#pragma once
+
+#include <appdata/storages/utils/RemoteStorageCodec.h>
+#include <appdata/storages/utils/RemoteStorageMessage.h>
+
+#include <QHash>
+#include <QMutex>
+#include <QObject>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+
+namespace Tessellum::AppData::Storages::utils {
+
+/*!
+ * What both ends of a remote storage have in common: the entries as the storage's reads answer them, by local
+ * uuids, and the map from the peer's uuids to the local ones.
+ *
+ * Threads: any, for all members but the slots of the classes that derive. Made by MakeEventThreadObject(), so
+ * that it dies on the event thread. The mutex guards id, map and cache; nothing is called while it is held.
+ */
+class RemoteStorageNode : public QObject
+{
+    Q_OBJECT
+
+public:
+    using EntryRecord = Data::Entries::EntrySerializeInformation;
+    using ElementValues = Data::Elements::ElementUpdateData;
+
+    /*! An entry of the cache. */
+    struct CachedEntry
+    {
+        EntryRecord info;
+        QStringList order; /*!< The elements' uuids as they came. */
+        QHash<QString, ElementValues> elements;
+    };
+
+    RemoteStorageNode(const QString &nodeId, const QUrl &nodeUrl);
+    ~RemoteStorageNode() override;
+
+    /*! Starts the work on the event thread and does not wait for it. */
+    virtual bool initialize() = 0;
+    /*! Whether the server listens, or the client has its status attribute. */
+    virtual bool isRunning() const = 0;
+    /*! Enters an entry that the storage has got, or replaces its record. */
+    virtual bool createEntry(const QString &storageName, const QString &path, const EntryRecord &info) = 0;
+    /*! False for an unknown entry. */
+    virtual bool createElement(const QString &path, const QString &name, const ElementValues &values) = 0;
+    /*! Changes the keys that are there; false for an unknown element. */
+    virtual bool updateElement(const QString &path, const QString &name, const ElementValues &values) = 0;
+    /*! False for an unknown entry. */
+    virtual bool removeEntry(const QString &path) = 0;
+
+    QString getId() const;
+    void setId(const QString &newId);
+    QUrl getUrl() const { return url; }
+
+    /*! The elements of an entry that is there stay. */
+    void storeEntry(const QString &path, const EntryRecord &info);
+    /*! False, with \a info unchanged, for an unknown entry. */
+    bool readEntry(const QString &path, EntryRecord &info) const;
+    /*! Replaces the element's values; it keeps its place. False for an unknown entry. */
+    bool storeElement(const QString &path, const QString &name, const ElementValues &values);
+    /*! Replaces the keys that are there; false for an unknown element. */
+    bool changeElement(const QString &path, const QString &name, const ElementValues &values);
+    /*! Nothing for an unknown element. */
+    std::optional<ElementValues> readElement(const QString &path, const QString &name) const;
+    QHash<QString, ElementValues> readElements(const QString &path) const;
+    /*! The uuids of the elements, in the order in which they came. */
+    QStringList readElementNames(const QString &path) const;
+    QHash<QString, EntryRecord> readEntries() const;
+    /*! Whether there was one. */
+    bool dropEntry(const QString &path);
+    /*! Forgets the entries and keeps the map. */
+    void clearEntries();
+
+    /*! The local uuid of the peer's; empty where there is no mapping. */
+    QString mapPath(const QString &remote) const;
+    void setMapping(const QString &remote, const QString &local);
+    QHash<QString, QString> getMap() const;
+    void replaceMap(const QHash<QString, QString> &newMap);
+    void removeMapping(const QString &remote);
+    /*! Forgets the entries and the map. */
+    void clear();
+
+    /*! The frame of a message; empty for a command without a word, and if it cannot be rendered. */
+    static QString ComposeText(const QString &path, RemoteStorageCommand command, const QVariant &data,
+                               const QVariantHash &options);
+    static QByteArray ComposeBinary(const QString &path, RemoteStorageCommand command, const QVariant &data,
+                                    const QVariantHash &options);
+    /*! The uuids joined as the paths of messages are; SplitPath() takes them apart. */
+    static QString JoinPath(const QString &first, const QString &second);
+    static QStringList SplitPath(const QString &path);
+
+private:
+    QString id;
+    mutable QMutex mutex;
+    QHash<QString, QString> map;
+    QHash<QString, CachedEntry> entries;
+    const QUrl url;
+};
+
+} // namespace Tessellum::AppData::Storages::utils
