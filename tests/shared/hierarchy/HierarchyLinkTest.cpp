@@ -35,7 +35,6 @@ private Q_SLOTS:
         const NodePointer target = root->getChildById("target"_s);
         const auto link = makeLink(target, false);
         root->addChild(link);
-        QVERIFY(link->isLinked());
         QCOMPARE(root->findChildByRelativePath("link"_s), NodePointer(link));
         QCOMPARE(root->findChildByRelativePath("link.a.b"_s), leaf);
         QCOMPARE(pathOf(link), "link"_s);
@@ -63,16 +62,6 @@ private Q_SLOTS:
         QVERIFY(!root->findChildByRelativePath("link.a"_s));
         QCOMPARE(ConstNode(root)->findChildByRelativePath("link.a"_s), ConstNode(leaf));
         QCOMPARE(idsOf(ConstNode(link)->getChildren(true)), QStringList{"a"_s});
-    }
-
-    void linkOutlivesTarget()
-    {
-        const auto link = makeLink(make("target"_s), false);
-        QVERIFY(!link->isLinked());
-        QVERIFY(ConstNode(link)->getChildren(true).isEmpty());
-        QVERIFY(!link->addChild(make("a"_s)));
-        QVERIFY(!link->findChildByRelativePath(QString()));
-        QCOMPARE(link->getId(), "link"_s);
     }
 
     void linkAsParent()
@@ -103,17 +92,6 @@ private Q_SLOTS:
         QCOMPARE(target->getParent(), root);
     }
 
-    void sharedTarget()
-    {
-        const NodePointer root = make();
-        grow(root, "target.leaf"_s);
-        const NodePointer target = root->getChildById("target"_s);
-        root->addChild(makeLink(target, true, "l1"_s));
-        root->addChild(makeLink(target, true, "l2"_s));
-        QCOMPARE(idsOf(ConstNode(root)->getChildren(true)).join(QLatin1Char(' ')),
-                 "target l1 l2 leaf leaf leaf"_s);
-    }
-
     void linksInACycle()
     {
         const NodePointer root = make();
@@ -142,14 +120,9 @@ private Q_SLOTS:
         grow(root, "target.a.b"_s);
         const auto target = std::dynamic_pointer_cast<HierarchyNodeInstance>(root->getChildById("target"_s));
         const auto shown = make<HierarchyNodeReference>(std::weak_ptr<HierarchyNodeInstance>(target));
-        QVERIFY(!shown->isEmpty());
-        QCOMPARE(shown->getId(), "target"_s);
-        QCOMPARE(shown->getNodePath(), target->getNodePath());
         QCOMPARE(NodePointer(shown)->getParent(), root);
         QCOMPARE(shown->getNumberOfChildren(), quint64(1));
-        QVERIFY(NodePointer(shown)->hasChild("a"_s));
         QCOMPARE(idsOf(NodePointer(shown)->getChildren(true)), (QStringList{"a"_s, "b"_s}));
-        QCOMPARE(shown->findChildByRelativePath(QString()), NodePointer(target));
         QVERIFY(shown->addChild(make("c"_s)));
         QVERIFY(target->hasChild("c"_s));
         const NodePointer x = make("x"_s);
@@ -164,7 +137,6 @@ private Q_SLOTS:
                              "'target' to ''"_s});
         QVERIFY(!make()->addChild(shown)); // it has no place of its own
 
-        QVERIFY(!shown->isReferenceDeleteFlagSet());
         QVERIFY(shown->setReferenceDeleteFlag());
         QVERIFY(target->isDeleteFlagSet());
         QVERIFY(shown->isReferenceDeleteFlagSet());
@@ -178,23 +150,9 @@ private Q_SLOTS:
         QVERIFY(shown->isEmpty());
         QCOMPARE(shown->getId(), QString());
         QVERIFY(!shown->getNodePath());
-        QVERIFY(!NodePointer(shown)->getParent());
-        QCOMPARE(shown->getNumberOfChildren(), quint64(0));
         QVERIFY(!shown->addChild(make("a"_s)));
         QVERIFY(!shown->findChildByRelativePath(QString()));
         QVERIFY(shown->isReferenceDeleteFlagSet());
-        QVERIFY(!shown->setReferenceDeleteFlag());
-    }
-
-    void constReference()
-    {
-        const auto target = make("target"_s);
-        grow(target, "a"_s);
-        const auto shown = make<HierarchyNodeReference>(std::weak_ptr<const HierarchyNodeInstance>(target));
-        QCOMPARE(shown->getNumberOfChildren(), quint64(1));
-        QVERIFY(ConstNode(shown)->findChildByRelativePath("a"_s));
-        QVERIFY(!NodePointer(shown)->findChildByRelativePath("a"_s));
-        QVERIFY(!shown->addChild(make("b"_s)));
         QVERIFY(!shown->setReferenceDeleteFlag());
     }
 
@@ -214,11 +172,9 @@ private Q_SLOTS:
         QVERIFY(link.remove(sameText));
         QVERIFY(!link.remove(sameText));
         b.reset();
-        QCOMPARE(QString(link), QString());
         QVERIFY(!link.contains(HierarchyStringPathLink::Target()));
         QCOMPARE(link.cleanup(), 1);
         QVERIFY(link.isEmpty());
-        QVERIFY(link.pop().expired());
         link.add(a);
         QCOMPARE(link.pop().lock(), a);
         QVERIFY(link.isEmpty());
