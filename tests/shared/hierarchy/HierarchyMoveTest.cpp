@@ -98,27 +98,6 @@ private Q_SLOTS:
         }
     }
 
-    void exchangeBetweenTwoParents()
-    {
-        const auto tree = std::make_shared<Tree>(2);
-        const NodePointer x = grow(tree->nodes[0], "x"_s);
-        const NodePointer y = grow(tree->nodes[1], "y"_s);
-        tree->nodes.insert(tree->nodes.end(), {x, y});
-        const auto work = [tree](int i) {
-            const NodePointer &node = tree->nodes[size_t(2 + i)];
-            for (int round = 0; round < 5000; ++round) {
-                const size_t place = size_t(round + i) % 2;
-                if (round % 2 == 0)
-                    tree->nodes[place]->addChild(node);
-                else
-                    node->setParent(tree->nodes[place], false);
-                pathOf(node);
-            }
-        };
-        QVERIFY2(comeBack(2, work), "the moves hang");
-        QVERIFY(tree->isWhole());
-    }
-
     void manyAddOneId()
     {
         for (int round = 0; round < 200; ++round) {
