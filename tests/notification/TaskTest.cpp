@@ -138,15 +138,6 @@ private Q_SLOTS:
         for (const auto &[description, text] : expected)
             QCOMPARE(description, QString(text));
     }
-
-    void metatypeNames()
-    {
-        QCOMPARE(QMetaType::typeName(qMetaTypeId<CreateObserver::ResultType>()),
-                 "Tessellum::Notification::CreateObserver::ResultType");
-        QCOMPARE(QMetaType::typeName(qMetaTypeId<UpdateObserver::ResultType>()),
-                 "Tessellum::Notification::UpdateObserver::ResultType");
-        QCOMPARE(QMetaType::typeName(qMetaTypeId<UpdateResult>()), "Tessellum::Notification::UpdateResult");
-    }
 };
 
 QTEST_GUILESS_MAIN(TaskTest)
