@@ -7,7 +7,6 @@
 #include <random>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <support/Notes.h>
 #include <thread>
 #include <vector>
 
@@ -19,7 +18,6 @@ using Registration = ExaminerRegistration<UpdatePoint>;
 
 namespace {
 
-constexpr int Patience = 60000; // milliseconds; reached on failure alone
 constexpr int ForTask = 1;
 constexpr int Exact = 2;
 
@@ -125,34 +123,6 @@ private Q_SLOTS:
             expected.sort();
             QCOMPARE(found, expected);
         }
-    }
-
-    void hearsWhatWasRegistered()
-    {
-        NotificationProvider provider;
-        const auto registration = provider.getUpdateRegistration();
-        TestSupport::Notes notes;
-        const auto listen = [&](const QString &path, UpdatePoint registered) {
-            const auto note
-                = [&, registered](const QString &at, const UpdatePoint &point, const UpdateResult &result,
-                                  const QVariant &oldValue, const QVariant &newValue) {
-                      notes.add("%1: %2 %3 %4 %5 %6"_s.arg(int(registered))
-                                    .arg(at)
-                                    .arg(int(point))
-                                    .arg(int(result))
-                                    .arg(oldValue.toInt())
-                                    .arg(newValue.toInt()));
-                  };
-            return provider.registerUpdateHandler(path, note, registered);
-        };
-        const auto done = listen("a.*", UpdatePoint::Done);
-        const auto all = listen("a.b", UpdatePoint::All);
-        const auto elsewhere = listen("b.*", UpdatePoint::All);
-        for (const auto point : {UpdatePoint::Check, UpdatePoint::Apply, UpdatePoint::Done})
-            NotifyExaminers(registration, "a.b"_s, point, UpdateResult::Ok, QVariant(1), QVariant(2));
-        QVERIFY(NotificationThreadPool().waitForDone(Patience));
-        QCOMPARE(notes.sorted(4),
-                 QStringList({"15: a.b 1 0 1 2", "15: a.b 2 0 1 2", "15: a.b 8 0 1 2", "8: a.b 8 0 1 2"}));
     }
 
     void anythingAtOnce()
