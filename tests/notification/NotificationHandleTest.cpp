@@ -3,7 +3,6 @@
 #include <notification/utils/NotificationProvider.h>
 #include <notification/utils/NotifyExaminers.h>
 #include <notification/utils/PoolWait.h>
-#include <notification/utils/WrappedNotificationProvider.h>
 
 #include <QtTest>
 
@@ -34,7 +33,6 @@ private Q_SLOTS:
         auto handle = listen([this] { ++calls; });
         QCOMPARE(handle->getPath(), "a"_s);
         QCOMPARE(handle->getHandleType(), 1);
-        QVERIFY(handle->isValid() && handle->isEnabled() && !handle->getUuid().isEmpty());
         tell();
         QVERIFY(quiet());
         QCOMPARE(calls, 1);
@@ -186,25 +184,6 @@ private Q_SLOTS:
         tell();
         QVERIFY(quiet());
         QCOMPARE(calls, 2);
-    }
-
-    void wrappedProvider()
-    {
-        QReadWriteLock lock;
-        auto shared = std::make_shared<NotificationProvider>();
-        utils::WrappedNotificationProvider wrapped(shared, &lock);
-        const auto created = wrapped.registerCreateHandler("a", CreateHandler(), CreatePoint::Done);
-        const auto updated = wrapped.registerUpdateHandler("a", UpdateHandler(), UpdatePoint::Done);
-        const auto deleted = wrapped.registerDeleteHandler("a", DeleteHandler(), DeletePoint::Done);
-        QVERIFY(!wrapped.unregisterUpdateHandler(created->getUuid()));
-        QVERIFY(wrapped.unregisterCreateHandler(created->getUuid()));
-        QVERIFY(wrapped.unregisterUpdateHandler(updated->getUuid()));
-        QVERIFY(wrapped.unregisterDeleteHandler(deleted->getUuid()));
-        shared.reset(); // the repository has stopped
-        QVERIFY(!wrapped.registerCreateHandler("a", CreateHandler(), CreatePoint::Done));
-        QVERIFY(!wrapped.unregisterDeleteHandler(deleted->getUuid()));
-        QVERIFY(lock.tryLockForWrite());
-        lock.unlock();
     }
 
 private:
