@@ -279,25 +279,6 @@ private Q_SLOTS:
         QCOMPARE(pool.getQueuedCount(), 0);
     }
 
-    void manyQueuedTasks()
-    {
-        constexpr int Count = 100000;
-        FunctionPool pool;
-        std::atomic<int> ran = 0;
-        Blockade blockade(pool, ThreadPool::MaximumThreadCount());
-        QVERIFY(blockade.holds());
-        for (int i = 0; i < Count; ++i)
-            pool.run([&](UpdateObserver &) { ++ran; });
-        QCOMPARE(pool.getQueuedCount(), Count);
-        pool.clear();
-        QCOMPARE(pool.getQueuedCount(), 0);
-        for (int i = 0; i < Count; ++i)
-            pool.run([&](UpdateObserver &) { ++ran; });
-        blockade.letGo();
-        QVERIFY(pool.waitForDone(Patience));
-        QCOMPARE(ran, Count);
-    }
-
     void capturedValuesGoWithTheTask()
     {
         FunctionPool pool;
