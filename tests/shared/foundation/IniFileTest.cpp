@@ -153,20 +153,6 @@ private Q_SLOTS:
         QCOMPARE(content, IniContent({{"a", {{"x", "1 [b] y=2"}}}}));
     }
 
-    void filesThatCannotBeWritten()
-    {
-        QTemporaryDir folder;
-        const IniContent content{{"a", {{"x", QString(100000, 'x')}}}};
-        QFile directory(folder.path());
-        QVERIFY(!WriteIniFile(directory, content, false, separator));
-        QFile nowhere(folder.filePath("no/such.ini"));
-        QVERIFY(!WriteIniFile(nowhere, content, false, separator));
-        QFile nameless;
-        QVERIFY(!WriteIniFile(nameless, content, false, separator));
-        QFile full("/dev/full"_s);
-        QVERIFY(!WriteIniFile(full, content, false, separator));
-    }
-
 private:
     const QRegExp separator{"="_s};
 };
