@@ -36,14 +36,6 @@ private Q_SLOTS:
         QCOMPARE(log.lines(), QStringList({line + "true (1)", line + "x (25)"}));
     }
 
-    void arithmeticTypes()
-    {
-        for (int type = 0; type < 64; ++type) {
-            const bool expected = (type >= 1 && type <= 6) || (type >= 32 && type <= 38);
-            QCOMPARE(IsArithmeticType(QMetaType::Type(type)), expected);
-        }
-    }
-
     void registeringTwiceKeepsTheLater()
     {
         TessellumLocalizationInterfaceProvider registry;
@@ -56,19 +48,6 @@ private Q_SLOTS:
         QCOMPARE(locales.size(), 2);
         QCOMPARE(locales.at(0).name(), "ar_EG"_s);
         QCOMPARE(locales.at(1).numberOptions(), QLocale::NumberOptions(QLocale::RejectGroupSeparator));
-    }
-
-    void bothInterfacesSeeTheSameRegistry()
-    {
-        TessellumLocalizationInterfaceProvider registry(QLocale::c());
-        Tessellum::Core::CoreLocalizationInterface &core = registry;
-        const Shared::Localization::LocalizationInterface &shared = registry;
-        core.setDefaultLocale(german);
-        QVERIFY(!shared.isLocaleRegistered(german));
-        core.registerAdditionalLocale(german);
-        QCOMPARE(shared.defaultLocale(), german);
-        QCOMPARE(core.defaultLocale(), german);
-        QVERIFY(shared.isLocaleRegistered(german) && core.isLocaleRegistered("de_DE"));
     }
 
     void everyNotationOnce()
