@@ -62,22 +62,6 @@ private Q_SLOTS:
         LogHandler::SetLogLevel(LogMessageType::log);
         utils::SetStackTraceFunction(nullptr);
     }
-    void linesToTheLetter()
-    {
-        Listener listener;
-        FrameworkLog().warning() << "text " << 5;
-        LogHandler::LogMessage(LogMessageContext(), LogMessageType::log, "bare"_s);
-        LogHandler::SetLogIdentification("first"_s);
-        LogHandler::SetLogIdentification("second"_s);
-        LogHandler::LogMessage(LogMessageContext(), LogMessageType::critical, "named"_s);
-        FrameworkLog().log();
-        QCOMPARE(listener.lines,
-                 QStringList({"[TESSELLUM WARNING] text 5", "[ LOG] bare", "[FIRST CRITICAL] named",
-                              "[TESSELLUM LOG] "}));
-        QCOMPARE(listener.messages, QStringList({"WARNING:text 5", "LOG:bare", "CRITICAL:named", "LOG:"}));
-        QCOMPARE(listener.contexts.first().category, "Tessellum"_s);
-    }
-
     void thresholdDecides()
     {
         Listener listener;
