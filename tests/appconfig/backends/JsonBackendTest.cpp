@@ -153,16 +153,6 @@ private Q_SLOTS:
         QVERIFY(fixture->backends().getBackendNames().isEmpty());
     }
 
-    void refusesEveryPrefix()
-    {
-        const QByteArray json = R"({"a":[1.5e3,true,null,"x\u00e9\n"],"b":{"c":"d"}})";
-        for (int size = 1; size < json.size(); ++size) {
-            QVERIFY2(!load(json.left(size)), json.left(size).constData());
-            QVERIFY(!fixture->node(name));
-        }
-        QVERIFY(load(json));
-    }
-
     void passesWithoutText()
     {
         QVERIFY(load(fileName));
