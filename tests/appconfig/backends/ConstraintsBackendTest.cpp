@@ -74,17 +74,6 @@ private Q_SLOTS:
         QCOMPARE(log.lines(), QStringList());
     }
 
-    void firstFileKeepsTheId()
-    {
-        const auto first = backendOf("[a]\nType=limit\nMaximum=1\n");
-        const auto second = backendOf("[a]\nType=limit\nMaximum=2\n[b]\nType=limit\n");
-        QVERIFY(load(first));
-        QVERIFY(load(second));
-        QVERIFY(first->hasChild("a"_s) && !second->hasChild("a"_s));
-        QVariant value(2);
-        QCOMPARE(repository->getValidation("a"_s)->validate(nullptr, value), ValidationResult::Failed);
-    }
-
     void loadsByItself()
     {
         using Backends::AutomaticConstraintsBackendLoader;
