@@ -1,7 +1,6 @@
 #include "RepositoryFixture.h"
 
 #include <appconfig/backends/BackendCreateTask.h>
-#include <appconfig/backends/BackendReference.h>
 #include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/backends/MemoryBackend.h>
 #include <notification/utils/MakeNode.h>
@@ -12,7 +11,6 @@
 #include <atomic>
 #include <stdexcept>
 #include <support/Literals.h>
-#include <support/Notes.h>
 
 using namespace Tessellum::AppConfig::Backends;
 using Shared::Logging::LogMessageType;
@@ -65,24 +63,6 @@ private Q_SLOTS:
     {
         factory().unregisterProduct(scripted);
         fixture.reset();
-    }
-
-    void registersEachKeyOnce()
-    {
-        BackendFactory empty;
-        QCOMPARE(RegisterBackend<MemoryBackend>(empty), 2);
-        QCOMPARE(RegisterBackend<MemoryBackend>(empty), 0);
-        for (const char *key : {"memory", "volatile", "json", "json_file", "jsonfile"})
-            QVERIFY2(fixture->repository().getBackendTypes().contains(key), key);
-        QVERIFY(fixture->create(memory, "m"));
-        const auto backend = fixture->backends().getBackend("m");
-        QCOMPARE(backend->getType(), memory);
-        QCOMPARE(backend->getId(), QString("m"));
-        QCOMPARE(backend->getTypeKeys(), QStringList({"memory", "volatile"}));
-        QVERIFY(!backend->setDescription(QString()));
-        QVERIFY(backend->setDescription("text"));
-        QCOMPARE(fixture->backends().getBackendDescription("m"), QString("text"));
-        QVERIFY(!fixture->backends().saveBackend("m"));
     }
 
     void refusesWhatItCannotCreate_data()
@@ -270,32 +250,6 @@ private Q_SLOTS:
         QCOMPARE(access("r.stored"), 1u);
         QCOMPARE(access("r.both"), 1u);
         QCOMPARE(BackendCreateData(memory, "m", {{}, {}, 2}).access, 3u); // always readable
-    }
-
-    void notifiesOfItsFullPath()
-    {
-        TestSupport::Notes notes;
-        const auto handle = fixture->repository().getNotificationProvider()->registerCreateHandler(
-            "a.m",
-            [&](const QString &, const CreatePoint &point, const bool &result) {
-                notes.add("%1 %2"_s.arg(int(point)).arg(result));
-            },
-            CreatePoint::All);
-        QVERIFY(fixture->create(memory, "a.m"));
-        QCOMPARE(notes.sorted(2), QStringList({"1 1", "2 1"}));
-    }
-
-    void referenceOutlivesTheBackend()
-    {
-        auto backend = std::shared_ptr<Backend>(
-            MakeNode<MemoryBackend>(BackendCreateData(memory, "m", {{}, "text", 3})));
-        BackendReference reference(backend);
-        QCOMPARE(reference.getDescription(), QString("text"));
-        QVERIFY(reference.setDescription("other"));
-        backend.reset();
-        QVERIFY(reference.getType().isEmpty() && reference.getId().isEmpty()
-                && reference.getDescription().isEmpty() && reference.getTypeKeys().isEmpty());
-        QVERIFY(!reference.setDescription("third"));
     }
 
     void finishesManyAtOnce()
