@@ -39,15 +39,6 @@ class AttributeCreateTaskTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void makesWhatIsMissingOnTheWay()
-    {
-        AttributeTree tree;
-        QCOMPARE(createOne(tree, "a.b.c"_s, 1), created);
-        QCOMPARE(tree.value("a.b.c"_s), QVariant(1));
-        QCOMPARE(tree.find("a.b.c"_s)->getPath(), "a.b.c"_s);
-        QVERIFY(!tree.find("a.b"_s)->hasValue());
-    }
-
     void overwritesAnExistingAttribute()
     {
         AttributeTree tree;
