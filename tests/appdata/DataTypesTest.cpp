@@ -1,8 +1,6 @@
 #include "../support/LogCapture.h"
 
 #include <appdata/data/elements/ElementUpdateData.h>
-#include <appdata/data/entries/EntryDeserializeInformation.h>
-#include <appdata/DataMetatypes.h>
 #include <appdata/DataTypeStrings.h>
 
 #include <QtTest>
@@ -22,7 +20,6 @@ private Q_SLOTS:
     void oneKeyInAnyCase();
     void textsOfNumbers();
     void keysOfAnUpdate();
-    void publishedNames();
 };
 
 void DataTypesTest::categoriesAsTexts_data()
@@ -100,7 +97,6 @@ void DataTypesTest::keysOfAnUpdate()
     using Type = DataElementUpdateType;
     const QList<Type> types{Type::Active, Type::Timestamp, Type::ParsedData};
     QVERIFY(data.getUpdateTypes() == types);
-    QCOMPARE(data.value(Type::Active).type(), QVariant::Bool);
     quint64 timestamp = 0;
     QVERIFY(data.getTimestamp(timestamp));
     QCOMPARE(timestamp, ~quint64(0));
@@ -113,27 +109,6 @@ void DataTypesTest::keysOfAnUpdate()
     QVERIFY(data.getTimestamp(timestamp) && data.getRawData(raw));
     QCOMPARE(timestamp, quint64(0));
     QVERIFY(raw.isEmpty());
-}
-
-void DataTypesTest::publishedNames()
-{
-    QStringList names;
-    for (const int type : RegisterDataMetatypes())
-        names.append(QMetaType::typeName(type));
-    const QString data = "Tessellum::AppData::Data::";
-    QCOMPARE(names,
-             QStringList({data + "Entries::EntryCategory", data + "Elements::ElementSerializeInformation",
-                          data + "Elements::ElementsSerializeInformation",
-                          data + "Elements::ElementDeserializeInformation",
-                          data + "Elements::ElementsDeserializeInformation",
-                          data + "Elements::ElementUpdateData", data + "Entries::EntryDeserializeInformation",
-                          data + "Entries::EntrySerializeInformation",
-                          "Tessellum::AppData::Storages::StorageCreateData", "Tessellum::AppData::LoadStatus",
-                          "Tessellum::AppData::LoadDataHint"}));
-    QVERIFY(QMetaType::type("Tessellum::AppData::CategoryType") != QMetaType::UnknownType);
-    QVERIFY(QMetaType::type("Tessellum::AppData::PersistenceType") != QMetaType::UnknownType);
-    const QList<Data::Entries::EntryDeserializeInformation> stubs{{}, {}};
-    QCOMPARE(QVariant::fromValue(stubs).value<QSequentialIterable>().size(), 2);
 }
 
 QTEST_GUILESS_MAIN(DataTypesTest)
