@@ -44,7 +44,6 @@ private Q_SLOTS:
     void doubles();
     void bytesStayAsTheyAre();
     void oneParserForEachCategory();
-    void registeredCategory();
     void missIsRemembered();
     void creatorThatMisbehaves();
 };
@@ -90,23 +89,6 @@ void ElementParsersTest::oneParserForEachCategory()
     QVERIFY(element && !element->copyParser());
     const EntryCategory unknown(CategoryType::Text, "nobody");
     QVERIFY(!ElementsFactory::getInstance()->create(unknown, {}));
-}
-
-void ElementParsersTest::registeredCategory()
-{
-    const TestSupport::RunningDataRepository run;
-    const auto makeParser = [] { return std::make_shared<Parser>(); };
-    ElementRegistrationProvider provider;
-    QVERIFY(!provider.registerElement(CategoryType::Float, QString(), makeParser));
-    QVERIFY(provider.registerElement(CategoryType::Text, "Volt", makeParser));
-    QVERIFY(!provider.registerElement(CategoryType::Text, "volt", makeParser));
-    const EntryCategory volt(CategoryType::Text, "volt");
-    const auto element = ElementsFactory::getInstance()->create(volt, {});
-    QVERIFY(element);
-    QCOMPARE(element->copyParser(), parserOf(CategoryType::Text, "volt"));
-    QVERIFY(std::dynamic_pointer_cast<Parser>(element->copyParser()));
-    const auto list = RunningRepository::provider().getListPattern("types", "custom_data_elements");
-    QCOMPARE(list->getElements(), QStringList("text:volt"));
 }
 
 void ElementParsersTest::missIsRemembered()
