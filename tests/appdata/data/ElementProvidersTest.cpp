@@ -83,7 +83,6 @@ private Q_SLOTS:
     void volatileValueIsGoneOnceUnloaded();
     void withoutAParserItIsStuck();
     void mediumThatFails();
-    void changesThroughTheInterface();
     void changesThatAreRefused();
     void strategyReachesWhatIsLoadedAlone();
     void interfacesKeepTheElement();
@@ -156,24 +155,6 @@ void ElementProvidersTest::mediumThatFails()
     QCOMPARE(valueOf(element), QVariant(0.0)); // what no bytes are
     QVERIFY(perform(element, ElementCommand::Unload));
     QCOMPARE(valueOf(element), QVariant(1.5));
-}
-
-void ElementProvidersTest::changesThroughTheInterface()
-{
-    const auto element = add("disk");
-    QVERIFY(element);
-    const auto change = element->getManipulationInterface();
-    QVERIFY(change->setActive(false, UpdatePoint::Done));
-    QVERIFY(!element->isActive());
-    QVERIFY(change->setValues(ElementValueKind::ParsedValue, 2.5, 77, true, UpdatePoint::Done));
-    QVERIFY(element->isActive());
-    QCOMPARE(element->getTimestamp(), quint64(77));
-    QCOMPARE(valueOf(element), QVariant(2.5));
-    QVERIFY(perform(element, ElementCommand::Unload));
-    QCOMPARE(valueOf(element), QVariant(2.5));
-    QVERIFY(change->setData(ElementValueKind::RawData, QByteArray::fromHex("3ff8000000000000"),
-                            UpdatePoint::All));
-    QTRY_COMPARE(valueOf(element), QVariant(1.5));
 }
 
 void ElementProvidersTest::changesThatAreRefused()
