@@ -1,4 +1,3 @@
-#include "../../support/AttributeTree.h"
 #include "../../support/LogCapture.h"
 #include "../support/RunningDataRepository.h"
 
@@ -14,7 +13,6 @@ using Data::Elements::ElementUpdateData;
 using Shared::Hierarchy::HierarchyStringPathLink;
 using Tessellum::Notification::CreatePoint;
 using TestSupport::LogCapture;
-using TestSupport::RunAndRecord;
 using TestSupport::RunningDataRepository;
 using TestSupport::StorageTwin;
 using Operation = StorageTwin::Operation;
@@ -230,65 +228,6 @@ private Q_SLOTS:
         QTRY_COMPARE(gate->getNumberOfChildren(), 8u);
     }
 
-    void elementsAreCopied()
-    {
-        const auto source = run->addEntry(run->record("source", "disk"));
-        const auto bytes = run->addEntry(run->record("bytes", "disk", 0, CategoryType::Custom));
-        QStringList uuids;
-        for (int i = 0; i < 3; ++i) {
-            QVERIFY(run->create(source, run->value(quint64(i), i)));
-            uuids.append(run->element(source, quint64(i))->getId());
-        }
-        ElementUpdateData raw = run->value(1, 0);
-        raw.remove(DataElementUpdateType::ParsedData);
-        raw.setRawData("bytes");
-        QVERIFY(run->create(bytes, raw));
-
-        const auto copy
-            = [this](const std::shared_ptr<Entry> &from, const QStringList &elements, CategoryType category) {
-                  const auto info = std::make_shared<EntryInfo>();
-                  info->serialize = run->record("copy", "disk", 0, category);
-                  info->sourceUuid = from ? from->getId() : "unknown";
-                  info->copyElements = true;
-                  info->elementsList = elements;
-                  return run->create(root(), info) == (from != nullptr) ? child(info->uuid) : nullptr;
-              };
-        const auto two = copy(source, {uuids.at(2), "unknown", uuids.at(0)}, CategoryType::Float);
-        QTRY_COMPARE(two->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(two->getNumberOfChildren(), 2u);
-        QCOMPARE(run->parsed(two, 1), 2.0);
-        QCOMPARE(run->element(two, 1)->getTimestamp(), 2u);
-        QCOMPARE(twin->getElementRawData(two->getId(), uuids.at(2)), run->raw(2));
-
-        const QString uuid = run->element(bytes, 0)->getId();
-        const auto custom = copy(bytes, {uuid}, CategoryType::Custom);
-        QTRY_COMPARE(custom->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(twin->getElementRawData(custom->getId(), uuid), QByteArray("bytes"));
-        QVERIFY(copy(nullptr, uuids, CategoryType::Float)); // false, and the entry stays
-    }
-
-    void pairStandsForAllItsEntries()
-    {
-        run->addEntry(run->record("speed", "disk"));
-        run->addEntry(run->record("speed"));
-        const auto pair = Data::Entries::utils::FindPair("plant.speed");
-        QVERIFY(run->remove(pair));
-        QVERIFY(!root()->findChildByRelativePath("plant.speed"));
-        QCOMPARE(storage->getNumberOfChildren(), 0u);
-        QVERIFY(!run->remove(pair)); // has gone
-    }
-
-    void newEntryGetsTheStrategyOfItsPattern()
-    {
-        MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");
-        QString type;
-        QVERIFY(
-            run->addEntry(run->record("faster"))->getMemoryStrategyInterface()->getMemoryStrategyType(type));
-        QCOMPARE(type, QString("last"));
-        QVERIFY(
-            !run->addEntry(run->record("slow"))->getMemoryStrategyInterface()->getMemoryStrategyType(type));
-    }
-
     void entryOfAStorageThatGoesMeanwhile()
     {
         MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");
@@ -305,17 +244,6 @@ private Q_SLOTS:
         QVERIFY(!Tessellum::Notification::utils::WaitForSuccess(run->pool(), observer));
         QCOMPARE(onMedium(), QStringList());
         QVERIFY(!list->hasElement("late"));
-    }
-
-    void reportsAndUnreadableData()
-    {
-        EntryCreateTask task({}, root(), {}, QVariant(1), CreatePoint::Done);
-        QCOMPARE(RunAndRecord(task), (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, false}}));
-        EntryCreateTask good({}, root(), {}, QVariant::fromValue(run->record("x")), CreatePoint::Done);
-        QCOMPARE(RunAndRecord(good),
-                 (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, true}, {CreatePoint::Done, true}}));
-        EntryCreateTask orphan({}, {}, {}, QVariant::fromValue(run->record("x")), CreatePoint::Done);
-        QCOMPARE(RunAndRecord(orphan), (QList<EntryCreateTask::ResultType>{{CreatePoint::Begin, false}}));
     }
 };
 
