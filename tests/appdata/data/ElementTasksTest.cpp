@@ -7,7 +7,6 @@
 #include <appdata/data/elements/ElementsCreateTask.h>
 #include <appdata/data/elements/ElementsDeleteTask.h>
 #include <appdata/data/elements/ElementUpdateTask.h>
-#include <appdata/data/entries/utils/ElementTimeIndex.h>
 #include <appdata/data/utils/ElementRegistrationProvider.h>
 
 #include <QtTest>
@@ -43,10 +42,6 @@ private:
     auto pair(const std::shared_ptr<Data::Entries::Entry> &entry)
     {
         return Data::Entries::utils::FindPair(entry->getPairPath());
-    }
-    QByteArray rawOnMedium(const std::shared_ptr<Element> &element)
-    {
-        return twin->getElementRawData(stored->getId(), element->getId());
     }
     ElementDeserializeInformation stubOf(const QString &uuid, LoadDataHint hint)
     {
@@ -87,35 +82,6 @@ private Q_SLOTS:
         twin.reset();
     }
 
-    void newValueReachesTreePairAndMedium()
-    {
-        const auto info = std::make_shared<ElementInfo>();
-        info->reportIndex = true;
-        auto data = run->value(7, 1.5);
-        QVERIFY(run->create(stored, data));
-        data.setInfo(info);
-        QVERIFY(run->create(stored, data));
-        QCOMPARE(info->index, 1);
-        const auto element = run->element(stored, 1);
-        QCOMPARE(element->getId(), info->uuid);
-        QCOMPARE(element->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(element->getTimestamp(), 7u);
-        QCOMPARE(rawOnMedium(element), run->raw(1.5));
-        QCOMPARE(stored->copyData().serialize.addCounter, 2u);
-        QCOMPARE(stored->copyData().serialize.pendingCreates.load(), 0u);
-        const auto reference
-            = std::dynamic_pointer_cast<ElementReference>(pair(stored)->getChildById(info->uuid));
-        QVERIFY(reference);
-        QCOMPARE(reference->getTarget()->getQueryInterface()->getTimestamp(), 7u);
-
-        // The uuid is taken: nothing is told to the medium.
-        const int writes = twin->calls(Operation::SerializeElement);
-        QVERIFY(!run->create(stored, data));
-        QCOMPARE(info->index, -1);
-        QCOMPARE(twin->calls(Operation::SerializeElement), writes);
-        QCOMPARE(stored->getNumberOfChildren(), 2u);
-    }
-
     void failingMediumLeavesTheValueInMemory()
     {
         for (const Fault fault : {Fault::Fail, Fault::Throw, Fault::ThrowInt}) {
@@ -141,27 +107,6 @@ private Q_SLOTS:
         QVERIFY(!run->create(run->provider().getRoot(), run->value(1, 1)));
         QCOMPARE(stored->getNumberOfChildren(), 2u);
         QCOMPARE(stored->copyData().serialize.pendingCreates.load(), 0u);
-    }
-
-    void rawBytesWithoutAParser()
-    {
-        const auto custom = run->addEntry(run->record("custom", QString(), 0, CategoryType::Custom));
-        ElementUpdateData data;
-        data.setActive(true);
-        data.setTimestamp(1);
-        data.setRawData("bytes");
-        LogCapture log;
-        QVERIFY(run->create(custom, data));
-        QCOMPARE(log.lines().filter("could not load the initial raw data value").size(), 1);
-        const auto onDisk = run->addEntry(run->record("bytes", "disk", 0, CategoryType::Custom));
-        QVERIFY(run->create(onDisk, data));
-        const auto element = run->element(onDisk, 0);
-        QCOMPARE(element->getLoadStatus(), LoadStatus::NotLoaded);
-        element->getManipulationInterface()->performCommand(ElementCommand::Load); // cannot
-        data.setRawData("more");
-        QVERIFY(run->update(element, data));
-        QCOMPARE(twin->getElementRawData(onDisk->getId(), element->getId()), QByteArray("more"));
-        QCOMPARE(element->getLoadStatus(), LoadStatus::NotLoaded);
     }
 
     void storedValuesAreLoadedAsTheHintSays()
@@ -226,32 +171,6 @@ private Q_SLOTS:
             QCOMPARE(reports.first().first, CreatePoint::Begin);
             QVERIFY(!reports.first().second);
         }
-    }
-
-    void updateReachesMediumAndIndex()
-    {
-        QVERIFY(run->create(stored, run->value(1, 1)));
-        QVERIFY(run->create(stored, run->value(2, 2)));
-        const auto element = run->element(stored, 1);
-        ElementUpdateData data = run->value(9, 8.25);
-        data.setActive(false);
-        const auto info = std::make_shared<ElementInfo>();
-        info->reportIndex = true;
-        data.setInfo(info);
-        QCOMPARE(updates(element, data),
-                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
-                          {UpdatePoint::Apply, UpdateResult::Ok},
-                          {UpdatePoint::Done, UpdateResult::Ok}}));
-        QCOMPARE(info->uuid, element->getId());
-        QCOMPARE(info->index, 1);
-        QVERIFY(!element->isActive());
-        QCOMPARE(run->parsed(stored, 1), 8.25);
-        QCOMPARE(rawOnMedium(element), run->raw(8.25));
-        quint64 first = 0;
-        quint64 last = 0;
-        QVERIFY(stored->timeIndex().span(first, last));
-        QCOMPARE(first, 1u);
-        QCOMPARE(last, 9u);
     }
 
     void failedUpdateEndsAtTheFirstFault()
