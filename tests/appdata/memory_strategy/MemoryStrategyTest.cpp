@@ -1,7 +1,6 @@
 #include "../../support/LogCapture.h"
 #include "../support/RunningDataRepository.h"
 
-#include <appdata/memory_strategy/LastAddedElementMemoryStrategy.h>
 #include <appdata/memory_strategy/MemoryStrategyRepository.h>
 #include <appdata/memory_strategy/MemoryStrategyWrapper.h>
 
@@ -70,15 +69,12 @@ private Q_SLOTS:
     }
 
     void theLastStay();
-    void theLastOfAnEntryWithRemovals();
     void aTimeRangeMovesWithTheEntry();
     void anOverwrittenElementStaysWithinItsStrategy();
     void manyAddsCostOneEmission();
     void parametersThatAreRefusedChangeNothing();
     void installsOnceAndRemoves();
-    void aRemovedEntryIsListedNoMore();
     void aStrategyThatThrowsDecidesNothing();
-    void withoutElementsOrEntryThereIsNoDecision();
     void theFirstPatternThatMatchesGivesTheType();
 };
 
@@ -91,20 +87,6 @@ void MemoryStrategyTest::theLastStay()
     QTRY_COMPARE(loaded(), (QList<int>{2, 3, 4}));
     add(0); // the order of adding counts, not the time stamp
     QTRY_COMPARE(loaded(), (QList<int>{3, 4, 5}));
-}
-
-void MemoryStrategyTest::theLastOfAnEntryWithRemovals()
-{
-    for (quint64 i = 0; i < 40; ++i)
-        add(i);
-    for (const quint64 index : {38, 37, 20, 3, 2})
-        QVERIFY(run->remove(run->element(entry, index)));
-    const auto strategy
-        = MakeEventThreadObject<LastAddedElementMemoryStrategy>("id", R"({"limit":4})", entry);
-    for (quint64 index = 0; index < 35; ++index) {
-        QCOMPARE(strategy->evaluate(run->element(entry, index)->getUuid()),
-                 qint32(index >= 31 ? MemoryStrategyInterface::Keep : MemoryStrategyInterface::Unload));
-    }
 }
 
 void MemoryStrategyTest::aTimeRangeMovesWithTheEntry()
@@ -211,22 +193,6 @@ void MemoryStrategyTest::installsOnceAndRemoves()
     QTRY_COMPARE(loaded(), QList<int>{3});
 }
 
-void MemoryStrategyTest::aRemovedEntryIsListedNoMore()
-{
-    const auto list = RunningRepository::provider().getListPattern("names", "memory_strategy");
-    QVERIFY(strategies()->installMemoryStrategy("last", QString()));
-    QVERIFY(list->hasElement(entry->getUuid()));
-    QVERIFY(run->remove(entry));
-    QVERIFY(!list->hasElement(entry->getUuid()));
-
-    const LogCapture log;
-    QVERIFY(!strategies()->installMemoryStrategy("last", QString())); // by someone who still holds it
-    QCOMPARE(log.lines(),
-             QStringList("WARNING EntryMemoryStrategyProvider::installMemoryStrategy() failed to install "
-                         "strategy=last invalid entry"));
-    QVERIFY(!list->hasElement(entry->getUuid()));
-}
-
 void MemoryStrategyTest::aStrategyThatThrowsDecidesNothing()
 {
     auto *const repository = MemoryStrategyRepository::getInstance();
@@ -250,19 +216,6 @@ void MemoryStrategyTest::aStrategyThatThrowsDecidesNothing()
     QVERIFY(log.lines().filter("CRITICAL MemoryStrategy::run() catched exception").size() >= 4);
     repository->unregisterProduct("throwing");
     repository->unregisterProduct("unmade");
-}
-
-void MemoryStrategyTest::withoutElementsOrEntryThereIsNoDecision()
-{
-    const auto repository = MemoryStrategyRepository::getInstance();
-    for (const QString &type : {QStringLiteral("last"), QStringLiteral("time")}) {
-        const auto strategy = repository->createMemoryStrategy(
-            type, "id", type == "last" ? QString() : R"({"from":{"value":1},"to":{"value":2}})", entry);
-        QCOMPARE(strategy->getType(), type);
-        QCOMPARE(strategy->evaluate("any"), qint32(MemoryStrategyInterface::NoDecision));
-        const auto orphan = repository->createMemoryStrategy(type, "id", QString(), {});
-        QCOMPARE(orphan->evaluate("any"), qint32(MemoryStrategyInterface::NoDecision));
-    }
 }
 
 void MemoryStrategyTest::theFirstPatternThatMatchesGivesTheType()
