@@ -88,9 +88,7 @@ private Q_SLOTS:
         QCOMPARE(limitOf(limits<long long>(1e30, 2e30, true)),
                  QVariant(std::numeric_limits<long long>::max()));
         QCOMPARE(limitOf(limits<long long>(std::nan(""), 5, true)), QVariant(0LL));
-        QCOMPARE(limitOf(limits<short>(2.9, 9, true)).value<short>(), short(2));
         QCOMPARE(limitOf(limits<float>(0.1, 9, true)).value<float>(), 0.1f);
-        QCOMPARE(limitOf(limits<double>(0.1, 9, true)), QVariant(0.1));
         const auto whole = MakeNode<LimitsValidation<short>>("s"); // without limits of its own
         QVERIFY(whole->addChild(MakeNode<Attribute>("Clipping", "true"), nullptr));
         for (const short limit : {short(32767), short(-32768)})
@@ -141,32 +139,6 @@ private Q_SLOTS:
         QCOMPARE(validation->getNumberOfChildren(), quint64(3));
         QVariant value(-128);
         QCOMPARE(validation->validate(nullptr, value), ValidationResult::Valid);
-    }
-
-    void keepsTheOrderOfAdding()
-    {
-        utils::ValidationContainer container;
-        QVERIFY(container.getValidations().isEmpty());
-        QVERIFY(!container.hasValidation(QString()) && !container.removeValidation(QString()));
-        QVERIFY(!container.addValidation(nullptr));
-        QStringList ids;
-        for (int i = 20; i > 0; --i) {
-            ids.append(QString::number(i));
-            QVERIFY(container.addValidation(MakeNode<LimitsValidation<int>>(ids.last())));
-        }
-        const auto first = container.getValidations().first();
-        QVERIFY(!container.addValidation(MakeNode<LimitsValidation<int>>(ids.first())));
-        QCOMPARE(container.getValidations().first(), first);
-
-        QVERIFY(container.removeValidation("7"_s));
-        QVERIFY(!container.removeValidation("7"_s));
-        ids.removeAll("7"_s);
-        QCOMPARE(container.getValidationIds(), ids);
-        QVERIFY(container.hasValidation("8"_s) && !container.hasValidation("7"_s));
-        QStringList listed;
-        for (const auto &validation : container.getValidations())
-            listed.append(validation->getValidationId());
-        QCOMPARE(listed, ids);
     }
 
     void threadsThatAddAtOnceShareOneList()
