@@ -5,7 +5,6 @@
 #include <appconfig/utils/AttributesQueryProvider.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
 #include <notification/RepositoryLocks.h>
-#include <notification/utils/PoolWait.h>
 #include <shared/hierarchy/HierarchyNodeLink.h>
 
 #include <QtTest>
@@ -156,20 +155,6 @@ private Q_SLOTS:
         QVERIFY(root->findChildByRelativePath("a.b.link")
                     ->addChild(Notification::utils::MakeNode<PlainNode>("child"_s)));
         QVERIFY(target->hasChild("child"));
-    }
-
-    void payloadsOfOtherTypesStartNothing()
-    {
-        RunningRepository run;
-        auto &provider = run.provider();
-        QVERIFY(!provider.getThreadPool().startCreateTask(provider.getRoot(), "a", QVariant(1),
-                                                          CreatePoint::Done));
-        const Attributes::AttributesCreateData list{AttributeCreateData("l.a", holding(1)),
-                                                    AttributeCreateData("l.b", holding(2))};
-        const auto observer = provider.getThreadPool().startCreateTask(
-            provider.getRoot(), {}, QVariant::fromValue(list), CreatePoint::Done);
-        QVERIFY(Notification::utils::WaitForSuccess(provider.getThreadPool(), observer));
-        QVERIFY(provider.getQueryProvider()->getAttribute("l.b"));
     }
 };
 
