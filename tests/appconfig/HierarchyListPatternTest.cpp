@@ -95,26 +95,6 @@ private Q_SLOTS:
         QVERIFY(!tree.list->hasValue());
     }
 
-    void failedAddition()
-    {
-        // A list that takes no children: the failure shows in the log alone.
-        class FullList : public HierarchyListPattern
-        {
-        public:
-            using HierarchyListPattern::HierarchyListPattern;
-            bool addChild(const std::shared_ptr<HierarchyNode> &, quint64 *) override { return false; }
-        };
-        AttributeTree tree;
-        const auto list = MakeNode<FullList>(&tree.pool, "full"_s);
-        tree.root->addChild(list);
-        const TestSupport::LogCapture log;
-        QVERIFY(list->addElementToList("a"_s, 1, false));
-        QCOMPARE(
-            log.lines(),
-            QStringList{
-                "WARNING HierarchyListPattern::addElementToList() failed to add list entry a to the list full"_s});
-    }
-
     void removalAndAdditionAtOnce()
     {
         ListInTree tree;
