@@ -50,10 +50,7 @@ class StorageImplementationTest : public QObject
 
 private Q_SLOTS:
     void updatesGoThroughTheKeysInOrderUntilOneFails();
-    void anEmptyUpdateCallsNothing();
-    void theFactsOfAStorage();
     void aMediumThatThrowsHasNoEntryTypes();
-    void theTwinFailsInTheCallThatWasAskedFor();
 };
 
 void StorageImplementationTest::updatesGoThroughTheKeysInOrderUntilOneFails()
@@ -73,32 +70,6 @@ void StorageImplementationTest::updatesGoThroughTheKeysInOrderUntilOneFails()
     QCOMPARE(medium.updated.mid(3), all.mid(0, 2));
 }
 
-void StorageImplementationTest::anEmptyUpdateCallsNothing()
-{
-    DefaultUpdates medium;
-    QVERIFY(medium.updateElement(QStringLiteral("entry"), QStringLiteral("element"), ElementUpdateData()));
-    QVERIFY(medium.updated.isEmpty());
-}
-
-void StorageImplementationTest::theFactsOfAStorage()
-{
-    const auto provider = MakeProvider(StorageTwin::Make());
-    QCOMPARE(provider->getName(), QStringLiteral("name"));
-    QCOMPARE(provider->getType(), QStringLiteral("twin"));
-    QVERIFY(!provider->getId().isEmpty() && provider->getId() != provider->getName());
-    QCOMPARE(provider->getEntryTypes(), QStringList{QStringLiteral("twin")});
-
-    QVERIFY(!provider->setLabel(QString()));
-    QCOMPARE(provider->getLabel(), QStringLiteral("label"));
-    QVERIFY(provider->setLabel(QStringLiteral("other")));
-    QCOMPARE(provider->getLabel(), QStringLiteral("other"));
-
-    QCOMPARE(provider->getLoadStatus(), LoadStatus::NotLoaded);
-    QVERIFY(provider->setLoadStatus(LoadStatus::Loaded));
-    QVERIFY(!provider->setLoadStatus(LoadStatus::Unknown));
-    QCOMPARE(provider->getLoadStatus(), LoadStatus::Loaded);
-}
-
 void StorageImplementationTest::aMediumThatThrowsHasNoEntryTypes()
 {
     const auto twin = StorageTwin::Make();
@@ -110,29 +81,6 @@ void StorageImplementationTest::aMediumThatThrowsHasNoEntryTypes()
         QCOMPARE(log.lines().size(), 1);
         QVERIFY(log.lines().constFirst().startsWith(QLatin1String("CRITICAL StorageInterfaceProvider")));
     }
-}
-
-void StorageImplementationTest::theTwinFailsInTheCallThatWasAskedFor()
-{
-    const auto twin = StorageTwin::Make();
-    const QString entry = QStringLiteral("entry");
-    QVERIFY(twin->connectStorage());
-    twin->arrange(Operation::SerializeEntry, Fault::Fail, 2);
-    QVERIFY(twin->serializeEntry(entry, {}));
-    QVERIFY(!twin->serializeEntry(QStringLiteral("second"), {}));
-    QVERIFY(twin->serializeEntry(QStringLiteral("third"), {}));
-    QHash<QString, StorageTwin::EntryRecord> entries;
-    QCOMPARE(twin->getEntries(entries), quint64(2));
-
-    twin->arrange(Operation::RemoveEntry, Fault::Hang);
-    std::unique_ptr<QThread> remover(QThread::create([&] { twin->removeEntry(entry); }));
-    remover->start();
-    QTRY_COMPARE(twin->hanging(), 1);
-    StorageTwin::EntryRecord record;
-    QVERIFY(twin->deserializeEntry(entry, record));
-    twin->release();
-    QVERIFY(remover->wait(StorageTwin::Patience));
-    QVERIFY(!twin->deserializeEntry(entry, record));
 }
 
 QTEST_GUILESS_MAIN(StorageImplementationTest)
