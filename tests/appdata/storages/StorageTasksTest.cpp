@@ -80,8 +80,6 @@ private Q_SLOTS:
         twin.reset();
     }
 
-    void aStorageIsFoundByItsName();
-    void aTakenNameIsRefusedSilently();
     void ofTwoAddsOfOneNameOneWins();
     void aFailureLeavesNothing_data();
     void aFailureLeavesNothing();
@@ -92,34 +90,6 @@ private Q_SLOTS:
     void aRemovalTakesTheEntriesAlong();
     void aRemovalLeavesTheClassificationOfItsName();
 };
-
-void StorageTasksTest::aStorageIsFoundByItsName()
-{
-    QVERIFY(add("disk", createData(twin)));
-    const auto storage = FindStorage("disk");
-    QVERIFY(storage);
-    QCOMPARE(storage->getName(), QStringLiteral("disk")); // the key is the name
-    QCOMPARE(storage->getLoadStatus(), LoadStatus::Loaded);
-    QVERIFY(twin->isConnected());
-    const auto link = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
-        root()->getChildById("disk"));
-    QVariant target;
-    QVERIFY(link && link->getValue(target, QMetaType::QString));
-    QCOMPARE(target.toString(), storage->getId());
-    QTRY_COMPARE(shownStatus(storage->getId()), QStringLiteral("loaded"));
-}
-
-void StorageTasksTest::aTakenNameIsRefusedSilently()
-{
-    QVERIFY(add("disk", createData(twin)));
-    const auto first = FindStorage("disk");
-    const LogCapture log;
-    const auto second = StorageTwin::Make();
-    QVERIFY(!add("disk", createData(second)));
-    QVERIFY(log.lines().filter("StorageCreateTask").isEmpty());
-    QCOMPARE(FindStorage("disk"), first);
-    QVERIFY(!second->isConnected());
-}
 
 void StorageTasksTest::ofTwoAddsOfOneNameOneWins()
 {
