@@ -41,7 +41,6 @@ private Q_SLOTS:
     void cleanup() { run.reset(); }
 
     void lastStatusIsShown();
-    void statusOfZeroIsRefused();
     void nothingStaysOfARemovedEntry();
 };
 
@@ -58,14 +57,6 @@ void LoadStatusMirrorTest::lastStatusIsShown()
         QVERIFY(entry->setLoadStatus(last));
         QTRY_COMPARE(shown("uuid"), ConvertDataEntryLoadStatusToString(last));
     }
-}
-
-void LoadStatusMirrorTest::statusOfZeroIsRefused()
-{
-    const auto entry = hangIn("uuid");
-    QVERIFY(!entry->setLoadStatus(LoadStatus::Unknown));
-    QCOMPARE(entry->getLoadStatus(), LoadStatus::NotLoaded);
-    QTRY_COMPARE(shown("uuid"), QString("not_loaded"));
 }
 
 void LoadStatusMirrorTest::nothingStaysOfARemovedEntry()
