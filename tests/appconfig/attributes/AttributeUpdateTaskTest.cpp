@@ -68,18 +68,6 @@ private Q_SLOTS:
         QCOMPARE(tree.value("a"_s), QVariant(1));
     }
 
-    void nodeGone()
-    {
-        AttributeTree tree;
-        const Reports gone{{UpdatePoint::Check, UpdateResult::NodeGone}};
-        const auto held = tree.add("a"_s, 1);
-        held->markForDeletion();
-        QCOMPARE(update(tree, held, 2), gone);
-        QCOMPARE(update(tree, {}, 2), gone);
-        AttributeUpdateTask noAttribute(nullptr, tree.root, 2, UpdatePoint::Done);
-        QCOMPARE(TestSupport::RunAndRecord(noAttribute), gone);
-    }
-
     void nodeGoneInTheMiddle()
     {
         AttributeTree tree;
