@@ -75,68 +75,47 @@ private Q_SLOTS:
             QVERIFY2(!LogSegments::Exists(key), "a segment was left behind");
     }
 
-    void linesOnStandardError()
+    void whatAProcessSaysAndHowItEnds_data()
     {
-        const Outcome outcome = Run("lines"_s);
-        QCOMPARE(outcome.exitCode, 0);
-        QCOMPARE(outcome.lines, "[TESSELLUM LOG] text \u00e4\n[ WARNING] bare\n[CORE WARNING] named\n"_s);
+        QTest::addColumn<int>("exitCode"); // of a crash: the signal, negative
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("lines");
+        const auto row = [](const char *scenario, int exitCode, const QString &output, const QString &lines) {
+            QTest::newRow(scenario) << exitCode << output << lines;
+        };
+        row("lines", 0, {}, "[TESSELLUM LOG] text \u00e4\n[ WARNING] bare\n[CORE WARNING] named\n");
+        row("fatal", -SIGABRT, "Tessellum/FATAL/fatal text\n"_s.repeated(2),
+            "[TESSELLUM FATAL] fatal text\n");
+        row("fatal inside a filter", -SIGABRT, {}, "[TESSELLUM FATAL] from a filter\n");
+        row("qt messages", 0, "/WARNING/a warning\n/LOG/a critical message\n",
+            "[ WARNING] a warning\n[ LOG] a critical message\n");
+        row("own qt handler", 0, "own: a warning\n", {});
+        row("exit", 0, "Tessellum/LOG/in time\nTessellum/WARNING/at exit\nclosed\n",
+            "[TESSELLUM LOG] in time\n[TESSELLUM WARNING] at exit\ntoo late for Qt's messages\n");
+        row("exit inside a filter", 7, {}, {});
+        row("closed pipe", 0, "alive\n", {});
+        row("no use", 0, {}, {});
+        const QString text = "[TESSELLUM LOG] text\n";
+        for (const char *records : {"unmapped records", "misaligned records", "records of a dead namesake"})
+            row(records, 0, "Tessellum/LOG/text\n", text);
+        row("records of another kind", 0, {}, text);
+        row("small segments", 0, {}, text);
     }
 
-    void aFatalMessageAbortsAfterTheSinks()
+    void whatAProcessSaysAndHowItEnds()
     {
-        const Outcome outcome = Run("fatal"_s);
-        QVERIFY(outcome.crashed);
-        QCOMPARE(outcome.exitCode, SIGABRT);
-        QCOMPARE(outcome.output, "Tessellum/FATAL/fatal text\n"_s.repeated(2));
-        QCOMPARE(outcome.lines, "[TESSELLUM FATAL] fatal text\n"_s);
-
-        // What it left does not harm the next one, who takes it away.
-        QCOMPARE(Run("lines"_s).exitCode, 0);
-        LogSegments::RemoveAll();
+        QFETCH(int, exitCode);
+        const Outcome outcome = Run(QString::fromLatin1(QTest::currentDataTag()));
+        QCOMPARE(outcome.crashed, exitCode < 0);
+        QCOMPARE(outcome.exitCode, qAbs(exitCode));
+        QTEST(outcome.output, "output");
+        QTEST(outcome.lines, "lines");
+        if (exitCode < 0) {
+            // What it left does not harm the next one, who takes it away.
+            QCOMPARE(Run("lines"_s).exitCode, 0);
+            LogSegments::RemoveAll();
+        }
     }
-
-    void aFatalMessageOfAFilterAbortsAtOnce()
-    {
-        const Outcome outcome = Run("fatal inside a filter"_s);
-        QVERIFY(outcome.crashed);
-        QCOMPARE(outcome.output, QString());
-        QCOMPARE(outcome.lines, "[TESSELLUM FATAL] from a filter\n"_s);
-        QCOMPARE(Run("lines"_s).exitCode, 0); // the section is free again
-        LogSegments::RemoveAll();
-    }
-
-    void messagesOfQt()
-    {
-        const Outcome outcome = Run("qt messages"_s);
-        QCOMPARE(outcome.lines, "[ WARNING] a warning\n[ LOG] a critical message\n"_s);
-        QCOMPARE(outcome.output, "/WARNING/a warning\n/LOG/a critical message\n"_s);
-    }
-
-    void anOwnQtHandlerStays()
-    {
-        const Outcome outcome = Run("own qt handler"_s);
-        QCOMPARE(outcome.lines, QString());
-        QCOMPARE(outcome.output, "own: a warning\n"_s);
-    }
-
-    void theLogClosesLast()
-    {
-        const Outcome outcome = Run("exit"_s);
-        QCOMPARE(outcome.exitCode, 0);
-        QCOMPARE(outcome.output, "Tessellum/LOG/in time\nTessellum/WARNING/at exit\nclosed\n"_s);
-        QVERIFY(!outcome.lines.contains("[TESSELLUM CRITICAL]"_s));
-    }
-
-    void exitInsideAFilter()
-    {
-        const Outcome outcome = Run("exit inside a filter"_s);
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(outcome.exitCode, 7);
-    }
-
-    void aClosedPipeDoesNotKill() { QCOMPARE(Run("closed pipe"_s).output, "alive\n"_s); }
-
-    void noUseNoObjects() { QCOMPARE(Run("no use"_s).exitCode, 0); }
 
     void aProcessKilledInsideTheSectionLetsOthersOn()
     {
@@ -194,30 +173,6 @@ private Q_SLOTS:
             child->closeWriteChannel();
             QCOMPARE(Finish(*child).output, "ready\nTessellum/LOG/after the wait\n"_s);
         }
-    }
-
-    void recordsWithoutProofAreNotFollowed_data()
-    {
-        QTest::addColumn<QString>("sinkOutput");
-        for (const char *records : {"unmapped records", "misaligned records", "records of a dead namesake"})
-            QTest::newRow(records) << "Tessellum/LOG/text\n";
-        QTest::newRow("records of another kind") << "";
-    }
-
-    void recordsWithoutProofAreNotFollowed()
-    {
-        QFETCH(QString, sinkOutput);
-        const Outcome outcome = Run(QString::fromLatin1(QTest::currentDataTag()));
-        QCOMPARE(outcome.exitCode, 0);
-        QCOMPARE(outcome.output, sinkOutput);
-        QCOMPARE(outcome.lines, "[TESSELLUM LOG] text\n"_s);
-    }
-
-    void withoutSegmentsLinesAreLeft()
-    {
-        const Outcome outcome = Run("small segments"_s);
-        QCOMPARE(outcome.exitCode, 0);
-        QCOMPARE(outcome.lines, "[TESSELLUM LOG] text\n"_s);
     }
 
     void anotherUsersObjectsDoNotSilence()
