@@ -1,23 +1,13 @@
-#include "core/StressWorker.h"
-#include "support/Watchdog.h"
+#include "core/StressRuns.h"
 
 #include <appconfig/utils/RepositoryProvider.h>
-#include <core/Library.h>
 #include <notification/NotificationThreadPool.h>
-#include <shared/logging/LogHandler.h>
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <support/Literals.h>
 
 using namespace Tessellum;
-
-namespace {
-
-constexpr int workerCount = 8;
-
-} // namespace
 
 /*! Eight threads do everything at once, with starts and stops in between; nothing hangs and nothing is lost.
  */
@@ -32,51 +22,19 @@ private Q_SLOTS:
         limits.write("[not_negative]\nType=limit_double\nMinimum=0\n");
         limits.close();
 
-        // Each refused update says so.
-        Shared::Logging::LogHandler::SetLogLevel(Shared::Logging::LogMessageType::critical);
-        TestSupport::Watchdog watchdog;
-        StressGate gate(workerCount);
-        for (int i = 0; i < workerCount; ++i)
+        StressGate gate(stressWorkerCount);
+        for (int i = 0; i < stressWorkerCount; ++i)
             workers.append(std::make_shared<StressWorker>(i, gate, record));
-        const auto joinWorkers = qScopeGuard([&] {
-            gate.end();
-            for (const auto &worker : qAsConst(workers))
-                worker->wait();
-            workers.clear();
-            uninitializeLibrary();
-        });
-        for (const auto &worker : qAsConst(workers))
-            worker->start();
-        gate.close();
-
-        QElapsedTimer passed;
-        passed.start();
-        int runs = 0;
+        const auto dropWorkers = qScopeGuard([this] { workers.clear(); });
         int operations = 0;
         int heard = 0;
-        while (passed.elapsed() < TestSupport::StressSeconds() * 1000) {
-            QVERIFY(startRun());
-            record.clear();
-            StressWorker::stopping = false;
-            watchdog.progress("start");
-            gate.open();
-            QTest::qWait(400); // the length of a run, not a wait for a condition
-            gate.close();
-            watchdog.progress("work");
-            compare();
-            if (QTest::currentTestFailed())
-                return;
-            operations += record.operationCount();
-            heard += record.heardCount();
-            // The stop comes in the middle of the next operations.
-            StressWorker::stopping = true;
-            gate.open();
-            QCOMPARE(uninitializeLibrary(), 1);
-            gate.close();
-            watchdog.progress("stop");
-            ++runs;
-        }
-        qInfo("%d runs, %d acknowledged operations, %d notifications", runs, operations, heard);
+        RunStress(
+            gate, workers, [this] { return startRun(); },
+            [&] {
+                compare();
+                operations += record.operationCount();
+                heard += record.heardCount();
+            });
         QVERIFY(operations > 0 && heard > 0);
     }
 
@@ -89,8 +47,6 @@ private:
         QVERIFY(provider->getThreadPool().waitForDone(60000));
         QVERIFY(Notification::NotificationThreadPool().waitForDone(60000));
         QCOMPARE(record.findDifference(), QString());
-        for (const auto &worker : qAsConst(workers))
-            QCOMPARE(worker->findDifference(), QString());
         for (const auto &[names, list] : provider->getListPatterns()) {
             QVariant text;
             list->getValue(text, 0);
@@ -105,8 +61,7 @@ private:
 
 bool StressTest::startRun()
 {
-    if (initializeLibrary() != 0)
-        return false;
+    record.clear();
     const auto repository = getCoreInterface()->getAppConfigRepository();
     const auto backends = repository->getBackendInterface();
     AppConfig::Backends::BackendCreateDataDetails file;
