@@ -26,27 +26,31 @@ private:
                               const QString &element, LoadDataHint hint = LoadDataHint::LoadAtOnce);
     static quint64 stampOf(const ElementValues &values);
 
+    void keepsEntries();
+    void keepsElements();
+    void changesElements();
+    void answersTheUnknown();
+    void removesEntries();
+    void answersWhileClosed();
+    void keepsWhatManyThreadsWrite();
+
     QTemporaryDir folder;
     PostgresServer server;
     int made = 0;
+    const std::vector<std::pair<const char *, void (StorageContractTest::*)()>> rules{
+        {"keepsEntries", &StorageContractTest::keepsEntries},
+        {"keepsElements", &StorageContractTest::keepsElements},
+        {"changesElements", &StorageContractTest::changesElements},
+        {"answersTheUnknown", &StorageContractTest::answersTheUnknown},
+        {"removesEntries", &StorageContractTest::removesEntries},
+        {"answersWhileClosed", &StorageContractTest::answersWhileClosed},
+        {"keepsWhatManyThreadsWrite", &StorageContractTest::keepsWhatManyThreadsWrite},
+    };
 
 private Q_SLOTS:
     void initTestCase();
-
-    void keepsEntries_data();
-    void keepsEntries();
-    void keepsElements_data();
-    void keepsElements();
-    void changesElements_data();
-    void changesElements();
-    void answersTheUnknown_data();
-    void answersTheUnknown();
-    void removesEntries_data();
-    void removesEntries();
-    void answersWhileClosed_data();
-    void answersWhileClosed();
-    void keepsWhatManyThreadsWrite_data();
-    void keepsWhatManyThreadsWrite();
+    void contract_data();
+    void contract();
 };
 
 void StorageContractTest::initTestCase()
@@ -55,20 +59,31 @@ void StorageContractTest::initTestCase()
     QVERIFY(server.start());
 }
 
-void StorageContractTest::keepsEntries_data()
+void StorageContractTest::contract_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("rule");
+    for (int rule = 0; rule < int(rules.size()); ++rule) {
+        const auto row = [&](const QString &type, const QString &plugin, int mode) {
+            QTest::addRow("%s, mode %d: %s", qPrintable(type), mode, rules[size_t(rule)].first)
+                << type << plugin << mode << rule;
+        };
+        row("twin", QString(), 0);
+        row("memory", MEMORY_PLUGIN, 0);
+        row("volatile", MEMORY_PLUGIN, 0);
+        row("sqlite", SQLITE_PLUGIN, 0);
+        row("SQLite", SQLITE_PLUGIN, 1);
+        row("postgresql", POSTGRESQL_PLUGIN, 0);
+        row("PostgreSQL", POSTGRESQL_PLUGIN, 1);
+    }
+}
 
-    QTest::newRow("twin") << QStringLiteral("twin") << QString() << 0;
-    QTest::newRow("memory") << QStringLiteral("memory") << QStringLiteral(MEMORY_PLUGIN) << 0;
-    QTest::newRow("volatile") << QStringLiteral("volatile") << QStringLiteral(MEMORY_PLUGIN) << 0;
-    QTest::newRow("sqlite") << QStringLiteral("sqlite") << QStringLiteral(SQLITE_PLUGIN) << 0;
-    QTest::newRow("SQLite, synchronous") << QStringLiteral("SQLite") << QStringLiteral(SQLITE_PLUGIN) << 1;
-    QTest::newRow("postgresql") << QStringLiteral("postgresql") << QStringLiteral(POSTGRESQL_PLUGIN) << 0;
-    QTest::newRow("PostgreSQL, synchronous")
-        << QStringLiteral("PostgreSQL") << QStringLiteral(POSTGRESQL_PLUGIN) << 1;
+void StorageContractTest::contract()
+{
+    QFETCH(int, rule);
+    (this->*rules[size_t(rule)].second)();
 }
 
 // With nothing in it.
@@ -138,11 +153,6 @@ void StorageContractTest::keepsEntries()
     }
 }
 
-void StorageContractTest::keepsElements_data()
-{
-    keepsEntries_data();
-}
-
 void StorageContractTest::keepsElements()
 {
     const auto storage = open();
@@ -193,11 +203,6 @@ void StorageContractTest::keepsElements()
     }
 }
 
-void StorageContractTest::changesElements_data()
-{
-    keepsEntries_data();
-}
-
 void StorageContractTest::changesElements()
 {
     const auto storage = open();
@@ -227,11 +232,6 @@ void StorageContractTest::changesElements()
     }
 }
 
-void StorageContractTest::answersTheUnknown_data()
-{
-    keepsEntries_data();
-}
-
 void StorageContractTest::answersTheUnknown()
 {
     const auto storage = open();
@@ -254,11 +254,6 @@ void StorageContractTest::answersTheUnknown()
     QVERIFY(!storage->updateElement(entry, Uuid(), Values(1, "x")));
     QVERIFY(!storage->updateElementValue(Uuid(), Uuid(), DataElementUpdateType::Active, true));
     QCOMPARE(log.lines(), QStringList());
-}
-
-void StorageContractTest::removesEntries_data()
-{
-    keepsEntries_data();
 }
 
 void StorageContractTest::removesEntries()
@@ -288,11 +283,6 @@ void StorageContractTest::removesEntries()
     }
 }
 
-void StorageContractTest::answersWhileClosed_data()
-{
-    keepsEntries_data();
-}
-
 void StorageContractTest::answersWhileClosed()
 {
     const auto storage = make();
@@ -305,11 +295,6 @@ void StorageContractTest::answersWhileClosed()
     QVERIFY(storage->connectStorage());
     QVERIFY(storage->isConnected());
     QCOMPARE(storage->getEntries(entries), quint64(0));
-}
-
-void StorageContractTest::keepsWhatManyThreadsWrite_data()
-{
-    keepsEntries_data();
 }
 
 void StorageContractTest::keepsWhatManyThreadsWrite()
