@@ -3,8 +3,12 @@
 
 #include <appdata/storages/StorageTypes.h>
 
+#include <QLibrary>
+#include <QSqlDriver>
 #include <QUrl>
 #include <QUrlQuery>
+
+#include <algorithm>
 
 namespace Tessellum::Plugins::Sql {
 
@@ -13,6 +17,8 @@ using namespace AppData::Storages;
 namespace {
 
 constexpr int QueueLimit = 100000;
+constexpr int Patience = 60; // seconds
+constexpr int ConnectPatience = 5; // seconds
 // So that two processes do not make the tables at the same time; any number that others hardly use.
 constexpr qint64 TablesLock = 7305804418541877;
 
@@ -35,6 +41,13 @@ QString FoundElement()
                           "(SELECT id FROM tessellum_entries WHERE uuid = ?) AND uuid = ?) f");
 }
 
+// A number above 0 in the location, or \a otherwise.
+int Setting(const QVariant &location, const QString &key, int otherwise)
+{
+    const int number = QUrlQuery(location.toUrl()).queryItemValue(key).toInt();
+    return number > 0 ? number : otherwise;
+}
+
 } // namespace
 
 QString PostgresqlDialect::driver() const
@@ -44,8 +57,7 @@ QString PostgresqlDialect::driver() const
 
 int PostgresqlDialect::queueLimit(const QVariant &location) const
 {
-    const int limit = QUrlQuery(location.toUrl()).queryItemValue(QStringLiteral("waiting")).toInt();
-    return limit > 0 ? limit : QueueLimit;
+    return Setting(location, QStringLiteral("waiting"), QueueLimit);
 }
 
 QString PostgresqlDialect::describe(const QVariant &location) const
@@ -69,9 +81,10 @@ bool PostgresqlDialect::configure(QSqlDatabase &database, const QVariant &locati
     database.setDatabaseName(name);
     database.setUserName(url.userName(QUrl::FullyDecoded));
     database.setPassword(url.password(QUrl::FullyDecoded));
-    // A server that does not answer ends a wait after these seconds and milliseconds.
-    database.setConnectOptions(QStringLiteral("connect_timeout=5;tcp_user_timeout=10000;keepalives_idle=10;"
-                                              "application_name=tessellum"));
+    // A network that does not answer ends a wait after these seconds and milliseconds.
+    database.setConnectOptions(QStringLiteral("connect_timeout=%1;tcp_user_timeout=10000;keepalives_idle=10;"
+                                              "application_name=tessellum")
+                                   .arg(std::min(patience(location), ConnectPatience)));
     return true;
 }
 
@@ -119,6 +132,23 @@ QStringList PostgresqlDialect::tableStatements() const
                 "entry bigint NOT NULL REFERENCES tessellum_entries (id) ON DELETE CASCADE, "
                 "uuid text NOT NULL, active smallint, stamp bigint, raw bytea, UNIQUE (entry, uuid))"),
             QStringLiteral("CREATE INDEX tessellum_elements_by_stamp ON tessellum_elements (entry, stamp)")};
+}
+
+int PostgresqlDialect::patience(const QVariant &location) const
+{
+    return Setting(location, QStringLiteral("timeout"), Patience);
+}
+
+int PostgresqlDialect::socket(const QSqlDatabase &database) const
+{
+    // Of the client library that the driver brings along; it is asked for this alone.
+    using SocketFunction = int (*)(const void *);
+    static const auto socketOf
+        = reinterpret_cast<SocketFunction>(QLibrary::resolve(QStringLiteral("pq"), 5, "PQsocket"));
+    const QVariant handle = database.driver()->handle();
+    if (!socketOf || qstrcmp(handle.typeName(), "PGconn*") != 0)
+        return -1;
+    return socketOf(*static_cast<void *const *>(handle.constData()));
 }
 
 bool PostgresqlDialect::isOutage(const QSqlError &error) const

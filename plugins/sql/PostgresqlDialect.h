@@ -11,7 +11,8 @@ namespace Tessellum::Plugins::Sql {
  *     postgresql://user@/database?host=/folder/of/the/socket
  *
  * with the schema "public" where none is told; it is made where it is not there. "waiting" is the most writes
- * that wait while the server is away.
+ * that wait while the server is away, "timeout" the seconds (60) after which one that gives no answer is
+ * taken to be away.
  *
  * Elements are found by an index on the server, and whatever is written is told by uuids: other processes
  * may remove and make entries at any time.
@@ -29,6 +30,8 @@ public:
     bool hasTables(SqlConnection &connection, bool &found) const override;
     QStringList tableStatements() const override;
     QString beginStatement() const override { return QStringLiteral("BEGIN"); }
+    int patience(const QVariant &location) const override;
+    int socket(const QSqlDatabase &database) const override;
     bool isOutage(const QSqlError &error) const override;
     bool needsReconnect(SqlConnection &connection) const override;
     /*! No text with a null character. */

@@ -9,6 +9,7 @@ namespace {
 
 // A statement is ended before it grows beyond this many characters.
 constexpr int StatementSize = 8 << 20;
+constexpr int RemovedAtOnce = 50000;
 
 // The session has standard strings, in which the quote alone is special.
 QString Quoted(QString text)
@@ -35,8 +36,7 @@ public:
         case Write::Kind::PutEntry:
             return flush() && SqlDialect::putEntry(connection, write);
         case Write::Kind::RemoveEntry:
-            // Its elements go with it.
-            return flush()
+            return flush() && removeElements(write.entry)
                 && connection.run(QStringLiteral("DELETE FROM tessellum_entries WHERE uuid = ?"),
                                   {write.entry});
         case Write::Kind::PutElement:
@@ -81,6 +81,22 @@ private:
             row = {write.entry, write.element, true, write.fields};
         else
             row.fields.merge(write.fields);
+    }
+
+    // A part at a time, so that the server answers in time however many there are.
+    bool removeElements(const QString &entry)
+    {
+        const QString statement
+            = QStringLiteral("DELETE FROM tessellum_elements WHERE id IN (SELECT t.id FROM "
+                             "tessellum_elements t JOIN tessellum_entries e ON e.id = t.entry "
+                             "WHERE e.uuid = %1 LIMIT %2)")
+                  .arg(Quoted(entry))
+                  .arg(RemovedAtOnce);
+        int affected = 0;
+        do {
+            affected = connection.runOnce(statement);
+        } while (affected == RemovedAtOnce);
+        return affected != -1;
     }
 
     // The rows as a table "v" of n, entry, uuid, active, stamp and raw; empty where there are none.

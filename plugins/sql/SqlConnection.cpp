@@ -8,10 +8,20 @@
 
 namespace Tessellum::Plugins::Sql {
 
+namespace {
+
+std::unique_ptr<AnswerWatch> MakeWatch(int seconds)
+{
+    return seconds > 0 ? std::make_unique<AnswerWatch>(std::chrono::seconds(seconds)) : nullptr;
+}
+
+} // namespace
+
 SqlConnection::SqlConnection(const SqlDialect &sqlDialect, const QVariant &mediumLocation)
     : dialect(sqlDialect)
     , location(mediumLocation)
     , name(QStringLiteral("tessellum-") + QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , watch(MakeWatch(sqlDialect.patience(mediumLocation)))
 { }
 
 SqlConnection::~SqlConnection()
@@ -31,18 +41,23 @@ bool SqlConnection::open()
         return fail(reason);
     if (!connection.open())
         return failWith(connection.lastError());
+    if (watch)
+        watch->setSocket(dialect.socket(connection));
     opened = true;
     return true;
 }
 
 void SqlConnection::close()
 {
+    const Waiting waiting(*this); // the server hears of each statement that goes
     statements.clear();
     opened = false;
-    if (!QSqlDatabase::contains(name))
-        return;
-    QSqlDatabase::database(name, false).close();
-    QSqlDatabase::removeDatabase(name);
+    if (QSqlDatabase::contains(name)) {
+        QSqlDatabase::database(name, false).close();
+        QSqlDatabase::removeDatabase(name);
+    }
+    if (watch)
+        watch->setSocket(-1);
 }
 
 QSqlQuery *SqlConnection::run(const QString &statement, const QVariant *values, int count)
@@ -64,8 +79,10 @@ QSqlQuery *SqlConnection::run(const QString &statement, const QVariant *values, 
     }
     for (int position = 0; position < count; ++position)
         query->bindValue(position, values[position]);
-    if (query->exec())
+    if (query->exec()) {
+        answered();
         return &query.value();
+    }
     failWith(query->lastError());
     query->finish();
     return nullptr;
@@ -89,8 +106,10 @@ int SqlConnection::runOnce(const QString &statement)
     }
     QSqlQuery query(database());
     query.setForwardOnly(true);
-    if (query.exec(statement))
+    if (query.exec(statement)) {
+        answered();
         return std::max(0, query.numRowsAffected());
+    }
     failWith(query.lastError());
     return -1;
 }
@@ -132,6 +151,12 @@ bool SqlConnection::fail(const QString &text, bool isOutage)
 {
     error = {text, isOutage};
     return false;
+}
+
+void SqlConnection::answered()
+{
+    if (watch)
+        watch->renew();
 }
 
 bool SqlConnection::failWith(const QSqlError &sqlError)

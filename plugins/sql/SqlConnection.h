@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnswerWatch.h"
 #include "Write.h"
 
 #include <QHash>
@@ -8,6 +9,7 @@
 #include <QVariant>
 
 #include <initializer_list>
+#include <memory>
 
 namespace Tessellum::Plugins::Sql {
 
@@ -25,6 +27,28 @@ public:
     ~SqlConnection();
     SqlConnection(const SqlConnection &) = delete;
     SqlConnection &operator=(const SqlConnection &) = delete;
+
+    /*! While it lives the server is expected to answer in time; what does not come fails. */
+    class Waiting
+    {
+    public:
+        explicit Waiting(const SqlConnection &connection)
+            : watch(connection.watch.get())
+        {
+            if (watch)
+                watch->begin();
+        }
+        ~Waiting()
+        {
+            if (watch)
+                watch->end();
+        }
+        Waiting(const Waiting &) = delete;
+        Waiting &operator=(const Waiting &) = delete;
+
+    private:
+        AnswerWatch *const watch;
+    };
 
     bool open();
     void close();
@@ -55,10 +79,12 @@ public:
 
 private:
     bool failWith(const QSqlError &sqlError);
+    void answered();
 
     const SqlDialect &dialect;
     const QVariant location;
     const QString name;
+    const std::unique_ptr<AnswerWatch> watch; // null where the medium is no server
     bool opened = false;
     QHash<QString, QSqlQuery> statements;
     MediumError error;

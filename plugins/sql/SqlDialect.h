@@ -61,6 +61,10 @@ public:
     virtual QStringList tableStatements() const = 0;
     /*! Begins a transaction that writes. */
     virtual QString beginStatement() const = 0;
+    /*! The seconds that an answer may take; 0 where the medium is no server. */
+    virtual int patience(const QVariant &) const { return 0; }
+    /*! The socket of an open connection to a server; -1 where it cannot be told. */
+    virtual int socket(const QSqlDatabase &) const { return -1; }
     virtual bool isOutage(const QSqlError &error) const = 0;
     /*! Whether the connection has to be made anew after this error. */
     virtual bool needsReconnect(SqlConnection &connection) const = 0;

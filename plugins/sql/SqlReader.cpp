@@ -99,6 +99,7 @@ void SqlReader::work(SqlConnection &connection)
 
 bool SqlReader::runJob(SqlConnection &connection, const Job &job)
 {
+    const SqlConnection::Waiting waiting(connection);
     bool works = false;
     if (connection.isOpen() || reopen(connection)) {
         works = job(connection);
@@ -127,8 +128,10 @@ bool SqlReader::reopen(SqlConnection &connection)
 
 bool SqlReader::openConnection(SqlConnection &connection)
 {
+    const SqlConnection::Waiting waiting(connection);
+    const bool works = connection.open() && dialect.startSession(connection, location, false);
     lastOpening.start();
-    return connection.open() && dialect.startSession(connection, location, false);
+    return works;
 }
 
 // Once an outage.

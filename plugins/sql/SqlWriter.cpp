@@ -49,6 +49,7 @@ void SqlWriter::join()
 
 bool SqlWriter::openMedium(SqlConnection &connection)
 {
+    const SqlConnection::Waiting waiting(connection);
     return connection.open() && medium.dialect.startSession(connection, medium.location, medium.synchronous)
         && PrepareSchema(connection, medium.dialect);
 }
@@ -69,6 +70,7 @@ void SqlWriter::work(SqlConnection &connection)
 
 WriteQueue::Outcome SqlWriter::writeGroup(SqlConnection &connection, const WriteGroup &group)
 {
+    const SqlConnection::Waiting waiting(connection);
     WriteQueue::Outcome outcome;
     if (!connection.isOpen() && !reopen(connection)) {
         outcome.error = connection.lastError();

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void isBoundedWhileAway();
     void keepsLeftoversOfADisconnect();
     void tellsOfAnOutageAtOnce();
+    void endsTheWaitForAServerThatHangs();
     void keepsWhatWasCommitted();
 };
 
@@ -265,6 +266,36 @@ void PostgresqlStorageTest::tellsOfAnOutageAtOnce()
     QVERIFY(server.start());
     QVERIFY(storage->serializeElement(entry, Uuid(), Values(3, "x")));
     QTRY_COMPARE(stamps(storage, entry), (QList<qulonglong>{1, 3}));
+}
+
+void PostgresqlStorageTest::endsTheWaitForAServerThatHangs()
+{
+    const auto storage = make(freshUrl(QStringLiteral("&timeout=1&waiting=10")));
+    const QString entry = Uuid();
+    QVERIFY(storage->connectStorage() && storage->serializeEntry(entry, Record()));
+    QVERIFY(storage->serializeElement(entry, QStringLiteral("first"), Values(0, "x")));
+    QVERIFY(storage->disconnectStorage() && storage->connectStorage());
+    QCOMPARE(stamps(storage, entry), QList<qulonglong>{0}); // the reader has statements prepared
+    server.freeze();
+    QList<qulonglong> expected{0};
+    const auto write = [&] {
+        const quint64 next = expected.last() + 1;
+        const bool taken = storage->serializeElement(entry, Uuid(), Values(next, "x"));
+        if (taken)
+            expected.append(next);
+        return taken;
+    };
+    while (write()) { }
+    EntryRecord record;
+    const bool readWhileFrozen = storage->deserializeEntry(Uuid(), record);
+    const bool disconnected = storage->disconnectStorage();
+    server.freeze(false);
+    QVERIFY(!readWhileFrozen && !disconnected);
+    QCOMPARE(expected.size(), 11);
+    QVERIFY(storage->connectStorage());
+    QTRY_VERIFY_WITH_TIMEOUT(write(), 30000);
+    QVERIFY(storage->disconnectStorage() && storage->connectStorage());
+    QCOMPARE(stamps(storage, entry), expected);
 }
 
 void PostgresqlStorageTest::keepsWhatWasCommitted()

@@ -89,6 +89,16 @@ void PostgresServer::stop(bool hard)
     server.waitForFinished();
 }
 
+void PostgresServer::freeze(bool hang)
+{
+    const QString process = QString::number(server.processId());
+    QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(process));
+    children.open(QIODevice::ReadOnly);
+    const QList<QByteArray> all = children.readAll().simplified().split(' ') << process.toLatin1();
+    for (const QByteArray &each : all)
+        kill(each.toInt(), hang ? SIGSTOP : SIGCONT);
+}
+
 bool PostgresServer::isReady() const
 {
     return QProcess::execute(Program(QStringLiteral("pg_isready")),

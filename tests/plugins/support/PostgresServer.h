@@ -18,6 +18,8 @@ public:
     bool start();
     // \a hard: as a crash of the machine would.
     void stop(bool hard = false);
+    // Lets the server hang, or go on.
+    void freeze(bool hang = true);
     QUrl url(const QString &schema, const QString &more = QString()) const;
     QString folder() const { return directory.path(); }
 
