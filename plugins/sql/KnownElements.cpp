@@ -41,6 +41,25 @@ KnownElements::Place KnownElements::find(const QString &entryUuid, const QString
     return place;
 }
 
+KnownElements::Place KnownElements::findOrAdd(const QString &entryUuid, const QString &elementUuid,
+                                              qint64 fresh)
+{
+    const QMutexLocker lock(&mutex);
+    const auto entry = entries.find(entryUuid);
+    if (entry == entries.end())
+        return Place();
+    if (!entry->complete) {
+        const auto found = entry->elements.constFind(elementUuid);
+        return {entry->id, found == entry->elements.cend() ? std::nullopt : std::optional(found.value()),
+                false};
+    }
+    // One look-up: most elements are new, and the table is large.
+    qint64 &row = entry->elements[elementUuid];
+    if (row == 0)
+        row = fresh;
+    return {entry->id, row, true};
+}
+
 void KnownElements::addElement(const QString &entryUuid, const QString &elementUuid, qint64 id)
 {
     const QMutexLocker lock(&mutex);

@@ -37,6 +37,9 @@ public:
     void addEntry(const QString &uuid, qint64 id, quint64 incarnation, bool complete);
     std::optional<qint64> element(const QString &entryUuid, const QString &elementUuid) const;
     Place find(const QString &entryUuid, const QString &elementUuid) const;
+    /*! As find(), but an element that is neither known nor on the medium is entered with the row \a fresh,
+     * and told so. */
+    Place findOrAdd(const QString &entryUuid, const QString &elementUuid, qint64 fresh);
     void addElement(const QString &entryUuid, const QString &elementUuid, qint64 id);
     /*! All rows of the entry up to now; it is complete then. */
     void addAll(const QString &entryUuid, qint64 id, quint64 incarnation, const std::vector<Row> &rows);

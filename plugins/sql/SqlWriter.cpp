@@ -61,8 +61,10 @@ void SqlWriter::work(SqlConnection &connection)
         if (group.empty())
             return;
         const WriteQueue::Outcome outcome = writeGroup(connection, group);
-        for (size_t index = 0; index < outcome.done; ++index)
-            ahead.invalidate(group[index].entry);
+        for (size_t index = 0; index < outcome.done; ++index) {
+            if (index == 0 || group[index].entry != group[index - 1].entry)
+                ahead.invalidate(group[index].entry);
+        }
         tell(outcome.error);
         queue.finish(outcome);
     }

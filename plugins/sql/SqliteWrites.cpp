@@ -108,26 +108,40 @@ private:
 
     bool putElement(const Write &write, bool &found)
     {
-        qint64 entryId = -1;
-        qint64 row = -1;
-        if (!SqliteDialect::Locate(connection, known, write.entry, write.element, entryId, row))
+        if (nextRow == 0 && !findNextRow())
             return false;
-        found = entryId != -1;
-        if (!found)
-            return true;
+        KnownElements::Place place = known.findOrAdd(write.entry, write.element, nextRow);
+        if (!place.row) {
+            qint64 entryId = -1;
+            qint64 row = -1;
+            if (!SqliteDialect::Locate(connection, known, write.entry, write.element, entryId, row))
+                return false;
+            found = entryId != -1;
+            if (!found)
+                return true;
+            place = known.findOrAdd(write.entry, write.element, nextRow);
+            if (!place.row)
+                return connection.fail(QStringLiteral("the entry changed while it was read"));
+        }
         const ElementFields &fields = write.fields;
-        if (row != -1) {
+        if (*place.row != nextRow) {
             return connection.run(UpdateStatement(true, true, true),
-                                  {ActiveValue(fields), StampValue(fields), RawValue(fields), row});
+                                  {ActiveValue(fields), StampValue(fields), RawValue(fields), *place.row});
         }
         static const QString insert = QStringLiteral(
-            "INSERT INTO tessellum_elements (entry, uuid, active, stamp, raw) VALUES (?, ?, ?, ?, ?)");
-        const QSqlQuery *query = connection.run(
-            insert, {entryId, write.element, ActiveValue(fields), StampValue(fields), RawValue(fields)});
-        if (!query)
-            return false;
-        known.addElement(write.entry, write.element, query->lastInsertId().toLongLong());
-        return true;
+            "INSERT INTO tessellum_elements (id, entry, uuid, active, stamp, raw) VALUES (?, ?, ?, ?, ?, ?)");
+        return connection.run(insert,
+                              {nextRow++, *place.entry, write.element, ActiveValue(fields),
+                               StampValue(fields), RawValue(fields)});
+    }
+
+    // The transaction is the only one that writes. An own number is known before the row is made, and costs
+    // no question afterwards.
+    bool findNextRow()
+    {
+        const QVariant last = connection.value(QStringLiteral("SELECT max(id) FROM tessellum_elements"));
+        nextRow = last.toLongLong() + 1;
+        return !connection.lastError();
     }
 
     bool updateElement(const Write &write, bool &found)
@@ -157,6 +171,7 @@ private:
 
     SqlConnection &connection;
     KnownElements &known;
+    qint64 nextRow = 0; // 0: not asked for yet
 };
 
 } // namespace

@@ -156,20 +156,24 @@ void WriteQueue::fillGroup()
 
 void WriteQueue::finish(const Outcome &outcome)
 {
+    WriteGroup written; // dies after the mutex is left
     const QMutexLocker lock(&mutex);
     ++attempts;
     const bool failed = bool(outcome.error);
     const bool drops = !outcome.dropped.empty() || (failed && policy.synchronous);
     const size_t leaving = failed && policy.synchronous ? group.size() : outcome.done;
     for (size_t index = 0; index < leaving; ++index) {
-        const bool written = index < outcome.done
+        const bool isWritten = index < outcome.done
             && !std::binary_search(outcome.dropped.begin(), outcome.dropped.end(), index);
         bytes -= group[index].bytes();
         if (!drops)
             pending.settle(group[index]);
-        endTicket(group[index], written);
+        endTicket(group[index], isWritten);
     }
-    group.erase(group.begin(), group.begin() + std::ptrdiff_t(leaving));
+    if (leaving == group.size())
+        written.swap(group);
+    else
+        group.erase(group.begin(), group.begin() + std::ptrdiff_t(leaving));
     if (drops)
         rebuildPending();
     if (failed)
