@@ -1,0 +1,147 @@
+#include <appdata/storages/Storage.h>
+#include <appdata/storages/StorageImplementation.h>
+#include <appdata/storages/utils/CallMedium.h>
+#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/utils/RepositoryLookup.h>
+#include <appdata/utils/RepositoryProvider.h>
+#include <shared/logging/FrameworkLog.h>
+
+namespace Tessellum::AppData::Storages::utils {
+
+using AppData::utils::RepositoryProvider;
+using Shared::Logging::FrameworkLog;
+
+namespace {
+
+using EntryRecord = RemoteStorageNode::EntryRecord;
+using ElementValues = RemoteStorageNode::ElementValues;
+using Documents = QList<QPair<QString, QString>>;
+
+constexpr int mostBinaryBytes = 64 * 1024 * 1024;
+constexpr int mostTextCharacters = 256 * 1024 * 1024;
+
+constexpr const char *caller = "RemoteStorageSource::MakeAnswer()";
+
+/*! The stop of the repository waits for what runs here. */
+bool IsStopping()
+{
+    return !RepositoryProvider::getInstance()->getThreadPool().isRunning();
+}
+
+RemoteEntry ReadEntry(const StorageImplementation &medium, const QString &uuid, const EntryRecord &record)
+{
+    RemoteEntry entry;
+    entry.info = record;
+    QStringList uuids;
+    CallMedium(caller, quint64(0), [&] { return medium.getElementIds(uuid, uuids); });
+    for (const QString &element : qAsConst(uuids)) {
+        if (IsStopping())
+            break;
+        ElementValues values;
+        // With the bytes, and of the medium alone: the element stays unloaded in the tree.
+        if (CallMedium(caller, false, [&] {
+                return medium.deserializeElement(uuid, element, values, LoadDataHint::LoadAtOnce);
+            })) {
+            entry.elements.append({element, values});
+        }
+    }
+    return entry;
+}
+
+/*! Nothing where \a mode cannot hold the contents. */
+QVariant ReadContents(const StorageImplementation &medium, RemoteStorageMode mode)
+{
+    QHash<QString, EntryRecord> records;
+    CallMedium(caller, quint64(0), [&] { return medium.getEntries(records); });
+    const qint64 most = mode == RemoteStorageMode::Binary ? mostBinaryBytes : mostTextCharacters;
+    Documents documents;
+    qint64 size = 0;
+    for (auto record = records.cbegin(); record != records.cend(); ++record) {
+        if (IsStopping())
+            return {};
+        const QString document = EncodeEntryDocument(ReadEntry(medium, record.key(), *record), mode);
+        size += document.size();
+        if (document.isNull() || size > most)
+            return {};
+        documents.append({record.key(), document});
+    }
+    return EncodeContents(documents, mode);
+}
+
+QVariantHash OptionsOf(bool isBinary)
+{
+    return {{QString(SupportsBinaryData), isBinary}};
+}
+
+QByteArray RenderBinary(const StorageImplementation &medium, const QString &path)
+{
+    const QVariant contents = ReadContents(medium, RemoteStorageMode::Binary);
+    if (!contents.isValid())
+        return {};
+    const QByteArray frame
+        = RemoteStorageNode::ComposeBinary(path, RemoteStorageCommand::Init, contents, OptionsOf(true));
+    return frame.size() <= mostBinaryBytes ? frame : QByteArray();
+}
+
+QString RenderText(const StorageImplementation &medium, const QString &path)
+{
+    const QVariant contents = ReadContents(medium, RemoteStorageMode::Text);
+    if (!contents.isValid())
+        return {};
+    const QString frame
+        = RemoteStorageNode::ComposeText(path, RemoteStorageCommand::Init, contents, OptionsOf(false));
+    return frame.size() <= mostTextCharacters ? frame : QString();
+}
+
+} // namespace
+
+RemoteStorageFrame RemoteStoragePush::frameFor(bool isBinary) const
+{
+    if (isBinary && !binary.isEmpty())
+        return binary;
+    return text;
+}
+
+std::optional<RemoteStorageAnswer> RemoteStorageSource::MakeAnswer(const RemoteStorageMessage &request,
+                                                                   bool isBinary)
+{
+    const auto storage = AppData::utils::FindStorage(request.path);
+    if (!storage)
+        return std::nullopt;
+    RemoteStorageAnswer answer;
+    answer.storage = storage;
+    answer.isBinary = request.options.value(QString(SupportsBinaryData), isBinary).toBool();
+    const auto medium = storage->getImplementation();
+    if (answer.isBinary) {
+        const QByteArray frame = RenderBinary(*medium, request.path);
+        answer.frame = frame;
+        if (!frame.isEmpty() || IsStopping())
+            return answer;
+        FrameworkLog().warning() << caller << " binary JSON cannot hold the storage " << request.path
+                                 << ", it is sent as text";
+        answer.isBinary = false;
+    }
+    const QString frame = RenderText(*medium, request.path);
+    answer.frame = frame;
+    if (frame.isEmpty() && !IsStopping())
+        FrameworkLog().warning() << caller << " the storage " << request.path << " is too large to be sent";
+    return answer;
+}
+
+RemoteStoragePush RemoteStorageSource::MakePush(RemoteStorageCommand command, const QString &path,
+                                                const Payload &payload, bool needsText, bool needsBinary)
+{
+    const auto compose = [&](RemoteStorageMode mode, auto composer) {
+        const QVariant data = payload ? payload(mode) : QVariant();
+        using Frame = decltype(composer(path, command, data, QVariantHash()));
+        return payload && !data.isValid() ? Frame() : composer(path, command, data, QVariantHash());
+    };
+    RemoteStoragePush push;
+    if (needsBinary)
+        push.binary = compose(RemoteStorageMode::Binary, RemoteStorageNode::ComposeBinary);
+    if (needsText || push.binary.isEmpty())
+        push.text = compose(RemoteStorageMode::Text, RemoteStorageNode::ComposeText);
+    return push;
+}
+
+} // namespace Tessellum::AppData::Storages::utils
