@@ -56,7 +56,7 @@ include_all_headers(headers)
 run(${CMAKE_COMMAND} -S ${PROJECT} -B ${build} ${SETTINGS} -DCMAKE_PREFIX_PATH=${prefix}
     -DFIRST_PROGRAM=${WORK}/first_program.cpp "-DALL_HEADERS=${headers}")
 run(${CMAKE_COMMAND} --build ${build})
-foreach(kind PLUGIN STORAGE)
+foreach(kind PLUGIN STORAGE SQL)
     run(${CMAKE_COMMAND} -S ${${kind}} -B ${WORK}/${kind} ${SETTINGS} -DCMAKE_PREFIX_PATH=${prefix})
     run(${CMAKE_COMMAND} --build ${WORK}/${kind})
 endforeach()
