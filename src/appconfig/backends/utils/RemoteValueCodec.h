@@ -11,11 +11,15 @@ namespace Tessellum::AppConfig::Backends::utils {
  * serialized bytes are: NaN equals itself, and 5 does not equal "5". Any thread may call.
  */
 
-/*! The bytes of \a value in the stream format of Qt 5.15. */
+/*! The bytes of \a value in the stream format of Qt 5.15, the members of a hash in a fixed order. A peer's
+ * bytes for the same value may differ from these: compare what SerializeValue() makes of the value that they
+ * hold. */
 QByteArray SerializeValue(const QVariant &value);
 
 /*! The value of \a serialized; invalid if it is cut, nested deeper than 64 levels, announces more than there
- * is, holds an unknown type, or the stream reports a fault. */
+ * is, holds an unknown type, or the stream reports a fault, or if bytes are left over. Types that no peer may
+ * bring (pictures, QEasingCurve, QRegExp) read as invalid too. A user type needs stream operators that bear
+ * bad bytes. */
 QVariant DeserializeValue(const QByteArray &serialized);
 
 /*! Compressed and in lower-case hexadecimal: what stands in a message. */

@@ -39,6 +39,15 @@ RemoteStorageCommand CommandOfWord(const QString &word);
 /*! Empty for a command without a word. */
 QString WordOfCommand(RemoteStorageCommand command);
 
+/*! A value as it stands in "data": text mode adds the envelope of qCompress(). Reading gives a QString or a
+ * QByteArray; invalid for anything else and for what is damaged. */
+QString EncodeRemoteVariant(const QVariant &value, RemoteStorageMode mode);
+QVariant DecodeRemoteVariant(const QString &text, RemoteStorageMode mode);
+
+/*! What is in the envelope of qCompress(); null if it is damaged, or announces more than 64 MiB and more than
+ * it is long itself. */
+QByteArray UncompressStored(const QByteArray &compressed);
+
 /*! The message in a frame; an invalid one if it cannot be read. Any thread may call. */
 RemoteStorageMessage ParseRemoteStorageText(const QString &frame);
 RemoteStorageMessage ParseRemoteStorageBinary(const QByteArray &frame);

@@ -1,0 +1,280 @@
+#include <appconfig/backends/utils/RemoteValueCodec.h>
+#include <shared/conversion/BoundedDecoding.h>
+
+#include <QCoreApplication>
+#include <QDataStream>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <new>
+
+namespace Tessellum::AppConfig::Backends::utils {
+
+using Shared::Conversion::StreamFields;
+
+namespace {
+
+constexpr int MaximumDepth = 64;
+constexpr qint64 MaximumSerialized = 64 * 1024 * 1024;
+/*! A value is at least its type and its null flag, a text or an array at least its length. */
+constexpr int ValueSize = 5;
+constexpr int LengthSize = 4;
+
+/*! Writes as Qt does, but the members of a hash in a fixed order, so that equal values have equal bytes. */
+void write(QDataStream &stream, const QVariant &value);
+
+void writePairs(QDataStream &stream, const QList<QPair<QString, QVariant>> &pairs)
+{
+    stream << static_cast<quint32>(pairs.size());
+    // From the end, so that inserting them restores the order of the values of one key.
+    for (auto pair = pairs.crbegin(); pair != pairs.crend(); ++pair) {
+        stream << pair->first;
+        write(stream, pair->second);
+    }
+}
+
+template <class Container>
+QList<QPair<QString, QVariant>> pairsOf(const QVariant &value)
+{
+    QList<QPair<QString, QVariant>> pairs;
+    const auto &container = *static_cast<const Container *>(value.constData());
+    for (auto it = container.cbegin(); it != container.cend(); ++it)
+        pairs.append({it.key(), it.value()});
+    return pairs;
+}
+
+void write(QDataStream &stream, const QVariant &value)
+{
+    const int type = value.userType();
+    if (type != QMetaType::QVariantList && type != QMetaType::QVariantMap
+        && type != QMetaType::QVariantHash) {
+        stream << value;
+        return;
+    }
+    stream << static_cast<quint32>(type) << static_cast<quint8>(value.isNull());
+    if (type == QMetaType::QVariantList) {
+        const auto &list = *static_cast<const QVariantList *>(value.constData());
+        stream << static_cast<quint32>(list.size());
+        for (const auto &item : list)
+            write(stream, item);
+    } else if (type == QMetaType::QVariantMap) {
+        writePairs(stream, pairsOf<QVariantMap>(value));
+    } else {
+        auto pairs = pairsOf<QVariantHash>(value);
+        std::stable_sort(pairs.begin(), pairs.end(),
+                         [](const auto &left, const auto &right) { return left.first < right.first; });
+        writePairs(stream, pairs);
+    }
+}
+
+/*! Whether Qt may be asked to load a type whose layout is not known here. */
+bool isLoadable(quint32 type)
+{
+    switch (type) {
+    case QMetaType::QEasingCurve: // carries the address of a function in the peer
+    case QMetaType::QRegExp: // is compiled at once, which a short pattern makes last for ever
+    case QMetaType::QPixmap: // pictures belong to the thread of the user interface
+    case QMetaType::QBitmap:
+    case QMetaType::QIcon:
+    case QMetaType::QImage:
+    case QMetaType::QCursor:
+    case QMetaType::QBrush:
+    case QMetaType::QPen:
+    case QMetaType::QPalette:
+    case QMetaType::QTextFormat:
+        return false;
+    default:
+        break;
+    }
+    if (type < QMetaType::FirstGuiType)
+        return QMetaType::isRegistered(static_cast<int>(type));
+    const auto *application = QCoreApplication::instance();
+    return type < QMetaType::User && QMetaType::isRegistered(static_cast<int>(type)) && application
+        && application->inherits("QGuiApplication");
+}
+
+/*! Types of Qt that begin with the length of what follows. */
+bool beginsWithLength(quint32 type)
+{
+    static constexpr std::array types{
+        QMetaType::QUrl,       QMetaType::QLocale,       QMetaType::QJsonObject,
+        QMetaType::QJsonArray, QMetaType::QJsonDocument, QMetaType::QCborValue,
+        QMetaType::QCborArray, QMetaType::QCborMap,      QMetaType::QRegularExpression};
+    return std::find(types.begin(), types.end(), type) != types.end();
+}
+
+class ValueReader
+{
+public:
+    explicit ValueReader(const QByteArray &serialized)
+        : fields(serialized)
+        , stream(serialized)
+    {
+        stream.setVersion(QDataStream::Qt_5_15);
+    }
+
+    QVariant read()
+    {
+        const QVariant value = readValue(0);
+        return fields.isDone() ? value : QVariant();
+    }
+
+private:
+    QVariant readValue(int depth)
+    {
+        const quint32 type = fields.number();
+        const bool null = fields.byte();
+        if (!fields.isOk() || depth > MaximumDepth)
+            return failed();
+        switch (type) {
+        case QMetaType::UnknownType:
+            return {};
+        case QMetaType::Bool:
+            return wrap(fields.byte() != 0, null);
+        case QMetaType::Int:
+            return wrap(static_cast<int>(fields.number()), null);
+        case QMetaType::UInt:
+            return wrap(static_cast<uint>(fields.number()), null);
+        case QMetaType::LongLong:
+            return wrap(static_cast<qlonglong>(fields.longNumber()), null);
+        case QMetaType::ULongLong:
+            return wrap(static_cast<qulonglong>(fields.longNumber()), null);
+        case QMetaType::QString:
+            return wrap(fields.text(), null);
+        case QMetaType::QByteArray:
+            return wrap(fields.array(), null);
+        case QMetaType::QStringList:
+            return wrap(readItems<QStringList>(LengthSize, [this] { return fields.text(); }), null);
+        case QMetaType::QByteArrayList:
+            return wrap(readItems<QByteArrayList>(LengthSize, [this] { return fields.array(); }), null);
+        case QMetaType::QVariantList:
+            return wrap(readItems<QVariantList>(ValueSize, [this, depth] { return readValue(depth + 1); }),
+                        null);
+        case QMetaType::QVariantMap:
+            return wrap(QVariantMap(readPairs<QMultiMap<QString, QVariant>>(depth)), null);
+        case QMetaType::QVariantHash:
+            return wrap(QVariantHash(readPairs<QMultiHash<QString, QVariant>>(depth)), null);
+        case QMetaType::QVariant: {
+            const QVariant inner = readValue(depth + 1);
+            return fields.isOk() ? QVariant(QMetaType::QVariant, &inner) : QVariant();
+        }
+        case QMetaType::User:
+            return readUserType(null);
+        default:
+            return isLoadable(type) && lengthFits(type) ? load(static_cast<int>(type), null) : failed();
+        }
+    }
+
+    QVariant failed()
+    {
+        fields.fail();
+        return {};
+    }
+
+    template <class T>
+    static QVariant wrap(const T &value, bool null)
+    {
+        if (!null)
+            return QVariant::fromValue(value);
+        QVariant result(static_cast<QVariant::Type>(qMetaTypeId<T>())); // a null one
+        *static_cast<T *>(result.data()) = value;
+        return result;
+    }
+
+    template <class List, class Read>
+    List readItems(int itemSize, const Read &readItem)
+    {
+        List list;
+        const int count = fields.count(itemSize);
+        list.reserve(count);
+        for (int item = 0; item < count && fields.isOk(); ++item)
+            list.append(readItem());
+        return list;
+    }
+
+    template <class Pairs>
+    Pairs readPairs(int depth)
+    {
+        Pairs pairs;
+        const int count = fields.count(LengthSize + ValueSize);
+        for (int pair = 0; pair < count && fields.isOk(); ++pair) {
+            const QString key = fields.text();
+            pairs.insert(key, readValue(depth + 1));
+        }
+        return pairs;
+    }
+
+    QVariant readUserType(bool null)
+    {
+        const QByteArray name = fields.array();
+        const int type = fields.isOk() ? QMetaType::type(name.constData()) : 0;
+        return type >= QMetaType::User ? load(type, null) : failed();
+    }
+
+    /*! Checks the length in front without going past it. A bit array counts its bits. */
+    bool lengthFits(quint32 type)
+    {
+        if (type != QMetaType::QBitArray && !beginsWithLength(type))
+            return true;
+        const int start = fields.getPosition();
+        const qint64 length = fields.number();
+        const qint64 bytes = type == QMetaType::QBitArray ? (length + 7) / 8 : length;
+        const bool fits = bytes <= fields.getLeft() || (beginsWithLength(type) && length == 0xffffffff);
+        fields.seek(start);
+        return fits;
+    }
+
+    /*! By the type's own operator, at the place that was reached. */
+    QVariant load(int type, bool null)
+    {
+        const auto destroy = [type](void *instance) { QMetaType::destroy(type, instance); };
+        const std::unique_ptr<void, decltype(destroy)> instance(QMetaType::create(type), destroy);
+        stream.device()->seek(fields.getPosition());
+        if (!instance || !QMetaType::load(stream, type, instance.get()) || stream.status() != QDataStream::Ok)
+            return failed();
+        const int start = fields.getPosition();
+        fields.seek(stream.device()->pos());
+        if (!null)
+            return QVariant(type, instance.get());
+        QVariant value(static_cast<QVariant::Type>(type));
+        stream.device()->seek(start);
+        return QMetaType::load(stream, type, value.data()) ? value : failed();
+    }
+
+    StreamFields fields;
+    QDataStream stream;
+};
+
+} // namespace
+
+QByteArray SerializeValue(const QVariant &value)
+{
+    QByteArray serialized;
+    QDataStream stream(&serialized, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_5_15);
+    write(stream, value);
+    return serialized;
+}
+
+QVariant DeserializeValue(const QByteArray &serialized)
+{
+    try {
+        return ValueReader(serialized).read();
+    } catch (const std::bad_alloc &) {
+        // The operator of a user type believed a length.
+        return {};
+    }
+}
+
+QString EncodeSerialized(const QByteArray &serialized)
+{
+    return Shared::Conversion::ToHexText(qCompress(serialized));
+}
+
+QByteArray DecodeSerialized(const QString &encoded)
+{
+    return Shared::Conversion::UncompressBounded(Shared::Conversion::FromHexText(encoded), MaximumSerialized);
+}
+
+} // namespace Tessellum::AppConfig::Backends::utils

@@ -1,0 +1,196 @@
+#include <shared/conversion/FlatJson.h>
+
+#include <algorithm>
+#include <rapidjson/reader.h>
+
+namespace Shared::Conversion {
+
+namespace {
+
+using Encoding = rapidjson::UTF16<char16_t>;
+
+/*! Deeper documents are refused, as QJsonDocument does. */
+constexpr int MaximumDepth = 1024;
+
+/*! Takes the parser's events. False ends the parse. */
+class MemberEvents
+{
+public:
+    using Ch = char16_t;
+    using Size = rapidjson::SizeType;
+
+    explicit MemberEvents(const FlatMemberHandler &toTell)
+        : handler(toTell)
+    { }
+
+    bool Null() { return other(); }
+    bool Bool(bool flag) { return value(FlatMember::Kind::Flag, {}, flag); }
+    bool Int(int) { return other(); }
+    bool Uint(unsigned) { return other(); }
+    bool Int64(int64_t) { return other(); }
+    bool Uint64(uint64_t) { return other(); }
+    bool Double(double) { return other(); }
+    bool RawNumber(const Ch *, Size, bool) { return other(); }
+    bool String(const Ch *text, Size length, bool)
+    {
+        return value(FlatMember::Kind::Text, isTold() ? textOf(text, length) : QString());
+    }
+    bool Key(const Ch *text, Size length, bool)
+    {
+        if (depth == 1)
+            key = textOf(text, length);
+        else if (depth == 2 && inObject)
+            inner = textOf(text, length);
+        return true;
+    }
+    bool StartObject()
+    {
+        if (depth == 1) {
+            value(FlatMember::Kind::Object);
+            inObject = true;
+        } else if (depth > 1) {
+            other();
+        }
+        return ++depth <= MaximumDepth;
+    }
+    bool StartArray()
+    {
+        if (depth == 0)
+            return false;
+        other();
+        if (depth == 1)
+            inObject = false;
+        return ++depth <= MaximumDepth;
+    }
+    bool EndObject(Size) { return end(); }
+    bool EndArray(Size) { return end(); }
+
+private:
+    static QString textOf(const Ch *text, Size length)
+    {
+        return QString(reinterpret_cast<const QChar *>(text), static_cast<int>(length));
+    }
+    bool isTold() const { return depth == 1 || (depth == 2 && inObject); }
+    bool other() { return value(FlatMember::Kind::Other); }
+    bool value(FlatMember::Kind kind, const QString &text = {}, bool flag = false)
+    {
+        if (depth == 0)
+            return kind == FlatMember::Kind::Object;
+        if (depth == 1)
+            handler({key, false, {}, kind, text, flag});
+        else if (depth == 2 && inObject)
+            handler({key, true, inner, kind, text, flag});
+        return true;
+    }
+    bool end()
+    {
+        --depth;
+        return true;
+    }
+
+    const FlatMemberHandler &handler;
+    QString key;
+    QString inner;
+    int depth = 0;
+    bool inObject = false; /*!< Whether what is open at the second level is an object. */
+};
+
+void appendEscaped(QString &text, ushort character)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    static constexpr char shortForms[] = "btn?fr"; // from 8 on
+    text += QLatin1Char('\\');
+    if (character == '"' || character == '\\') {
+        text += QChar(character);
+    } else if (character >= 8 && character <= 13 && character != 11) {
+        text += QLatin1Char(shortForms[character - 8]);
+    } else {
+        text += QLatin1String("u00");
+        text += QLatin1Char(digits[character >> 4]);
+        text += QLatin1Char(digits[character & 0xf]);
+    }
+}
+
+void appendString(QString &text, const QString &value)
+{
+    text += QLatin1Char('"');
+    const QChar *from = value.constData();
+    const QChar *const end = from + value.size();
+    for (const QChar *next = from; next != end; ++next) {
+        const ushort character = next->unicode();
+        if (character >= 0x20 && character != '"' && character != '\\')
+            continue;
+        text.append(from, static_cast<int>(next - from));
+        appendEscaped(text, character);
+        from = next + 1;
+    }
+    text.append(from, static_cast<int>(end - from));
+    text += QLatin1Char('"');
+}
+
+void appendValue(QString &text, const FlatMember &member)
+{
+    if (member.kind == FlatMember::Kind::Text)
+        appendString(text, member.text);
+    else if (member.kind == FlatMember::Kind::Flag)
+        text += member.flag ? QLatin1String("true") : QLatin1String("false");
+    else
+        text += QLatin1String("null");
+}
+
+} // namespace
+
+bool ReadFlatJson(const QString &text, const FlatMemberHandler &handler)
+{
+    rapidjson::GenericReader<Encoding, Encoding> reader;
+    rapidjson::GenericStringStream<Encoding> stream(reinterpret_cast<const char16_t *>(text.utf16()));
+    MemberEvents events(handler);
+    // Not recursive, so that depth costs no stack.
+    const auto result = reader.Parse<rapidjson::kParseIterativeFlag>(stream, events);
+    // The parser takes a null character for the end.
+    return !result.IsError() && stream.Tell() == static_cast<std::size_t>(text.size());
+}
+
+void SortFlatMembers(FlatMembers &members)
+{
+    const auto before = [](const FlatMember &left, const FlatMember &right) {
+        if (left.key != right.key)
+            return left.key < right.key;
+        return left.isInner && right.isInner ? left.inner < right.inner : !left.isInner && right.isInner;
+    };
+    if (!std::is_sorted(members.begin(), members.end(), before))
+        std::stable_sort(members.begin(), members.end(), before);
+}
+
+QString WriteFlatJson(FlatMembers members)
+{
+    SortFlatMembers(members);
+    int size = 2;
+    for (const auto &member : members)
+        size += (member.isInner ? member.inner.size() : member.key.size()) + member.text.size() + 8;
+    QString text;
+    text.reserve(size);
+    text += QLatin1Char('{');
+    bool within = false;
+    bool first = true;
+    for (const auto &member : members) {
+        if (within && !member.isInner)
+            text += QLatin1Char('}');
+        within = within && member.isInner;
+        if (!first)
+            text += QLatin1Char(',');
+        appendString(text, member.isInner ? member.inner : member.key);
+        text += QLatin1Char(':');
+        first = member.kind == FlatMember::Kind::Object;
+        if (first) {
+            text += QLatin1Char('{');
+            within = true;
+        } else {
+            appendValue(text, member);
+        }
+    }
+    text += within ? QLatin1String("}}") : QLatin1String("}");
+    return text;
+}
+
+} // namespace Shared::Conversion
