@@ -228,6 +228,26 @@ private Q_SLOTS:
         QTRY_COMPARE(gate->getNumberOfChildren(), 8u);
     }
 
+    void refusedAddOfAStoredEntryKeepsIt()
+    {
+        store("kept", 2, 5);
+        const auto info = std::make_shared<EntryInfo>();
+        info->uuid = "kept";
+        info->serialize = run->record("entry", "disk");
+        info->serialize.classification = storage->getId();
+        // The place of the pair's link is taken by a node that is no attribute.
+        storage->addChild(
+            Tessellum::Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("entry"));
+        QVERIFY(!run->create(root(), info));
+        QVERIFY(!child("kept"));
+        EntrySerializeInformation record;
+        QVERIFY(twin->deserializeEntry("kept", record));
+        QCOMPARE(record.classification, QString("plant"));
+        QCOMPARE(record.capacity, 5u);
+        QStringList elements;
+        QCOMPARE(twin->getElementIds("kept", elements), 2u);
+    }
+
     void entryOfAStorageThatGoesMeanwhile()
     {
         MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");

@@ -17,6 +17,8 @@
 
 #include <QUuid>
 
+#include <optional>
+
 namespace Tessellum::AppData::Data::Entries {
 
 using Notification::CreateObserver;
@@ -57,13 +59,44 @@ bool LeaveRemovedStorage(const std::shared_ptr<Entry> &entry)
     return true;
 }
 
-/*! Takes an entry off its medium that could not be added to the tree, or it would be back at the next start.
- */
-void TakeOffMedium(const std::shared_ptr<Storage> &storage, const QString &uuid)
+/*! The write of an entry's record to its medium, which can be taken back where the entry could not be added
+ * to the tree: a new record would be back at the next start. A uuid may also be stored already and only not
+ * be in the tree; its record is put back then, since to remove it would take its elements along. */
+class EntryWrite
 {
-    CallMedium("EntryCreateTask::createAndSerializeEntryInHierarchy()", false,
-               [&] { return storage->getImplementation()->removeEntry(uuid); });
-}
+public:
+    EntryWrite(const std::shared_ptr<Storage> &target, const QString &entryUuid)
+        : storage(target)
+        , uuid(entryUuid)
+    { }
+
+    bool write(const EntrySerializeInformation &record)
+    {
+        EntrySerializeInformation found;
+        if (call([&](auto &medium) { return medium.deserializeEntry(uuid, found); }))
+            before = found;
+        return call([&](auto &medium) { return medium.serializeEntry(uuid, record); });
+    }
+
+    void takeBack() const
+    {
+        call([&](auto &medium) {
+            return before ? medium.serializeEntry(uuid, *before) : medium.removeEntry(uuid);
+        });
+    }
+
+private:
+    template <class Call>
+    bool call(const Call &function) const
+    {
+        return CallMedium("EntryCreateTask::createAndSerializeEntryInHierarchy()", false,
+                          [&] { return function(*storage->getImplementation()); });
+    }
+
+    const std::shared_ptr<Storage> storage;
+    const QString uuid;
+    std::optional<EntrySerializeInformation> before;
+};
 
 } // namespace
 
@@ -190,8 +223,8 @@ bool EntryCreateTask::createPersistent(const EntrySerializeInformation &record, 
     origin.loadDataHint = storage->getLoadDataHint();
     origin.storage = storage;
     const auto entry = MakeNode<Entry>(EntryData(record, origin));
-    if (!CallMedium("EntryCreateTask::createAndSerializeEntryInHierarchy()", false,
-                    [&] { return storage->getImplementation()->serializeEntry(uuid, record); })) {
+    EntryWrite medium(storage, uuid);
+    if (!medium.write(record)) {
         FrameworkLog().warning() << "EntryCreateTask::createAndSerializeEntryInHierarchy failed to serialize "
                                     "data entry="
                                  << uuid << " to storage=" << record.storageName;
@@ -201,12 +234,12 @@ bool EntryCreateTask::createPersistent(const EntrySerializeInformation &record, 
         // Where another task has added that uuid meanwhile, what is on the medium belongs to that one.
         if (isContained())
             return true;
-        TakeOffMedium(storage, uuid);
+        medium.takeBack();
         return false;
     }
     if (finishNew(entry))
         return true;
-    TakeOffMedium(storage, uuid);
+    medium.takeBack();
     return false;
 }
 
