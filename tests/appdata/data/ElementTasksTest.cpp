@@ -181,6 +181,11 @@ private Q_SLOTS:
         ElementUpdateData data = run->value(1, 0);
         data.setParsedData("good");
         QVERIFY(run->create(entry, data));
+        const int writes = twin->calls(Operation::SerializeElement);
+        data.setParsedData("worse");
+        QVERIFY(!run->create(entry, data)); // or it would be stored without a value
+        QCOMPARE(twin->calls(Operation::SerializeElement), writes);
+        QCOMPARE(entry->getNumberOfChildren(), 1u);
         const auto element = run->element(entry, 0);
         const Reports failed{{UpdatePoint::Check, UpdateResult::Ok},
                              {UpdatePoint::Apply, UpdateResult::ApplyFailed}};
@@ -221,10 +226,20 @@ private Q_SLOTS:
         QCOMPARE(
             updates(stored, stamp),
             (Reports{{UpdatePoint::Check, UpdateResult::Ok}, {UpdatePoint::Apply, UpdateResult::NodeGone}}));
+        const Reports gone{{UpdatePoint::Check, UpdateResult::Ok},
+                           {UpdatePoint::Check, UpdateResult::NodeGone}};
         element->setDeleteFlag();
-        QCOMPARE(
-            updates(element, stamp),
-            (Reports{{UpdatePoint::Check, UpdateResult::Ok}, {UpdatePoint::Check, UpdateResult::NodeGone}}));
+        QCOMPARE(updates(element, stamp), gone);
+
+        // Held after its entry was unloaded, of which the next attachment could not know.
+        QVERIFY(run->create(stored, run->value(1, 1)));
+        const auto held = run->element(stored, 0);
+        const int changes = twin->calls(Operation::UpdateElement);
+        QVERIFY(storage->getManipulationInterface()->unloadDataEntry(stored->getId()));
+        QCOMPARE(updates(held, stamp), gone);
+        stored.reset();
+        QCOMPARE(updates(held, stamp), gone);
+        QCOMPARE(twin->calls(Operation::UpdateElement), changes);
     }
 
     void deletedElementGivesPlaceToItsNamesake()

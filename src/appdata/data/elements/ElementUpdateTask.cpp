@@ -78,6 +78,10 @@ UpdateObserver::ResultType ElementUpdateTask::runUpdate()
         return end({UpdatePoint::Check, UpdateResult::NodeGone});
     if (!change.element)
         return end({UpdatePoint::Apply, UpdateResult::NodeGone});
+    // An element that is still held after its entry was unloaded or removed: the medium may know the entry,
+    // and the one that is attached next would not hear of the change.
+    if (!change.entry || change.entry->isDeleteFlagSet())
+        return end({UpdatePoint::Check, UpdateResult::NodeGone});
 
     updateData = value.value<ElementUpdateData>();
     change.failed = true; // unless it comes through

@@ -234,8 +234,10 @@ bool ElementsCreateTask::createAndSerializeElementInHierarchy(const EntryPtr &en
     if (hasParsed && !parsed) {
         parsed = std::make_shared<QVariant>(updateData.value(DataElementUpdateType::ParsedData));
         if (facts.parser && storage && !hasRaw) {
-            if (const auto raw = Parsers::CallToRaw(caller, facts.parser, parsed))
-                updateData.setRawData(*raw);
+            const auto raw = Parsers::CallToRaw(caller, facts.parser, parsed);
+            if (!raw) // the medium would keep an element without a value
+                return false;
+            updateData.setRawData(*raw);
         }
     }
     if (storage && !parsed)
