@@ -80,6 +80,7 @@ private Q_SLOTS:
         twin.reset();
     }
 
+    void aTakenNameIsRefusedSilently();
     void ofTwoAddsOfOneNameOneWins();
     void aFailureLeavesNothing_data();
     void aFailureLeavesNothing();
@@ -90,6 +91,18 @@ private Q_SLOTS:
     void aRemovalTakesTheEntriesAlong();
     void aRemovalLeavesTheClassificationOfItsName();
 };
+
+void StorageTasksTest::aTakenNameIsRefusedSilently()
+{
+    QVERIFY(add("disk", createData(twin)));
+    const auto first = FindStorage("disk");
+    const LogCapture log;
+    const auto second = StorageTwin::Make();
+    QVERIFY(!add("disk", createData(second)));
+    QVERIFY(log.lines().filter("StorageCreateTask").isEmpty());
+    QCOMPARE(FindStorage("disk"), first);
+    QVERIFY(!second->isConnected());
+}
 
 void StorageTasksTest::ofTwoAddsOfOneNameOneWins()
 {
