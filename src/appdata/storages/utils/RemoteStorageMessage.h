@@ -21,7 +21,7 @@ enum class RemoteStorageCommand : quint32 {
 enum class RemoteStorageMode : quint32 { Text = 0, Binary = 1 };
 
 /*! The one option that peers tell each other. */
-inline constexpr QLatin1String SupportsBinaryData("supportsBinaryData");
+inline constexpr QLatin1String SupportsBinaryData("supportsBinaryData", sizeof "supportsBinaryData" - 1);
 
 /*! What two peers of a storage tell each other. A value class. */
 struct RemoteStorageMessage
