@@ -156,6 +156,17 @@ private Q_SLOTS:
         QVERIFY(!ParseRemoteMessage(frame).isValid());
     }
 
+    void escapedHalvesOfPairs()
+    {
+        const auto pathOf = [](const char *escaped) {
+            return ParseRemoteMessage(QStringLiteral("{\"command\":\"read\",\"path\":\"%1\"}").arg(escaped))
+                .path;
+        };
+        QCOMPARE(pathOf("\\ud83d\\ude00"), QStringLiteral("\U0001F600"));
+        QCOMPARE(pathOf("\\ude00"), QString(QChar(0xde00)));
+        QCOMPARE(pathOf("\\ud83d"), QString());
+    }
+
     void damagedDataIsNull()
     {
         // The last one announces one byte and holds 200 MB.
