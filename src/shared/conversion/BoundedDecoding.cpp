@@ -26,14 +26,7 @@ int digitOf(ushort character)
 
 QString ToHexText(const QByteArray &bytes)
 {
-    static constexpr char digits[] = "0123456789abcdef";
-    QString hex(bytes.size() * 2, Qt::Uninitialized);
-    QChar *out = hex.data();
-    for (const char byte : bytes) {
-        *out++ = QLatin1Char(digits[static_cast<uchar>(byte) >> 4]);
-        *out++ = QLatin1Char(digits[static_cast<uchar>(byte) & 0xf]);
-    }
-    return hex;
+    return QString::fromLatin1(bytes.toHex());
 }
 
 QByteArray FromHexText(const QString &hex)
@@ -70,6 +63,8 @@ QByteArray UncompressBounded(const QByteArray &compressed, qint64 limit)
     if (result != Z_OK)
         return {};
     bytes.resize(static_cast<int>(length));
+    if (length < announced)
+        bytes.squeeze(); // or a few bytes would keep what their sender announced
     return bytes;
 }
 

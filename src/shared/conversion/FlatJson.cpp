@@ -1,5 +1,8 @@
 #include <shared/conversion/FlatJson.h>
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <algorithm>
 #include <rapidjson/reader.h>
 
@@ -108,47 +111,16 @@ private:
     bool inObject = false; /*!< Whether what is open at the second level is an object. */
 };
 
-void appendEscaped(QString &text, ushort character)
+QJsonValue valueOf(const FlatMember &member)
 {
-    static constexpr char digits[] = "0123456789abcdef";
-    static constexpr char shortForms[] = "btn?fr"; // from 8 on
-    text += QLatin1Char('\\');
-    if (character == '"' || character == '\\') {
-        text += QChar(character);
-    } else if (character >= 8 && character <= 13 && character != 11) {
-        text += QLatin1Char(shortForms[character - 8]);
-    } else {
-        text += QLatin1String("u00");
-        text += QLatin1Char(digits[character >> 4]);
-        text += QLatin1Char(digits[character & 0xf]);
+    switch (member.kind) {
+    case FlatMember::Kind::Text:
+        return member.text;
+    case FlatMember::Kind::Flag:
+        return member.flag;
+    default:
+        return QJsonValue::Null;
     }
-}
-
-void appendString(QString &text, const QString &value)
-{
-    text += QLatin1Char('"');
-    const QChar *from = value.constData();
-    const QChar *const end = from + value.size();
-    for (const QChar *next = from; next != end; ++next) {
-        const ushort character = next->unicode();
-        if (character >= 0x20 && character != '"' && character != '\\')
-            continue;
-        text.append(from, static_cast<int>(next - from));
-        appendEscaped(text, character);
-        from = next + 1;
-    }
-    text.append(from, static_cast<int>(end - from));
-    text += QLatin1Char('"');
-}
-
-void appendValue(QString &text, const FlatMember &member)
-{
-    if (member.kind == FlatMember::Kind::Text)
-        appendString(text, member.text);
-    else if (member.kind == FlatMember::Kind::Flag)
-        text += member.flag ? QLatin1String("true") : QLatin1String("false");
-    else
-        text += QLatin1String("null");
 }
 
 } // namespace
@@ -177,33 +149,21 @@ void SortFlatMembers(FlatMembers &members)
 
 QString WriteFlatJson(FlatMembers members)
 {
+    // An object of Qt takes a member at its end at once, any other only by moving those behind it.
     SortFlatMembers(members);
-    int size = 2;
-    for (const auto &member : members)
-        size += (member.isInner ? member.inner.size() : member.key.size()) + member.text.size() + 8;
-    QString text;
-    text.reserve(size);
-    text += QLatin1Char('{');
-    bool within = false;
-    bool first = true;
-    for (const auto &member : members) {
-        if (within && !member.isInner)
-            text += QLatin1Char('}');
-        within = within && member.isInner;
-        if (!first)
-            text += QLatin1Char(',');
-        appendString(text, member.isInner ? member.inner : member.key);
-        text += QLatin1Char(':');
-        first = member.kind == FlatMember::Kind::Object;
-        if (first) {
-            text += QLatin1Char('{');
-            within = true;
-        } else {
-            appendValue(text, member);
+    QJsonObject object;
+    for (auto member = members.cbegin(); member != members.cend();) {
+        const FlatMember &outer = *member++;
+        if (outer.kind != FlatMember::Kind::Object) {
+            object.insert(outer.key, valueOf(outer));
+            continue;
         }
+        QJsonObject inner;
+        for (; member != members.cend() && member->isInner; ++member)
+            inner.insert(member->inner, valueOf(*member));
+        object.insert(outer.key, inner);
     }
-    text += within ? QLatin1String("}}") : QLatin1String("}");
-    return text;
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 } // namespace Shared::Conversion
