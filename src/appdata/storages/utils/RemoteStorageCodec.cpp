@@ -25,11 +25,9 @@ const QLatin1String DataKey("data");
 const QLatin1String InfoKey("info");
 const QLatin1String ElementsKey("elements");
 
-/*! The most bytes of a text message; its data is a text of two bytes a character in hexadecimal. */
-constexpr qint64 MaximumText = 256LL * 1024 * 1024;
-constexpr qint64 TextGrowth = 4;
-/*! The data of a binary message is hexadecimal, of which binary JSON takes two bytes a digit. */
-constexpr qint64 BinaryGrowth = 4;
+constexpr qint64 MaximumText = 256LL * 1024 * 1024; /*!< Bytes of a text message. */
+/*! Hexadecimal doubles the data; before it text has two bytes a character, after it binary JSON a digit. */
+constexpr qint64 FrameGrowth = 4;
 constexpr qint64 FrameRoom = 64 * 1024; /*!< For all else in the frame. */
 
 /*! A document in its mode: a QString or a QByteArray. Invalid if binary JSON cannot hold it. */
@@ -219,22 +217,29 @@ std::optional<RemoteEntry> DecodeEntryDocument(const QString &document, RemoteSt
     return entry;
 }
 
+qint64 MostDocuments(RemoteStorageMode mode)
+{
+    const qint64 frame
+        = mode == RemoteStorageMode::Binary ? Shared::Conversion::MaximumBinaryJson : MaximumText;
+    return (frame - FrameRoom) / FrameGrowth;
+}
+
 QVariant EncodeContents(const QList<QPair<QString, QString>> &documents, RemoteStorageMode mode)
 {
+    const qint64 most = MostDocuments(mode);
     FlatMembers members;
     members.reserve(static_cast<std::size_t>(documents.size()));
-    qint64 size = FrameRoom;
+    qint64 size = 0;
     for (const auto &document : documents) {
-        size += TextGrowth * (document.first.size() + document.second.size());
-        if (size > MaximumText)
+        size += document.first.size() + document.second.size();
+        if (size > most)
             return {};
         members.push_back(FlatMember::Text(document.first, document.second));
     }
     const QVariant contents = render(std::move(members), mode);
-    const bool fits = mode == RemoteStorageMode::Binary
-        ? contents.toByteArray().size() * BinaryGrowth + FrameRoom <= Shared::Conversion::MaximumBinaryJson
-        : contents.toString().size() * TextGrowth + FrameRoom <= MaximumText;
-    return fits ? contents : QVariant();
+    const int rendered
+        = mode == RemoteStorageMode::Binary ? contents.toByteArray().size() : contents.toString().size();
+    return rendered <= most ? contents : QVariant();
 }
 
 QList<QPair<QString, QString>> DecodeContents(const QVariant &payload, RemoteStorageMode mode)

@@ -37,6 +37,8 @@ std::optional<Data::Entries::EntrySerializeInformation> DecodeEntryInfo(const QV
 QString EncodeEntryDocument(const RemoteEntry &entry, RemoteStorageMode mode);
 std::optional<RemoteEntry> DecodeEntryDocument(const QString &document, RemoteStorageMode mode);
 
+/*! More characters of entry documents than this do not fit into an answer, so reading may end there. */
+qint64 MostDocuments(RemoteStorageMode mode);
 /*! The answer to "init" from the entry documents by their uuids. Invalid if binary JSON cannot hold it (a
  * document that is not empty and renders to nothing, or more than 64 MiB) or the text exceeds 256 MiB. */
 QVariant EncodeContents(const QList<QPair<QString, QString>> &documents, RemoteStorageMode mode);

@@ -17,9 +17,6 @@ using EntryRecord = RemoteStorageNode::EntryRecord;
 using ElementValues = RemoteStorageNode::ElementValues;
 using Documents = QList<QPair<QString, QString>>;
 
-constexpr int mostBinaryBytes = 64 * 1024 * 1024;
-constexpr int mostTextCharacters = 256 * 1024 * 1024;
-
 constexpr const char *caller = "RemoteStorageSource::MakeAnswer()";
 
 /*! The stop of the repository waits for what runs here. */
@@ -53,7 +50,7 @@ QVariant ReadContents(const StorageImplementation &medium, RemoteStorageMode mod
 {
     QHash<QString, EntryRecord> records;
     CallMedium(caller, quint64(0), [&] { return medium.getEntries(records); });
-    const qint64 most = mode == RemoteStorageMode::Binary ? mostBinaryBytes : mostTextCharacters;
+    const qint64 most = MostDocuments(mode);
     Documents documents;
     qint64 size = 0;
     for (auto record = records.cbegin(); record != records.cend(); ++record) {
@@ -68,29 +65,14 @@ QVariant ReadContents(const StorageImplementation &medium, RemoteStorageMode mod
     return EncodeContents(documents, mode);
 }
 
-QVariantHash OptionsOf(bool isBinary)
+/*! Empty where \a mode cannot hold the contents. */
+template <class Compose>
+auto Render(const StorageImplementation &medium, const QString &path, RemoteStorageMode mode, Compose compose)
 {
-    return {{QString(SupportsBinaryData), isBinary}};
-}
-
-QByteArray RenderBinary(const StorageImplementation &medium, const QString &path)
-{
-    const QVariant contents = ReadContents(medium, RemoteStorageMode::Binary);
-    if (!contents.isValid())
-        return {};
-    const QByteArray frame
-        = RemoteStorageNode::ComposeBinary(path, RemoteStorageCommand::Init, contents, OptionsOf(true));
-    return frame.size() <= mostBinaryBytes ? frame : QByteArray();
-}
-
-QString RenderText(const StorageImplementation &medium, const QString &path)
-{
-    const QVariant contents = ReadContents(medium, RemoteStorageMode::Text);
-    if (!contents.isValid())
-        return {};
-    const QString frame
-        = RemoteStorageNode::ComposeText(path, RemoteStorageCommand::Init, contents, OptionsOf(false));
-    return frame.size() <= mostTextCharacters ? frame : QString();
+    const QVariant contents = ReadContents(medium, mode);
+    const QVariantHash options{{QString(SupportsBinaryData), mode == RemoteStorageMode::Binary}};
+    using Frame = decltype(compose(path, RemoteStorageCommand::Init, contents, options));
+    return contents.isValid() ? compose(path, RemoteStorageCommand::Init, contents, options) : Frame();
 }
 
 } // namespace
@@ -113,7 +95,8 @@ std::optional<RemoteStorageAnswer> RemoteStorageSource::MakeAnswer(const RemoteS
     answer.isBinary = request.options.value(QString(SupportsBinaryData), isBinary).toBool();
     const auto medium = storage->getImplementation();
     if (answer.isBinary) {
-        const QByteArray frame = RenderBinary(*medium, request.path);
+        const QByteArray frame
+            = Render(*medium, request.path, RemoteStorageMode::Binary, RemoteStorageNode::ComposeBinary);
         answer.frame = frame;
         if (!frame.isEmpty() || IsStopping())
             return answer;
@@ -121,7 +104,8 @@ std::optional<RemoteStorageAnswer> RemoteStorageSource::MakeAnswer(const RemoteS
                                  << ", it is sent as text";
         answer.isBinary = false;
     }
-    const QString frame = RenderText(*medium, request.path);
+    const QString frame
+        = Render(*medium, request.path, RemoteStorageMode::Text, RemoteStorageNode::ComposeText);
     answer.frame = frame;
     if (frame.isEmpty() && !IsStopping())
         FrameworkLog().warning() << caller << " the storage " << request.path << " is too large to be sent";
