@@ -1,0 +1,330 @@
+#include <appconfig/backends/utils/RemoteBackendServer.h>
+#include <appconfig/InternalSettingsProvider.h>
+#include <appconfig/utils/RepositoryProvider.h>
+#include <notification/utils/MakeNode.h>
+#include <shared/logging/FrameworkLog.h>
+
+#include <QTcpSocket>
+#include <QUrlQuery>
+
+#include <utility>
+
+namespace Tessellum::AppConfig::Backends::utils {
+
+using AppConfig::utils::RepositoryProvider;
+using AppConfig::utils::ShownAttribute;
+using Shared::Logging::FrameworkLog;
+
+namespace {
+
+constexpr qint64 DefaultLimit = 64 * 1024 * 1024;
+constexpr qint64 HeaderBytes = 16 * 1024; // what a handshake or the head of a frame may take beyond the limit
+constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
+constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
+constexpr int HandshakeMilliseconds = 10000;
+constexpr int StalledMilliseconds = 10000;
+constexpr int CheckMilliseconds = 1000;
+constexpr int PendingConnections = 1000;
+
+QString StatusPath(const char *parent, const QString &id)
+{
+    return RepositoryProvider::getInstance()->getPathFromPathElements(
+        {QStringLiteral("appconfig"), QStringLiteral("backends"), QLatin1String(parent), id});
+}
+
+bool MayCreateStatus()
+{
+    return InternalSettingsProvider().settings()->readSetting<bool>(
+        QStringLiteral("repository"), QStringLiteral("automatic_create_through_updates"), false);
+}
+
+bool ReadLimit(const QUrlQuery &query, qint64 &limit)
+{
+    limit = DefaultLimit;
+    if (!query.hasQueryItem(QStringLiteral("limit")))
+        return true;
+    bool isNumber = false;
+    const qint64 asked = query.queryItemValue(QStringLiteral("limit")).toLongLong(&isNumber);
+    limit = qMin(asked, static_cast<qint64>(QWebSocket::maxIncomingMessageSize()));
+    return isNumber && limit > 0;
+}
+
+} // namespace
+
+std::shared_ptr<RemoteBackendServer> RemoteBackendServer::Make(const QString &name, const QUrl &url)
+{
+    Settings settings;
+    const QUrlQuery query(url);
+    const QString bind = query.queryItemValue(QStringLiteral("bind"), QUrl::FullyDecoded);
+    if (url.port(-1) < 0 || !ReadLimit(query, settings.limit)
+        || (!bind.isEmpty() && !settings.address.setAddress(bind)))
+        return nullptr;
+    settings.port = static_cast<quint16>(url.port());
+    return Notification::utils::MakeEventThreadObject<RemoteBackendServer>(name, settings);
+}
+
+RemoteBackendServer::RemoteBackendServer(const QString &serverName, const Settings &serverSettings)
+    : AppConfigRepositoryEventThreadUser(this)
+    , name(serverName)
+    , settings(serverSettings)
+{
+    connect(this, &RemoteBackendServer::startRequested, this, &RemoteBackendServer::onStart,
+            Qt::QueuedConnection);
+    connect(this, &RemoteBackendServer::sendRequested, this, &RemoteBackendServer::sendTextMessage,
+            Qt::QueuedConnection);
+    connect(this, &RemoteBackendServer::clientNamed, this, &RemoteBackendServer::onClientNamed,
+            Qt::QueuedConnection);
+}
+
+RemoteBackendServer::~RemoteBackendServer()
+{
+    if (listener)
+        listener->disconnect(this);
+    for (QTcpSocket *socket : qAsConst(unfinished))
+        socket->disconnect(this);
+    std::vector<std::shared_ptr<RemoteSubtreeSource>> sources;
+    for (auto &[number, connection] : connections) {
+        connection.socket->disconnect(this);
+        connection.socket->close(QWebSocketProtocol::CloseCodeNormal);
+        delete connection.socket;
+        sources.push_back(std::move(connection.source));
+    }
+    dropOnWorker(std::move(sources));
+}
+
+bool RemoteBackendServer::start()
+{
+    worker = RepositoryProvider::getInstance()->getFrameWorkers().make();
+    if (!worker)
+        return false;
+    Q_EMIT startRequested();
+    return true;
+}
+
+void RemoteBackendServer::onStart()
+{
+    if (listener)
+        return;
+    listener = std::make_unique<QTcpServer>();
+    handshakes = std::make_unique<QWebSocketServer>(QStringLiteral("vlk"), QWebSocketServer::NonSecureMode);
+    progressTimer = std::make_unique<QTimer>();
+    listener->setMaxPendingConnections(PendingConnections);
+    handshakes->setMaxPendingConnections(PendingConnections);
+    connect(listener.get(), &QTcpServer::newConnection, this, &RemoteBackendServer::onTcpConnection);
+    connect(listener.get(), &QTcpServer::acceptError, this, &RemoteBackendServer::onAcceptError);
+    connect(handshakes.get(), &QWebSocketServer::newConnection, this, &RemoteBackendServer::onNewConnection);
+    connect(progressTimer.get(), &QTimer::timeout, this, &RemoteBackendServer::checkProgress);
+    const quint16 port = listen() ? listener->serverPort() : 0;
+    shownPort = std::make_unique<ShownAttribute>(StatusPath("remote_server_ports", name), int(port));
+}
+
+bool RemoteBackendServer::listen()
+{
+    if (listener->listen(settings.address, settings.port))
+        return true;
+    FrameworkLog().warning() << "RemoteBackendServer::onStart() failed to listen id=" << name
+                             << " port=" << settings.port << " error=" << listener->errorString();
+    return false;
+}
+
+/*! The sockets are taken here, not by Qt's server: it lets a peer that does not finish its handshake fill the
+ * memory, and keeps what is left of it. */
+void RemoteBackendServer::onTcpConnection()
+{
+    while (QTcpSocket *socket = listener->nextPendingConnection()) {
+        const quint16 port = socket->peerPort();
+        socket->setReadBufferSize(settings.limit + HeaderBytes);
+        unfinished.insert(port, socket);
+        connect(socket, &QTcpSocket::disconnected, this, [this, port, socket] {
+            if (unfinished.remove(port, socket) > 0)
+                socket->deleteLater();
+        });
+        QTimer::singleShot(HandshakeMilliseconds, socket, [this, port, socket] {
+            if (unfinished.contains(port, socket))
+                socket->abort();
+        });
+        handshakes->handleConnection(socket);
+    }
+}
+
+/*! Without a free descriptor Qt's server stops to accept, for good. */
+void RemoteBackendServer::onAcceptError()
+{
+    FrameworkLog().warning() << "RemoteBackendServer::onAcceptError() id=" << name
+                             << " error=" << listener->errorString();
+    QTimer::singleShot(CheckMilliseconds, listener.get(), [this] { listener->resumeAccepting(); });
+}
+
+void RemoteBackendServer::onNewConnection()
+{
+    while (QWebSocket *socket = handshakes->nextPendingConnection())
+        addConnection(socket);
+}
+
+void RemoteBackendServer::addConnection(QWebSocket *socket)
+{
+    FrameworkLog().log() << "RemoteBackendServer::onNewConnection() id=" << name;
+    for (QTcpSocket *finished : unfinished.values(socket->peerPort())) {
+        if (finished->peerAddress() == socket->peerAddress())
+            unfinished.remove(socket->peerPort(), finished);
+    }
+    socket->setMaxAllowedIncomingMessageSize(static_cast<quint64>(settings.limit));
+    socket->setMaxAllowedIncomingFrameSize(static_cast<quint64>(settings.limit));
+
+    const quint64 number = ++lastNumber;
+    Connection &connection = connections[number];
+    connection.socket = socket;
+    connection.source = makeSource(number);
+    connection.waitingBytes = std::make_shared<std::atomic<qint64>>(0);
+    connection.progress.start();
+    connect(socket, &QWebSocket::textMessageReceived, this,
+            [this, number](const QString &frame) { onTextMessageReceived(number, frame); });
+    connect(socket, &QWebSocket::bytesWritten, this, [this, number] {
+        if (Connection *const found = find(number); found && !found->isClosing)
+            found->progress.start();
+    });
+    connect(socket, &QWebSocket::disconnected, this, [this, number] { onSocketDisconnected(number); });
+    if (socket->state() == QAbstractSocket::UnconnectedState)
+        onSocketDisconnected(number);
+}
+
+std::shared_ptr<RemoteSubtreeSource> RemoteBackendServer::makeSource(quint64 number)
+{
+    const auto weak = weak_from_this();
+    return std::make_shared<RemoteSubtreeSource>(
+        worker,
+        [weak, number](const QString &frame) {
+            if (const auto server = weak.lock())
+                Q_EMIT server->sendRequested(number, frame);
+        },
+        [weak, number](const QString &id) {
+            if (const auto server = weak.lock())
+                Q_EMIT server->clientNamed(number, id);
+        });
+}
+
+void RemoteBackendServer::onTextMessageReceived(quint64 number, const QString &frame)
+{
+    Connection *const connection = find(number);
+    if (!connection || connection->isClosing)
+        return;
+    const qint64 size = frame.size() * qint64(sizeof(QChar)) + FrameBytes;
+    const auto waiting = connection->waitingBytes;
+    if (waiting->fetch_add(size) + size > 2 * settings.limit + WaitingBytes) {
+        closeOverfull(*connection, "received frames");
+        return;
+    }
+    worker->post([source = connection->source, waiting, size, frame] {
+        waiting->fetch_sub(size);
+        source->receive(frame);
+    });
+}
+
+void RemoteBackendServer::onClientNamed(quint64 number, const QString &id)
+{
+    Connection *const connection = find(number);
+    if (!connection)
+        return;
+    connection->status.reset();
+    connection->statusPath.clear();
+    if (id.isEmpty() || RepositoryProvider::getInstance()->getPathElementsFromPath(id).size() != 1) {
+        FrameworkLog().warning() << "RemoteBackendServer::onTextMessageReceived() no status for client id='"
+                                 << id << "'";
+        return;
+    }
+    connection->statusPath = StatusPath("remote_server", id);
+    FrameworkLog().log() << "RemoteBackendServer::onTextMessageReceived() created status_path="
+                         << connection->statusPath;
+    if (MayCreateStatus()) {
+        connection->status = std::make_unique<ShownAttribute>(connection->statusPath,
+                                                              connection->socket->peerAddress().toString());
+    }
+}
+
+void RemoteBackendServer::onSocketDisconnected(quint64 number)
+{
+    const auto found = connections.find(number);
+    if (found == connections.end())
+        return;
+    FrameworkLog().log() << "RemoteBackendServer::onSocketDisconnected() id=" << name;
+    Connection connection = std::move(found->second);
+    connections.erase(found);
+    connection.socket->disconnect(this);
+    connection.socket->deleteLater();
+    dropOnWorker({std::move(connection.source)});
+    if (!connection.statusPath.isEmpty()) {
+        FrameworkLog().log() << "RemoteBackendServer::onSocketDisconnected() status_path="
+                             << connection.statusPath;
+    }
+}
+
+void RemoteBackendServer::sendTextMessage(quint64 number, const QString &frame)
+{
+    Connection *const connection = find(number);
+    if (!connection || connection->isClosing || frame.isEmpty())
+        return;
+    QWebSocket &socket = *connection->socket;
+    // What waits for the event loop is not the peer's fault.
+    if (socket.bytesToWrite() > settings.limit)
+        socket.flush();
+    if (socket.bytesToWrite() > settings.limit) {
+        closeOverfull(*connection, "unsent bytes");
+        return;
+    }
+    if (socket.bytesToWrite() == 0)
+        connection->progress.start();
+    socket.sendTextMessage(frame);
+    if (!progressTimer->isActive())
+        progressTimer->start(CheckMilliseconds);
+}
+
+void RemoteBackendServer::closeOverfull(Connection &connection, const char *reason)
+{
+    FrameworkLog().warning() << "RemoteBackendServer::closeOverfull() id=" << name
+                             << " status_path=" << connection.statusPath << " reason=" << reason;
+    connection.isClosing = true;
+    connection.progress.start();
+    dropOnWorker({std::move(connection.source)});
+    if (!progressTimer->isActive())
+        progressTimer->start(CheckMilliseconds);
+    connection.socket->close(QWebSocketProtocol::CloseCodeTooMuchData); // may end the connection at once
+}
+
+void RemoteBackendServer::checkProgress()
+{
+    std::vector<quint64> stalled;
+    bool isNeeded = false;
+    for (const auto &[number, connection] : connections) {
+        const bool isWatched = connection.isClosing || connection.socket->bytesToWrite() > 0;
+        isNeeded = isNeeded || isWatched;
+        if (isWatched && connection.progress.hasExpired(StalledMilliseconds))
+            stalled.push_back(number);
+    }
+    if (!isNeeded)
+        progressTimer->stop();
+    for (const quint64 number : stalled) {
+        Connection *const connection = find(number);
+        if (!connection)
+            continue;
+        if (connection->isClosing)
+            connection->socket->abort();
+        else
+            closeOverfull(*connection, "unsent bytes do not go");
+    }
+}
+
+/*! The end of a source waits for its running handlers, which the event thread must not. */
+void RemoteBackendServer::dropOnWorker(std::vector<std::shared_ptr<RemoteSubtreeSource>> &&sources)
+{
+    // The worker lives until it has done this.
+    if (worker)
+        worker->post([dropped = std::move(sources), own = worker] {});
+}
+
+RemoteBackendServer::Connection *RemoteBackendServer::find(quint64 number)
+{
+    const auto found = connections.find(number);
+    return found == connections.end() ? nullptr : &found->second;
+}
+
+} // namespace Tessellum::AppConfig::Backends::utils
