@@ -29,8 +29,10 @@ bool RemoteBackend::loadAttributesCreateDataInternal(Attributes::AttributesCreat
     const BackendCreateData present = getCreateData();
     if (present.type.isEmpty() || present.name.isEmpty())
         return false;
-    return present.type.toLower().endsWith(QLatin1String("server"))
-        && loadAttributesServerInternal(present.data);
+    const QString type = present.type.toLower();
+    if (type.endsWith(QLatin1String("server")))
+        return loadAttributesServerInternal(present.data);
+    return false;
 }
 
 bool RemoteBackend::loadAttributesServerInternal(const QVariant &data)
