@@ -1,5 +1,7 @@
 #include <appdata/data/utils/ElementRegistrationProvider.h>
+#include <appdata/storages/RemoteStorage.h>
 #include <appdata/storages/Storage.h>
+#include <appdata/storages/StorageTypes.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryMemoryStrategyProvider.h>
@@ -29,7 +31,9 @@ RepositoryProvider::RepositoryProvider()
     : root(MakeNode<HierarchyNodeInstance>())
     , pool(QStringLiteral("AppDataRepository"), MakeCreateTaskFactory(*this), MakeUpdateTaskFactory(*this),
            MakeDeleteTaskFactory(*this), QThread::idealThreadCount(), true)
-{ }
+{
+    Storages::RegisterStorage<Storages::RemoteStorage>(*this, Storages::StorageTypes::Remote());
+}
 
 RepositoryProvider::~RepositoryProvider() = default;
 

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <appdata/storages/utils/RemoteStorageConnection.h>
+#include <appdata/storages/utils/RemoteStorageMirror.h>
+#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/utils/AppDataRepositoryEventThreadUser.h>
+#include <notification/utils/FrameWorker.h>
+
+#include <QWebSocketServer>
+
+#include <atomic>
+#include <memory>
+
+namespace Tessellum::AppData::Storages::utils {
+
+/*!
+ * Serves the storages of this process to peers, and pushes the changes of its own storage to all of them.
+ *
+ * The port stands in the attribute "appdata.storages.remote_server_ports.NAME", 0 while it does not listen; a
+ * peer with its address in "appdata.storages.remote_server.ID". A peer that misses a push is not told.
+ *
+ * Threads: any may call the operations of the node; the sockets and the slots belong to the event thread,
+ * which never waits here; what a frame asks for is done by the worker. Lock: the mutex guards the
+ * connections; nothing is called while it is held. Made by MakeEventThreadObject().
+ */
+class RemoteStorageServer : public RemoteStorageNode,
+                            public AppData::utils::AppDataRepositoryEventThreadUser,
+                            public std::enable_shared_from_this<RemoteStorageServer>
+{
+    Q_OBJECT
+
+public:
+    /*! The items of the query: "bind" is the address to listen on, all addresses without it; "limit" (bytes,
+     * 64 MiB without it) bounds a received message and what waits of one peer. Port 0 takes a free one. */
+    RemoteStorageServer(const QString &storageName, const QUrl &url);
+    ~RemoteStorageServer() override;
+
+    bool initialize() override;
+    bool isRunning() const override;
+    bool createEntry(const QString &storageName, const QString &path, const EntryRecord &info) override;
+    bool createElement(const QString &path, const QString &name, const ElementValues &values) override;
+    bool updateElement(const QString &path, const QString &name, const ElementValues &values) override;
+    bool removeEntry(const QString &path) override;
+
+Q_SIGNALS:
+    void requestInitialization();
+    void notificationMessageReady(const QString &connectionUuid, const QString &message);
+    void notificationBinaryMessageReady(const QString &connectionUuid, const QByteArray &message);
+    void socketCloseRequested(const QString &connectionUuid);
+
+public Q_SLOTS:
+    void onInitializationRequested();
+    void onNewConnection();
+    void onNotificationMessageReady(const QString &connectionUuid, const QString &message);
+    void onNotificationBinaryMessageReady(const QString &connectionUuid, const QByteArray &message);
+    void onTextMessageReceived(const QString &connectionUuid, const QString &message);
+    void onBinaryMessageReceived(const QString &connectionUuid, const QByteArray &message);
+    void onSocketDisconnected(const QString &connectionUuid);
+    void onBytesWritten(const QString &connectionUuid, qint64 bytes);
+    void onServerClosed();
+
+private:
+    void listen();
+    void addConnection(QWebSocket *socket);
+    void dropConnections();
+    template <class Send>
+    void deliver(const QString &connectionUuid, const Send &send);
+    void receive(const QString &connectionUuid, const RemoteStorageFrame &frame, qint64 size);
+    bool post(const std::function<void()> &step);
+    void takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame, const QString &address);
+    void answer(const QString &connectionUuid, const RemoteStorageMessage &request, const QString &address);
+    void releaseHeld(const QString &connectionUuid);
+    void showPeer(const QString &connectionUuid, const QString &clientId, const QString &address);
+    void push(RemoteStorageCommand command, const QString &path, const RemoteStorageSource::Payload &payload);
+    bool hold(const QString &connectionUuid, const RemoteStorageFrame &frame);
+    void emitFrame(const QString &connectionUuid, const RemoteStorageFrame &frame);
+
+    const int port;
+    const qint64 limit;
+    QWebSocketServer *server = nullptr; // a child
+    std::atomic<bool> listening{false};
+    bool toldOfAcceptError = false;
+    std::shared_ptr<AppConfig::utils::ShownAttribute> shownPort;
+    std::shared_ptr<Notification::utils::FrameWorker> worker; // for the event thread alone
+    RemoteStorageMirror mirror; // for the worker alone
+
+    mutable QMutex mutex;
+    QHash<QString, RemoteStorageConnection> connections;
+};
+
+} // namespace Tessellum::AppData::Storages::utils
