@@ -306,8 +306,9 @@ void RemoteStorageServerTest::aPeerThatStopsReadingIsClosed()
     QVERIFY(raw.waitForBytesWritten());
     const QByteArray frame
         = RemoteStorageNode::ComposeText("served", RemoteStorageCommand::Init, "stuck", {}).toUtf8();
-    // Masked with zeroes, and a length of two bytes.
-    raw.write(QByteArray("\x81\xfe\0", 3) + char(frame.size()) + QByteArray(4, '\0') + frame);
+    QVERIFY(frame.size() < 126 && raw.waitForReadyRead());
+    // Masked with zeroes.
+    raw.write(QByteArray("\x81") + char(0x80 | frame.size()) + QByteArray(4, '\0') + frame);
     QTRY_COMPARE(status("stuck"), QStringLiteral("127.0.0.1"));
     Peer reader(port());
     QTRY_VERIFY(reader.isOpen());
