@@ -26,7 +26,7 @@ RemoteStorageMessage MakeMessage(const QString &path, RemoteStorageCommand comma
 
 RemoteStorageNode::RemoteStorageNode(const QString &nodeId, const QUrl &nodeUrl)
     : id(nodeId)
-    , url(nodeUrl)
+    , address(nodeUrl)
 { }
 
 RemoteStorageNode::~RemoteStorageNode() = default;

@@ -54,7 +54,7 @@ public:
 
     QString getId() const;
     void setId(const QString &newId);
-    QUrl getUrl() const { return url; }
+    QUrl getUrl() const { return address; }
 
     /*! The elements of an entry that is there stay. */
     void storeEntry(const QString &path, const EntryRecord &info);
@@ -98,7 +98,7 @@ private:
     mutable QMutex mutex;
     QHash<QString, QString> map;
     QHash<QString, CachedEntry> entries;
-    const QUrl url;
+    const QUrl address;
 };
 
 } // namespace Tessellum::AppData::Storages::utils
