@@ -26,7 +26,7 @@ RemoteStorageMessage MakeMessage(const QString &path, RemoteStorageCommand comma
 
 RemoteStorageNode::RemoteStorageNode(const QString &nodeId, const QUrl &nodeUrl)
     : id(nodeId)
-    , address(nodeUrl)
+    , location(nodeUrl)
 { }
 
 RemoteStorageNode::~RemoteStorageNode() = default;

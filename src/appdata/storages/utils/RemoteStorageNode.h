@@ -54,7 +54,7 @@ public:
 
     QString getId() const;
     void setId(const QString &newId);
-    QUrl getUrl() const { return address; }
+    QUrl getUrl() const { return location; }
 
     /*! The elements of an entry that is there stay. */
     void storeEntry(const QString &path, const EntryRecord &info);
@@ -98,7 +98,7 @@ private:
     mutable QMutex mutex;
     QHash<QString, QString> map;
     QHash<QString, CachedEntry> entries;
-    const QUrl address;
+    const QUrl location;
 };
 
 } // namespace Tessellum::AppData::Storages::utils
