@@ -4,10 +4,10 @@
 #include <notification/utils/ShortLock.h>
 #include <shared/logging/FrameworkLog.h>
 
+#include <QDeadlineTimer>
 #include <QSemaphore>
 #include <QThread>
 
-#include <chrono>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -18,8 +18,6 @@ namespace Tessellum::Notification {
 namespace {
 
 constexpr int IdleMilliseconds = 1001;
-constexpr std::chrono::microseconds LookTime(20);
-constexpr int MostPassedOver = 64;
 constexpr int StopReportMilliseconds = 5000;
 constexpr int StopReportLines = 10;
 
@@ -59,11 +57,11 @@ private:
 
 ThreadPool::ThreadPool(const QString &poolName, CreateFactory create, UpdateFactory update,
                        DeleteFactory remove, int requestedThreads, bool startStopped)
-    : name(poolName)
+    : work(*this, startStopped)
+    , name(poolName)
     , createFactory(std::move(create))
     , updateFactory(std::move(update))
     , deleteFactory(std::move(remove))
-    , stopped(startStopped)
 {
     const int threads = qMax(requestedThreads, MinimumThreadCount());
     if (threads != requestedThreads) {
@@ -121,144 +119,32 @@ std::shared_ptr<typename Task::ObserverType> ThreadPool::startTask(const Factory
     return observer;
 }
 
-bool ThreadPool::launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper)
-{
-    utils::RunnableChain finished; // freed behind the lock
-    bool wantsWorker = false;
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        finished = runnables.takeFinished();
-        if (!isRunning())
-            return false;
-        runnables.add(std::move(wrapper));
-        wantsWorker = enlistWorkerLocked();
-    }
-    // Behind the lock, which is the first thing that the woken thread takes. A stop waits for the worker.
-    if (wantsWorker)
-        QThreadPool::start(&worker, 0);
-    return true;
-}
-
-int ThreadPool::allowedWorkersLocked() const
-{
-    return qMax(1, currentMaxThreadCount()) + lentPlaces;
-}
-
-/*! True if the caller is to start one more worker, which is counted from here on. Not while another one looks
- * for work, as long as that one comes soon: it takes the next item and enlists a further worker if there are
- * more. QThreadPool may have failed to make its thread. */
-bool ThreadPool::enlistWorkerLocked()
-{
-    if (!runnables.hasQueued() || workers >= allowedWorkersLocked())
-        return false;
-    if (lookingWorkers > 0 && ++passedOver < MostPassedOver)
-        return false;
-    passedOver = 0;
-    ++workers;
-    ++lookingWorkers;
-    return true;
-}
-
-void ThreadPool::startWantedWorker()
-{
-    bool wantsWorker = false;
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        wantsWorker = enlistWorkerLocked();
-    }
-    if (wantsWorker)
-        QThreadPool::start(&worker, 0);
-}
-
-ThreadPool::Worker::Worker(ThreadPool &owner)
-    : pool(owner)
-{
-    setAutoDelete(false);
-}
-
-void ThreadPool::Worker::run()
-{
-    const utils::CurrentPool current(&pool);
-    utils::TrackedRunnable *item = nullptr;
-    while ((item = pool.exchangeItem(item)))
-        item->run();
-}
-
-/*! Gives a finished item back and takes the next one; null ends the worker. With null, it is a new worker. */
-utils::TrackedRunnable *ThreadPool::exchangeItem(utils::TrackedRunnable *finished)
-{
-    utils::TrackedRunnable *next = nullptr;
-    bool wantsWorker = false;
-    {
-        utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-        utils::ShortLocker locker(runnables.mutex);
-        if (finished)
-            runnables.finish(finished, leftovers);
-        else
-            --lookingWorkers;
-        next = takeItemLocked();
-        if (!next && lookingWorkers == 0) {
-            ++lookingWorkers;
-            locker.unlock();
-            lookForItems();
-            locker.relock();
-            --lookingWorkers;
-            next = takeItemLocked();
-        }
-        if (next)
-            wantsWorker = enlistWorkerLocked();
-        else if (--workers; waiting > 0)
-            nothingRuns.wakeAll();
-    }
-    if (wantsWorker)
-        QThreadPool::start(&worker, 0);
-    return next;
-}
-
-utils::TrackedRunnable *ThreadPool::takeItemLocked()
-{
-    const bool isTooMany = workers > allowedWorkersLocked();
-    return isTooMany ? nullptr : runnables.takeNext();
-}
-
-/*! Returns when there is something to take, or after about the time that a thread takes to be woken. */
-void ThreadPool::lookForItems() const
-{
-    const QDeadlineTimer end(LookTime, Qt::PreciseTimer);
-    while (!runnables.hasQueued() && waiting == 0 && !end.hasExpired())
-        QThread::yieldCurrentThread();
-}
-
 void ThreadPool::lendPlace()
 {
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        ++lentPlaces;
-    }
+    work.changeLentPlaces(1);
     releaseThread();
-    startWantedWorker();
+    work.startWantedWorker();
 }
 
 void ThreadPool::takePlaceBack()
 {
     reserveThread();
-    const utils::ShortLocker locker(runnables.mutex);
-    --lentPlaces;
+    work.changeLentPlaces(-1);
 }
 
 void ThreadPool::setMaxThreadCount(int threads)
 {
     {
-        const utils::ShortLocker locker(runnables.mutex);
+        const utils::ShortLocker locker(work.mutex());
         setMaxThreadCountLocked(threads);
     }
-    startWantedWorker();
+    work.startWantedWorker();
 }
 
 void ThreadPool::setMaxThreadCountLocked(int threads)
 {
     QThreadPool::setMaxThreadCount(threads);
-    maximum.store(threads, std::memory_order_relaxed);
+    work.setMostWorkersLocked(threads);
 }
 
 void ThreadPool::adjustThreadCount()
@@ -270,7 +156,7 @@ void ThreadPool::adjustThreadCount()
     int current = 0;
     int wanted = 0;
     {
-        const utils::ShortLocker locker(runnables.mutex);
+        const utils::ShortLocker locker(work.mutex());
         current = currentMaxThreadCount();
         wanted = wantedThreadCountLocked(current);
         isTimingIdleness.store(idleTimer.isValid(), std::memory_order_relaxed);
@@ -307,12 +193,12 @@ void ThreadPool::raiseMaxThreadCount(int current, int wanted)
     if (further <= 0)
         return;
     {
-        const utils::ShortLocker locker(runnables.mutex);
+        const utils::ShortLocker locker(work.mutex());
         if (currentMaxThreadCount() != current) // somebody else was faster
             return;
         setMaxThreadCountLocked(current + further);
     }
-    startWantedWorker();
+    work.startWantedWorker();
 }
 
 int ThreadPool::ProbeThreads(int wanted)
@@ -324,23 +210,18 @@ int ThreadPool::ProbeThreads(int wanted)
 
 void ThreadPool::start()
 {
-    stopped.store(false, std::memory_order_release);
+    work.setRunning(true);
 }
 
 void ThreadPool::stop()
 {
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        stopped.store(true, std::memory_order_release);
-    }
+    work.setRunning(false);
     cleanUp(false);
 }
 
 void ThreadPool::clear()
 {
-    utils::RunnableChain discarded; // ended and freed behind the lock
-    const utils::ShortLocker locker(runnables.mutex);
-    discarded = runnables.takeQueued();
+    work.discardQueued();
 }
 
 bool ThreadPool::stopAndWait(int milliseconds)
@@ -351,7 +232,7 @@ bool ThreadPool::stopAndWait(int milliseconds)
         return false;
 
     const QDeadlineTimer deadline(milliseconds);
-    while (!waitForWorkers(qMin(deadline, QDeadlineTimer(StopReportMilliseconds)))) {
+    while (!work.waitUntilEmpty(qMin(deadline, QDeadlineTimer(StopReportMilliseconds)))) {
         if (deadline.hasExpired())
             return false;
         logRunning();
@@ -366,28 +247,13 @@ bool ThreadPool::waitForDone(int milliseconds)
 {
     const QDeadlineTimer deadline(milliseconds);
     // A worker that is over may still free what its last task held.
-    return waitForWorkers(deadline) && QThreadPool::waitForDone(int(deadline.remainingTime()));
-}
-
-bool ThreadPool::waitForWorkers(const QDeadlineTimer &deadline)
-{
-    const utils::ShortLocker locker(runnables.mutex);
-    // What a waiting thread of another pool took over runs without a worker.
-    const auto isOver = [this] { return workers == 0 && !runnables.hasRunning(); };
-    ++waiting;
-    while (!isOver() && nothingRuns.wait(&runnables.mutex, deadline)) { }
-    --waiting;
-    return isOver();
+    return work.waitUntilEmpty(deadline) && QThreadPool::waitForDone(int(deadline.remainingTime()));
 }
 
 void ThreadPool::logRunning() const
 {
-    QList<utils::TaskDescription> descriptions;
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        descriptions = runnables.runningDescriptions(StopReportLines);
-    }
-    for (const auto &description : qAsConst(descriptions)) {
+    const auto descriptions = work.runningDescriptions(StopReportLines);
+    for (const auto &description : descriptions) {
         Shared::Logging::FrameworkLog().warning()
             << "ThreadPool::stopAndWait(" << name << ") still waiting for " << description.text();
     }
@@ -401,33 +267,12 @@ std::unique_ptr<ThreadPool> ThreadPool::clone(const QString &cloneName) const
 
 void ThreadPool::cleanUp(bool all)
 {
-    utils::RunnableChain finished;
-    utils::RunnableChain discarded;
-    const utils::ShortLocker locker(runnables.mutex);
-    finished = runnables.takeFinished();
-    if (all)
-        discarded = runnables.takeQueued();
+    work.cleanUp(all);
 }
 
 bool ThreadPool::takeAndRun(const utils::ObserverCore &observer)
 {
-    utils::TrackedRunnable *item = nullptr;
-    {
-        const utils::ShortLocker locker(runnables.mutex);
-        item = runnables.take(observer);
-    }
-    if (!item)
-        return false;
-    {
-        const utils::CurrentPool current(this);
-        item->run();
-    }
-    utils::RunnableTracker::Leftovers leftovers; // freed behind the lock
-    const utils::ShortLocker locker(runnables.mutex);
-    runnables.finish(item, leftovers);
-    if (waiting > 0)
-        nothingRuns.wakeAll();
-    return true;
+    return work.takeAndRun(observer);
 }
 
 int ThreadPool::MinimumThreadCount()

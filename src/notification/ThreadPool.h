@@ -3,13 +3,11 @@
 #include <notification/CreateTask.h>
 #include <notification/DeleteTask.h>
 #include <notification/UpdateTask.h>
-#include <notification/utils/RunnableTracker.h>
 #include <notification/utils/RunnableWrapper.h>
+#include <notification/utils/WorkQueue.h>
 
-#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QThreadPool>
-#include <QWaitCondition>
 
 #include <functional>
 #include <memory>
@@ -26,13 +24,10 @@ namespace Tessellum::Notification {
  * Any thread may call. Ownership: the pool owns its tasks; who starts one gets the observer alone. Failure: a
  * stopped pool, an empty factory or a factory without a task gives an empty observer.
  *
- * The pool queues by itself and gives QThreadPool one worker for each thread that it wants; a worker goes on
- * until nothing is queued. So a start among many costs no more than one among few, as it does in QThreadPool.
- * Waking a thread costs more than most tasks. So one worker at a time is woken, which passes that on when it
- * finds more than one item, and one that finds nothing looks on for an instant before it leaves.
+ * The class knows the factories of tasks and the right number of threads; what is queued and who works on it
+ * is the matter of utils::WorkQueue.
  *
- * Lock: the mutex of the record of runnables also guards the workers' number and the idle timer, and makes
- * the test of the stop flag and the entry of a task one step. It is never held while a factory, a task or a
+ * Lock: the mutex of the work queue also guards the idle timer. It is never held while a factory, a task or a
  * destructor of one runs.
  */
 class TESSELLUM_EXPORT ThreadPool : public QThreadPool
@@ -69,7 +64,7 @@ public:
     /*! Lets no further task in; those that are queued still run. */
     void stop();
     /*! True while tasks are let in. */
-    bool isRunning() const { return !stopped.load(std::memory_order_acquire); }
+    bool isRunning() const { return work.isRunning(); }
     /*! Takes every queued task off the queue and ends it without a result; hides QThreadPool::clear(). */
     void clear();
     /*!
@@ -124,61 +119,34 @@ protected:
     template <class Runnable>
     bool launch(std::unique_ptr<Runnable> runnable, std::shared_ptr<utils::ObserverCore> observer = {})
     {
-        return launchWrapper(std::make_unique<utils::RunnableWrapper<Runnable>>(std::move(runnable),
-                                                                                std::move(observer), queued));
+        return work.add(std::make_unique<utils::RunnableWrapper<Runnable>>(std::move(runnable),
+                                                                           std::move(observer), queued));
     }
 
-    /*! Sets the maximum; the caller holds the mutex of the runnables. */
+    /*! Sets the maximum; the caller holds the mutex of the work queue. */
     void setMaxThreadCountLocked(int threads);
     /*! maxThreadCount() without a lock. */
-    int currentMaxThreadCount() const { return maximum.load(std::memory_order_relaxed); }
+    int currentMaxThreadCount() const { return work.mostWorkers(); }
     /*! Raises the maximum from \a current to \a wanted, or by as many threads as the system gives now. */
     void raiseMaxThreadCount(int current, int wanted);
 
     utils::RunnableCounter queued;
-    utils::RunnableTracker runnables;
+    utils::WorkQueue work;
 
 private:
-    class Worker : public QRunnable
-    {
-    public:
-        explicit Worker(ThreadPool &owner);
-        void run() override;
-
-    private:
-        ThreadPool &pool;
-    };
-
     template <class Task, class Factory, class... Arguments>
     std::shared_ptr<typename Task::ObserverType> startTask(const Factory &factory,
                                                            const Arguments &...arguments);
-    bool launchWrapper(std::unique_ptr<utils::TrackedRunnable> wrapper);
-    utils::TrackedRunnable *exchangeItem(utils::TrackedRunnable *finished);
-    utils::TrackedRunnable *takeItemLocked();
-    void lookForItems() const;
-    int allowedWorkersLocked() const;
-    bool enlistWorkerLocked();
-    void startWantedWorker();
     int wantedThreadCountLocked(int current);
-    bool waitForWorkers(const QDeadlineTimer &deadline);
     void logRunning() const;
     static int ProbeThreads(int wanted);
 
     QElapsedTimer idleTimer;
     std::atomic<bool> isTimingIdleness = false; // whether idleTimer runs
-    std::atomic<int> maximum = 0; // maxThreadCount(), which would take a lock of its own
     const QString name;
     const CreateFactory createFactory;
     const UpdateFactory updateFactory;
     const DeleteFactory deleteFactory;
-    std::atomic<bool> stopped;
-    Worker worker{*this}; // one object for all workers
-    int workers = 0; // that run or are about to
-    int lookingWorkers = 0; // those among them that have no item yet
-    int passedOver = 0; // times that nobody was started since one looks for work
-    int lentPlaces = 0;
-    std::atomic<int> waiting = 0; // threads that wait for nothingRuns
-    QWaitCondition nothingRuns;
 };
 
 } // namespace Tessellum::Notification

@@ -34,7 +34,7 @@ void HandlerPool::adjustThreadCount()
 {
     if (currentMaxThreadCount() <= MinimumThreadCount() || getQueuedCount() > 0)
         return;
-    const QMutexLocker locker(&runnables.mutex);
+    const QMutexLocker locker(&work.mutex());
     if (activeThreadCount() < MinimumThreadCount())
         setMaxThreadCountLocked(MinimumThreadCount());
 }
@@ -113,7 +113,7 @@ void HandlerPool::growIfBlocked(quint32 begunBefore)
 {
     int current = 0;
     {
-        const QMutexLocker locker(&runnables.mutex);
+        const QMutexLocker locker(&work.mutex());
         current = currentMaxThreadCount();
         if (getQueuedCount() == 0 || queued.begun != begunBefore || activeThreadCount() < current
             || current >= CeilingThreadCount())

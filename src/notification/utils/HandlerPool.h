@@ -18,7 +18,7 @@ namespace Tessellum::Notification::utils {
  * it grow. A small watching thread looks for that while handlers are queued, so that it needs no further
  * notification. The maximum falls back to MinimumThreadCount() with a notification that finds the pool idle.
  *
- * Lock: watchMutex guards the state of the watching thread; it is taken before the mutex of the runnables
+ * Lock: watchMutex guards the state of the watching thread; it is taken before the mutex of the work queue
  * and held neither while threads are tried out nor while that thread is joined.
  */
 class TESSELLUM_EXPORT HandlerPool : public ThreadPool
