@@ -1,3 +1,4 @@
+#include "ConnectedStorages.h"
 #include "SqlStorage.h"
 
 #include <shared/logging/FrameworkLog.h>
@@ -75,11 +76,14 @@ SqlStorage::SqlStorage(const StorageCreateData &data, const QStringList &typeKey
 
 SqlStorage::~SqlStorage()
 {
+    ConnectedStorages::Remove(this);
     disconnectStorage();
 }
 
 bool SqlStorage::connectStorage()
 {
+    if (!ConnectedStorages::Add(this))
+        return false;
     const QMutexLocker lock(&lifecycle);
     if (connected)
         return true;

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void refusesOtherFiles_data();
     void refusesOtherFiles();
     void survivesEveryCut();
+    void survivesTheEndOfTheProcess();
     void refusesReadOnlyFile();
     void writesAgainAfterALock();
     void tellsOfALockAtOnce();
@@ -310,6 +311,21 @@ void SqliteStorageTest::keepsWhatWasCommitted()
         checkWritten(file, entry, mode == 1 ? last : -1);
     }
     QCOMPARE(sql(file, {QStringLiteral("PRAGMA integrity_check")}), QVariantList{QStringLiteral("ok")});
+}
+
+// A process that ends with its storage connected loses nothing, and ends well.
+void SqliteStorageTest::survivesTheEndOfTheProcess()
+{
+    const QString file = folder->filePath(QStringLiteral("a"));
+    const QString entry = Uuid();
+    QProcess child;
+    child.start(QStringLiteral(STORAGE_WRITER),
+                {QStringLiteral(SQLITE_PLUGIN), QStringLiteral("sqlite"), file, QStringLiteral("0"), entry,
+                 QStringLiteral("3000")});
+    QVERIFY(child.waitForFinished(60000));
+    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(child.exitCode(), 0);
+    checkWritten(file, entry, 2999);
 }
 
 // All values from the first one on, without a gap, and at least up to the one that is known to be written.
