@@ -16,10 +16,14 @@ class TESSELLUM_EXPORT PlaceLender
 public:
     /*! \a pool is the one that started the task of \a observer. */
     PlaceLender(ThreadPool &pool, const ObserverCore &observer);
+    /*! For a wait on something else than a task: lends the place at once. */
+    PlaceLender();
     ~PlaceLender();
     Q_DISABLE_COPY(PlaceLender)
 
 private:
+    void lend();
+
     ThreadPool *lent = nullptr;
 };
 
