@@ -1,19 +1,21 @@
 #pragma once
 
+#include <appconfig/utils/ShownAttribute.h>
 #include <appdata/DataTypes.h>
 #include <notification/Observer.h>
 #include <shared/hierarchy/HierarchyNode.h>
+
+#include <QMutex>
 
 #include <memory>
 
 namespace Tessellum::AppData::utils {
 
 /*!
- * Shows the load status of one node in the configuration, as the attribute "appdata.FULL PATH.loaded".
+ * Shows the load status of one node in the configuration, as the attribute "appdata.FULL PATH.loaded", which
+ * ends at the last status whatever the order of tasks. The node's removal takes it away.
  *
- * One step is on its way at a time; its end starts the next where the status has changed meanwhile, with the
- * status of that moment. So the attribute ends at the last status whatever the order of tasks. Threads: any;
- * a caller never waits and must hold no lock. Lock: guards what is on its way.
+ * Threads: any; a caller never waits and must hold no lock. Lock: guards the pointer to what is shown.
  */
 class LoadStatusMirror
 {
@@ -21,7 +23,8 @@ public:
     explicit LoadStatusMirror(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node);
     ~LoadStatusMirror();
 
-    /*! Shows \a current from now on; \a old is what a fresh attribute begins with. */
+    /*! Shows \a current from now on; \a old is what a fresh attribute begins with. Nothing for a node that is
+     * off the tree. */
     void publish(const LoadStatus &old, const LoadStatus &current);
 
     /*! Starts the removal of the attributes beneath "appdata.PATH", the node and its children together. Null
@@ -29,8 +32,13 @@ public:
     static std::shared_ptr<Notification::DeleteObserver> StartRemoval(const QString &fullPath);
 
 private:
-    struct State;
-    const std::shared_ptr<State> state;
+    using ShownPtr = std::shared_ptr<AppConfig::utils::ShownAttribute>;
+
+    ShownPtr shownAt(const QString &fullPath);
+
+    const std::weak_ptr<Shared::Hierarchy::HierarchyNode> node;
+    QMutex mutex;
+    ShownPtr shown;
 };
 
 } // namespace Tessellum::AppData::utils

@@ -11,7 +11,7 @@
 
 namespace Tessellum::AppData::Storages::utils {
 
-using AppConfig::utils::StatusAttributes;
+using AppConfig::utils::ShownAttribute;
 using Notification::UpdatePoint;
 using Notification::UpdateResult;
 using Notification::utils::RunGuarded;
@@ -29,26 +29,18 @@ AppConfig::utils::RepositoryProvider &Configuration()
     return *AppConfig::utils::RepositoryProvider::getInstance();
 }
 
-qint64 LimitOf(const QUrl &url)
-{
-    bool isNumber = false;
-    const qint64 limit
-        = QUrlQuery(url).queryItemValue(QStringLiteral("limit"), QUrl::FullyDecoded).toLongLong(&isNumber);
-    return isNumber && limit > 0 ? limit : DefaultLimit;
-}
-
 QString IdOf(const QUrl &url)
 {
     return QUrlQuery(url).queryItemValue(QStringLiteral("id"), QUrl::FullyDecoded);
 }
 
-std::shared_ptr<StatusAttributes> AttributesOf(const QString &id)
+std::unique_ptr<ShownAttribute> AttributesOf(const QString &id)
 {
-    if (id.isEmpty() || RemoteStorageNode::SplitPath(id).size() != 1) {
+    if (!RemoteStorageNode::IsPathElement(id)) {
         FrameworkLog().warning() << "RemoteStorageClient::initialize() no status attribute for id=" << id;
         return nullptr;
     }
-    return std::make_shared<StatusAttributes>(Configuration().getPathFromPathElements(
+    return std::make_unique<ShownAttribute>(Configuration().getPathFromPathElements(
         {QStringLiteral("appdata"), QStringLiteral("storages"), QStringLiteral("remote_clients"), id}));
 }
 
@@ -57,7 +49,7 @@ std::shared_ptr<StatusAttributes> AttributesOf(const QString &id)
 RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &storageName)
     : RemoteStorageNode(IdOf(url), url)
     , AppDataRepositoryEventThreadUser(this)
-    , limit(LimitOf(url))
+    , limit(getLimit(DefaultLimit))
     , mirror(*this, storageName)
 {
     connect(this, &RemoteStorageClient::requestInitialization, this,
@@ -67,8 +59,6 @@ RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &storage
 RemoteStorageClient::~RemoteStorageClient()
 {
     controlHandle.reset();
-    if (worker)
-        worker->end();
     if (socket) {
         socket->disconnect(this);
         socket->close(QWebSocketProtocol::CloseCodeNormal);
@@ -78,10 +68,9 @@ RemoteStorageClient::~RemoteStorageClient()
 bool RemoteStorageClient::initialize()
 {
     FrameworkLog().debug() << "RemoteStorageClient::initialize() id=" << getId();
-    worker = AppData::utils::RepositoryProvider::getInstance()->getFrameWorkers().make();
     attributes = AttributesOf(getId());
     if (attributes) {
-        attributes->provide(control, QString());
+        attributes->showChild(control, QString());
         observeControl();
     }
     Q_EMIT requestInitialization();
@@ -93,7 +82,7 @@ void RemoteStorageClient::observeControl()
     const auto notifications = Configuration().getNotificationProvider();
     if (!notifications)
         return;
-    const QString controlPath = attributes->pathOf(control);
+    const QString controlPath = attributes->getChildPath(control);
     controlHandle = notifications->registerUpdateHandler(
         controlPath,
         [weak = weak_from_this(), controlPath](const QString &path, const UpdatePoint &,
@@ -113,7 +102,7 @@ void RemoteStorageClient::observeControl()
 
 bool RemoteStorageClient::isRunning() const
 {
-    return attributes && attributes->isThere(status);
+    return attributes && Configuration().getRoot()->findChildByRelativePath(attributes->getChildPath(status));
 }
 
 bool RemoteStorageClient::createEntry(const QString &, const QString &path, const EntryRecord &info)
@@ -168,26 +157,27 @@ void RemoteStorageClient::makeSocket()
 void RemoteStorageClient::onConnected()
 {
     if (attributes)
-        attributes->set(status, QStringLiteral("established"));
-    const QString init = ComposeText(queryItem(QStringLiteral("path")), RemoteStorageCommand::Init, getId(),
-                                     QVariantHash{{QString(SupportsBinaryData), supportsBinaryData.load()}});
+        attributes->showChild(status, QStringLiteral("established"));
+    const QString init
+        = ComposeText(getQueryItem(QStringLiteral("path")), RemoteStorageCommand::Init, getId(),
+                      QVariantHash{{QString(SupportsBinaryData), supportsBinaryData.load()}});
     Q_EMIT messageRequest(init);
 }
 
 void RemoteStorageClient::onDisconnected()
 {
     if (attributes)
-        attributes->set(status, QStringLiteral("disconnected"));
+        attributes->showChild(status, QStringLiteral("disconnected"));
 }
 
 void RemoteStorageClient::onTextMessageReceived(const QString &message)
 {
-    queueFrame(message, qint64(message.size()) * qint64(sizeof(QChar)));
+    queueFrame(message);
 }
 
 void RemoteStorageClient::onBinaryMessageReceived(const QByteArray &message)
 {
-    queueFrame(message, message.size());
+    queueFrame(message);
 }
 
 void RemoteStorageClient::onMessageRequestReceived(const QString &message)
@@ -202,60 +192,46 @@ void RemoteStorageClient::onBinaryMessageRequestReceived(const QByteArray &messa
         socket->sendBinaryMessage(message);
 }
 
-QString RemoteStorageClient::queryItem(const QString &key) const
+void RemoteStorageClient::queueFrame(const Frame &frame)
 {
-    return QUrlQuery(getUrl()).queryItemValue(key, QUrl::FullyDecoded);
-}
-
-void RemoteStorageClient::queueFrame(Frame frame, qint64 size)
-{
-    if (queuedBytes + size > limit) {
+    const qint64 size = SizeOf(frame);
+    bool isTooMuch = false;
+    {
+        const QMutexLocker locker(&frameMutex);
+        isTooMuch = !frames.empty() && frameBytes + size > limit;
+        if (!isTooMuch) {
+            frames.push_back(frame);
+            frameBytes += size;
+        }
+    }
+    if (isTooMuch) {
         // The peer tells more than can be done here; what it tells later is lost anyway.
         FrameworkLog().warning() << "RemoteStorageClient::queueFrame() too much has come in, closing id="
                                  << getId();
         socket->close(QWebSocketProtocol::CloseCodeTooMuchData);
         return;
     }
-    queuedBytes += size;
-    {
-        const QMutexLocker locker(&frameMutex);
-        frames.emplace_back(std::move(frame), size);
-        if (std::exchange(isWorking, true))
-            return;
-    }
-    postStep();
+    post([weak = weak_from_this()] {
+        if (const auto client = weak.lock())
+            client->takeFrames();
+    });
 }
 
-void RemoteStorageClient::postStep()
-{
-    if (worker) {
-        worker->post([weak = weak_from_this()] {
-            if (const auto client = weak.lock())
-                client->takeFrames();
-        });
-    }
-}
-
+/*! Takes all that have come: what is pushed in a row is on its way together. Steps of others find nothing. */
 void RemoteStorageClient::takeFrames()
 {
-    std::vector<std::pair<Frame, qint64>> taken;
+    std::vector<Frame> taken;
     {
         const QMutexLocker locker(&frameMutex);
         taken.swap(frames);
+        frameBytes = 0;
     }
-    for (auto &[frame, size] : taken) {
-        RunGuarded("RemoteStorageClient", [&, &received = frame] { takeFrame(received); });
-        frame = QString();
-        queuedBytes -= size;
+    for (Frame &frame : taken) {
+        if (AppData::utils::RepositoryProvider::getInstance()->getThreadPool().isRunning())
+            RunGuarded("RemoteStorageClient", [&] { takeFrame(frame); });
+        frame = QString(); // it may be large
     }
     RunGuarded("RemoteStorageClient", [&] { mirror.flush(); });
-    {
-        const QMutexLocker locker(&frameMutex);
-        isWorking = !frames.empty();
-        if (!isWorking)
-            return;
-    }
-    postStep();
 }
 
 void RemoteStorageClient::takeFrame(const Frame &frame)

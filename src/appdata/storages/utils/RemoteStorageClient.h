@@ -1,20 +1,18 @@
 #pragma once
 
-#include <appconfig/utils/StatusAttributes.h>
+#include <appconfig/utils/ShownAttribute.h>
+#include <appdata/storages/utils/RemoteStorageConnection.h>
 #include <appdata/storages/utils/RemoteStorageMirror.h>
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <notification/interfaces/NotificationHandleInterface.h>
 #include <notification/interfaces/NotificationInterface.h>
-#include <notification/utils/FrameWorker.h>
 
 #include <QPointer>
 #include <QWebSocket>
 
 #include <atomic>
 #include <memory>
-#include <utility>
-#include <variant>
 #include <vector>
 
 namespace Tessellum::AppData::Storages::utils {
@@ -39,7 +37,7 @@ class RemoteStorageClient : public RemoteStorageNode,
 
 public:
     /*! The items of the query: "id" names this client, "path" the storage of the server, "limit" (bytes, 256
-     * MiB without it) bounds what may come in and has not been worked off. */
+     * MiB without it) bounds a received message and what waits to be worked off. */
     RemoteStorageClient(const QUrl &url, const QString &storageName);
     ~RemoteStorageClient() override;
 
@@ -68,28 +66,24 @@ public Q_SLOTS:
     void onBinaryMessageRequestReceived(const QByteArray &message);
 
 private:
-    using Frame = std::variant<QString, QByteArray>;
+    using Frame = RemoteStorageFrame;
 
     void observeControl();
     void makeSocket();
-    void queueFrame(Frame frame, qint64 size);
-    void postStep();
+    void queueFrame(const Frame &frame);
     void takeFrames();
     void takeFrame(const Frame &frame);
-    QString queryItem(const QString &key) const;
 
     const qint64 limit;
     std::atomic<bool> supportsBinaryData = true;
-    std::shared_ptr<AppConfig::utils::StatusAttributes> attributes; // null with an id that has none
+    std::unique_ptr<AppConfig::utils::ShownAttribute> attributes; // null with an id that has none
     Notification::Interfaces::NotificationInterface::HandlePointer controlHandle;
-    std::shared_ptr<Notification::utils::FrameWorker> worker;
     RemoteStorageMirror mirror;
     QPointer<QWebSocket> socket; // a child
 
     QMutex frameMutex;
-    std::vector<std::pair<Frame, qint64>> frames; // with their sizes
-    bool isWorking = false; // a step of the worker is on its way
-    std::atomic<qint64> queuedBytes = 0; // also of those that the step has taken
+    std::vector<Frame> frames; // that no step has taken yet
+    qint64 frameBytes = 0; // in them
 };
 
 } // namespace Tessellum::AppData::Storages::utils

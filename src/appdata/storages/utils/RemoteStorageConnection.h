@@ -20,6 +20,14 @@ namespace Tessellum::AppData::Storages::utils {
 /*! A frame as it is sent. */
 using RemoteStorageFrame = std::variant<QString, QByteArray>;
 
+/*! The bytes that the contents take in memory. */
+inline qint64 SizeOf(const RemoteStorageFrame &frame)
+{
+    if (const auto *text = std::get_if<QString>(&frame))
+        return text->size() * qint64(sizeof(QChar));
+    return std::get<QByteArray>(frame).size();
+}
+
 /*! What becomes of a message to a peer. */
 enum class RemoteStorageDelivery { Send, Drop, Close };
 
@@ -39,6 +47,7 @@ constexpr RemoteStorageDelivery JudgeDelivery(qint64 elapsed, qint64 bytesInFlig
 struct RemoteStorageConnection
 {
     QPointer<QWebSocket> socket; /*!< For the event thread alone. */
+    QString address; /*!< Of the peer. */
     std::weak_ptr<Storage> storage; /*!< What it asked for; a shared one would keep its own server alive. */
     QElapsedTimer elapsedTimer;
     qint64 bytesInFlight = 0; /*!< Negative only while a message is being sent. */

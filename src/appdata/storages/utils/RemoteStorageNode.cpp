@@ -1,8 +1,10 @@
 #include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/utils/RepositoryProvider.h>
 #include <shared/hierarchy/HierarchyNode.h>
 #include <shared/hierarchy/HierarchyStringPath.h>
 
 #include <QMutexLocker>
+#include <QUrlQuery>
 
 namespace Tessellum::AppData::Storages::utils {
 
@@ -195,6 +197,31 @@ QString RemoteStorageNode::JoinPath(const QString &first, const QString &second)
 QStringList RemoteStorageNode::SplitPath(const QString &path)
 {
     return HierarchyStringPath::SplitPath(path, HierarchyNode::GetHierarchyNodePathSeparator());
+}
+
+bool RemoteStorageNode::IsPathElement(const QString &id)
+{
+    return !id.isEmpty() && !id.contains(HierarchyNode::GetHierarchyNodePathSeparator());
+}
+
+QString RemoteStorageNode::getQueryItem(const QString &key) const
+{
+    return QUrlQuery(location).queryItemValue(key, QUrl::FullyDecoded);
+}
+
+qint64 RemoteStorageNode::getLimit(qint64 preset) const
+{
+    const qint64 limit = getQueryItem(QStringLiteral("limit")).toLongLong();
+    return limit > 0 ? limit : preset;
+}
+
+bool RemoteStorageNode::post(const std::function<void()> &step)
+{
+    if (worker && worker->post(step))
+        return true;
+    // The node of an application's own storage outlives a run of the repository.
+    worker = AppData::utils::RepositoryProvider::getInstance()->getFrameWorkers().make();
+    return worker && worker->post(step);
 }
 
 } // namespace Tessellum::AppData::Storages::utils

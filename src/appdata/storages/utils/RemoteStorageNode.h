@@ -2,6 +2,7 @@
 
 #include <appdata/storages/utils/RemoteStorageCodec.h>
 #include <appdata/storages/utils/RemoteStorageMessage.h>
+#include <notification/utils/FrameWorker.h>
 
 #include <QHash>
 #include <QMutex>
@@ -9,6 +10,8 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace Tessellum::AppData::Storages::utils {
@@ -92,6 +95,17 @@ public:
     /*! The uuids joined as the paths of messages are; SplitPath() takes them apart. */
     static QString JoinPath(const QString &first, const QString &second);
     static QStringList SplitPath(const QString &path);
+    /*! Whether \a id can stand as one element of a path. */
+    static bool IsPathElement(const QString &id);
+
+protected:
+    /*! An item of the URL's query, decoded; empty where it is missing. */
+    QString getQueryItem(const QString &key) const;
+    /*! The item "limit" of the query in bytes; \a preset where it is missing or no positive number. */
+    qint64 getLimit(qint64 preset) const;
+    /*! Lets the node's worker do \a step after what was posted before; false while the repository is stopped.
+     * For the event thread alone. */
+    bool post(const std::function<void()> &step);
 
 private:
     QString id;
@@ -99,6 +113,7 @@ private:
     QHash<QString, QString> map;
     QHash<QString, CachedEntry> entries;
     const QUrl location;
+    std::shared_ptr<Notification::utils::FrameWorker> worker;
 };
 
 } // namespace Tessellum::AppData::Storages::utils

@@ -5,9 +5,7 @@
 #include <shared/logging/FrameworkLog.h>
 
 #include <QHostAddress>
-#include <QMutexLocker>
 #include <QTimer>
-#include <QUrlQuery>
 #include <QUuid>
 #include <QWebSocketProtocol>
 
@@ -23,34 +21,13 @@ using Shared::Logging::FrameworkLog;
 namespace {
 
 constexpr qint64 defaultLimit = 64 * 1024 * 1024;
-constexpr qint64 mostHeldBytes = 0x200000;
-constexpr qint64 frameOverhead = 256; // of a waiting frame, beside its bytes
 constexpr int acceptPause = 1000; // milliseconds
 constexpr int mostPendingConnections = 1000000; // beyond what a process can have
-
-qint64 LimitOf(const QUrl &url)
-{
-    const qint64 limit = QUrlQuery(url).queryItemValue(QStringLiteral("limit")).toLongLong();
-    return limit > 0 ? limit : defaultLimit;
-}
-
-/*! Whether \a id can stand as one element of a path. */
-bool IsElement(const QString &id)
-{
-    return !id.isEmpty() && !id.contains(HierarchyNode::GetHierarchyNodePathSeparator());
-}
 
 QString ShownPath(const QString &list, const QString &id)
 {
     return QStringList{QStringLiteral("appdata"), QStringLiteral("storages"), list, id}.join(
         HierarchyNode::GetHierarchyNodePathSeparator());
-}
-
-qint64 SizeOf(const RemoteStorageFrame &frame)
-{
-    if (const auto *text = std::get_if<QString>(&frame))
-        return text->size() * qint64(sizeof(QChar));
-    return std::get<QByteArray>(frame).size();
 }
 
 } // namespace
@@ -59,7 +36,7 @@ RemoteStorageServer::RemoteStorageServer(const QString &storageName, const QUrl 
     : RemoteStorageNode(storageName, serverUrl)
     , AppDataRepositoryEventThreadUser(this)
     , port(serverUrl.port(-1))
-    , limit(LimitOf(serverUrl))
+    , limit(getLimit(defaultLimit))
     , mirror(*this, storageName)
 {
     connect(this, &RemoteStorageServer::requestInitialization, this,
@@ -146,16 +123,16 @@ void RemoteStorageServer::onInitializationRequested()
         QTimer::singleShot(acceptPause, server, [this] { server->resumeAccepting(); });
     });
     listen();
-    if (IsElement(getId())) {
+    if (IsPathElement(getId())) {
         shownPort
-            = std::make_shared<ShownAttribute>(ShownPath(QStringLiteral("remote_server_ports"), getId()),
+            = std::make_unique<ShownAttribute>(ShownPath(QStringLiteral("remote_server_ports"), getId()),
                                                listening ? int(server->serverPort()) : 0);
     }
 }
 
 void RemoteStorageServer::listen()
 {
-    const QString bind = QUrlQuery(getUrl()).queryItemValue(QStringLiteral("bind"));
+    const QString bind = getQueryItem(QStringLiteral("bind"));
     QHostAddress address(QHostAddress::Any);
     if (!bind.isEmpty() && !address.setAddress(bind)) {
         FrameworkLog().warning() << "RemoteStorageServer::listen() found invalid address " << bind;
@@ -189,10 +166,7 @@ void RemoteStorageServer::addConnection(QWebSocket *socket)
     connect(socket, &QWebSocket::disconnected, this, [this, uuid] { onSocketDisconnected(uuid); });
     connect(socket, &QWebSocket::bytesWritten, this,
             [this, uuid](qint64 bytes) { onBytesWritten(uuid, bytes); });
-    RemoteStorageConnection connection;
-    connection.socket = socket;
-    const QMutexLocker locker(&mutex);
-    connections.insert(uuid, connection);
+    connections.add(uuid, socket, socket->peerAddress().toString());
 }
 
 void RemoteStorageServer::onNotificationMessageReady(const QString &connectionUuid, const QString &message)
@@ -211,109 +185,58 @@ void RemoteStorageServer::onNotificationBinaryMessageReady(const QString &connec
 template <class Send>
 void RemoteStorageServer::deliver(const QString &connectionUuid, const Send &send)
 {
-    QPointer<QWebSocket> socket;
-    auto delivery = RemoteStorageDelivery::Drop;
-    {
-        const QMutexLocker locker(&mutex);
-        const auto connection = connections.find(connectionUuid);
-        if (connection == connections.end() || !connection->socket)
-            return;
-        socket = connection->socket;
-        QElapsedTimer &timer = connection->elapsedTimer;
-        delivery = JudgeDelivery(timer.isValid() ? timer.elapsed() : -1, connection->bytesInFlight);
-        if (!timer.isValid())
-            timer.start();
-        connection->isSending = delivery == RemoteStorageDelivery::Send;
-    }
-    if (delivery == RemoteStorageDelivery::Close) {
+    const auto [socket, decision] = connections.beginDelivery(connectionUuid);
+    if (!socket)
+        return;
+    if (decision == RemoteStorageDelivery::Close) {
         socket->close(QWebSocketProtocol::CloseCodeTooMuchData, QString());
         Q_EMIT socketCloseRequested(connectionUuid);
         return;
     }
-    if (delivery == RemoteStorageDelivery::Send) {
-        const qint64 sent = send(*socket);
-        const QMutexLocker locker(&mutex);
-        const auto connection = connections.find(connectionUuid);
-        if (connection != connections.end()) {
-            // A part of it may have been reported as written already.
-            connection->isSending = false;
-            connection->bytesInFlight = std::max<qint64>(0, connection->bytesInFlight + sent);
-        }
-    }
+    if (decision == RemoteStorageDelivery::Send)
+        connections.endDelivery(connectionUuid, send(*socket));
     if (socket)
         socket->flush();
 }
 
 void RemoteStorageServer::onBytesWritten(const QString &connectionUuid, qint64 bytes)
 {
-    const QMutexLocker locker(&mutex);
-    const auto connection = connections.find(connectionUuid);
-    if (connection == connections.end())
-        return;
-    connection->bytesInFlight -= bytes;
-    if (!connection->isSending)
-        connection->bytesInFlight = std::max<qint64>(0, connection->bytesInFlight);
-    connection->elapsedTimer.invalidate();
+    connections.noteWritten(connectionUuid, bytes);
 }
 
 void RemoteStorageServer::onTextMessageReceived(const QString &connectionUuid, const QString &message)
 {
-    receive(connectionUuid, message, message.size() * qint64(sizeof(QChar)));
+    receive(connectionUuid, message);
 }
 
 void RemoteStorageServer::onBinaryMessageReceived(const QString &connectionUuid, const QByteArray &message)
 {
-    receive(connectionUuid, message, message.size());
+    receive(connectionUuid, message);
 }
 
-void RemoteStorageServer::receive(const QString &connectionUuid, const RemoteStorageFrame &frame, qint64 size)
+void RemoteStorageServer::receive(const QString &connectionUuid, const RemoteStorageFrame &frame)
 {
-    QPointer<QWebSocket> socket;
-    const qint64 cost = size + frameOverhead;
-    bool isDropped = false;
-    bool isTold = false;
-    {
-        const QMutexLocker locker(&mutex);
-        const auto connection = connections.find(connectionUuid);
-        if (connection == connections.end() || !connection->socket)
-            return;
-        socket = connection->socket;
-        isDropped = connection->queuedBytes > 0 && connection->queuedBytes + cost > limit;
-        if (isDropped)
-            isTold = std::exchange(connection->toldOfDrops, true);
-        else
-            connection->queuedBytes += cost;
+    const qint64 size = SizeOf(frame);
+    const auto arrival = connections.noteArrival(connectionUuid, size, limit);
+    if (arrival == RemoteStorageConnections::Arrival::DroppedFirst) {
+        FrameworkLog().warning()
+            << "RemoteStorageServer::receive() drops messages of a peer that sends faster "
+               "than they are worked off";
     }
-    if (isDropped) {
-        if (!isTold)
-            FrameworkLog().warning() << "RemoteStorageServer::receive() drops messages of a peer that sends "
-                                        "faster than they are worked off";
+    if (arrival != RemoteStorageConnections::Arrival::Queued)
         return;
-    }
-    const QString address = socket->peerAddress().toString();
-    post([weak = weak_from_this(), connectionUuid, frame, cost, address] {
-        const auto self = weak.lock();
-        if (!self)
-            return;
-        self->takeFrame(connectionUuid, frame, address);
-        const QMutexLocker locker(&self->mutex);
-        const auto connection = self->connections.find(connectionUuid);
-        if (connection != self->connections.end())
-            connection->queuedBytes -= cost;
+    // Goes with the step, also where that is dropped.
+    const std::shared_ptr<void> arrived(nullptr, [weak = weak_from_this(), connectionUuid, size](void *) {
+        if (const auto self = weak.lock())
+            self->connections.noteWorkedOff(connectionUuid, size);
+    });
+    post([weak = weak_from_this(), connectionUuid, frame, arrived] {
+        if (const auto self = weak.lock())
+            self->takeFrame(connectionUuid, frame);
     });
 }
 
-bool RemoteStorageServer::post(const std::function<void()> &step)
-{
-    if (worker && worker->post(step))
-        return true;
-    // The node of an application's own storage outlives a run of the repository.
-    worker = RepositoryProvider::getInstance()->getFrameWorkers().make();
-    return worker && worker->post(step);
-}
-
-void RemoteStorageServer::takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame,
-                                    const QString &address)
+void RemoteStorageServer::takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame)
 {
     const auto *text = std::get_if<QString>(&frame);
     const RemoteStorageMessage message
@@ -324,113 +247,58 @@ void RemoteStorageServer::takeFrame(const QString &connectionUuid, const RemoteS
         mirror.take(message, text ? RemoteStorageMode::Text : RemoteStorageMode::Binary);
         mirror.flush();
     } else if (text) {
-        answer(connectionUuid, message, address);
+        answer(connectionUuid, message);
     }
 }
 
-void RemoteStorageServer::answer(const QString &connectionUuid, const RemoteStorageMessage &request,
-                                 const QString &address)
+void RemoteStorageServer::answer(const QString &connectionUuid, const RemoteStorageMessage &request)
 {
-    bool isBinary = false;
-    {
-        const QMutexLocker locker(&mutex);
-        const auto connection = connections.find(connectionUuid);
-        if (connection == connections.end())
-            return;
-        ++connection->answers;
-        isBinary = connection->supportsBinaryData;
-    }
-    const auto made = RemoteStorageSource::MakeAnswer(request, isBinary);
+    const auto peer = connections.beginAnswer(connectionUuid);
+    if (!peer)
+        return;
+    const auto made = RemoteStorageSource::MakeAnswer(request, peer->isBinary);
     if (made) {
-        {
-            const QMutexLocker locker(&mutex);
-            const auto connection = connections.find(connectionUuid);
-            if (connection == connections.end())
-                return;
-            connection->storage = made->storage;
-            connection->supportsBinaryData = made->isBinary;
-        }
+        connections.noteAnswer(connectionUuid, made->storage, made->isBinary);
         emitFrame(connectionUuid, made->frame);
     }
-    releaseHeld(connectionUuid);
-    if (made)
-        showPeer(connectionUuid, request.data.toString(), address);
-}
-
-void RemoteStorageServer::releaseHeld(const QString &connectionUuid)
-{
-    for (;;) {
-        QList<RemoteStorageFrame> frames;
-        {
-            const QMutexLocker locker(&mutex);
-            const auto connection = connections.find(connectionUuid);
-            if (connection == connections.end())
-                return;
-            if (connection->held.isEmpty()) {
-                --connection->answers;
-                return;
-            }
-            frames.swap(connection->held);
-            connection->heldBytes = 0;
-        }
-        for (const RemoteStorageFrame &frame : qAsConst(frames))
+    for (auto held = connections.takeHeld(connectionUuid); !held.isEmpty();
+         held = connections.takeHeld(connectionUuid)) {
+        for (const RemoteStorageFrame &frame : qAsConst(held))
             emitFrame(connectionUuid, frame);
     }
+    if (made)
+        showPeer(connectionUuid, request.data.toString(), peer->address);
 }
 
 void RemoteStorageServer::showPeer(const QString &connectionUuid, const QString &clientId,
                                    const QString &address)
 {
     std::shared_ptr<ShownAttribute> status;
-    if (IsElement(clientId))
+    if (IsPathElement(clientId))
         status
             = std::make_shared<ShownAttribute>(ShownPath(QStringLiteral("remote_server"), clientId), address);
     else
         FrameworkLog().warning() << "RemoteStorageServer::showPeer() the id '" << clientId
                                  << "' of a client cannot be shown";
-    const QMutexLocker locker(&mutex);
-    const auto connection = connections.find(connectionUuid);
-    if (connection == connections.end())
-        return; // the status goes behind the mutex, being older than its lock
-    connection->clientId = clientId;
-    connection->status.swap(status);
+    connections.setClient(connectionUuid, clientId, status);
 }
 
 void RemoteStorageServer::push(RemoteStorageCommand command, const QString &path,
                                const RemoteStorageSource::Payload &payload)
 {
-    QList<QPair<QString, bool>> targets;
-    bool needsText = false;
-    bool needsBinary = false;
-    {
-        const QMutexLocker locker(&mutex);
-        for (auto connection = connections.cbegin(); connection != connections.cend(); ++connection) {
-            targets.append({connection.key(), connection->supportsBinaryData});
-            (connection->supportsBinaryData ? needsBinary : needsText) = true;
-        }
-    }
-    if (targets.isEmpty())
+    const auto modes = connections.getModes();
+    if (modes.isEmpty())
         return;
-    const auto message = RemoteStorageSource::MakePush(command, path, payload, needsText, needsBinary);
-    for (const auto &[uuid, isBinary] : qAsConst(targets)) {
+    const auto needs = [&modes](bool binary) {
+        return std::any_of(modes.cbegin(), modes.cend(),
+                           [binary](const auto &mode) { return mode.second == binary; });
+    };
+    const auto message = RemoteStorageSource::MakePush(command, path, payload, needs(false), needs(true));
+    for (const auto &[uuid, isBinary] : modes) {
         const RemoteStorageFrame frame = message.frameFor(isBinary);
-        if (!hold(uuid, frame))
+        if (!connections.hold(uuid, frame))
             emitFrame(uuid, frame);
     }
-}
-
-/*! True where the frame must wait for an answer, or gets lost as it would behind one. */
-bool RemoteStorageServer::hold(const QString &connectionUuid, const RemoteStorageFrame &frame)
-{
-    const QMutexLocker locker(&mutex);
-    const auto connection = connections.find(connectionUuid);
-    if (connection == connections.end() || connection->answers == 0)
-        return false;
-    if (connection->heldBytes <= mostHeldBytes) {
-        connection->held.append(frame);
-        connection->heldBytes += SizeOf(frame) + frameOverhead;
-    }
-    return true;
 }
 
 void RemoteStorageServer::emitFrame(const QString &connectionUuid, const RemoteStorageFrame &frame)
@@ -443,11 +311,7 @@ void RemoteStorageServer::emitFrame(const QString &connectionUuid, const RemoteS
 
 void RemoteStorageServer::onSocketDisconnected(const QString &connectionUuid)
 {
-    RemoteStorageConnection connection; // what it holds goes behind the mutex
-    {
-        const QMutexLocker locker(&mutex);
-        connection = connections.take(connectionUuid);
-    }
+    const RemoteStorageConnection connection = connections.take(connectionUuid);
     if (connection.socket) {
         connection.socket->disconnect(this);
         connection.socket->deleteLater();
@@ -464,12 +328,8 @@ void RemoteStorageServer::onServerClosed()
 
 void RemoteStorageServer::dropConnections()
 {
-    QStringList uuids;
-    {
-        const QMutexLocker locker(&mutex);
-        uuids = connections.keys();
-    }
-    for (const QString &uuid : qAsConst(uuids))
+    const QStringList uuids = connections.keys();
+    for (const QString &uuid : uuids)
         onSocketDisconnected(uuid);
 }
 

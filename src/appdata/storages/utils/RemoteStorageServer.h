@@ -1,11 +1,10 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageConnection.h>
+#include <appdata/storages/utils/RemoteStorageConnections.h>
 #include <appdata/storages/utils/RemoteStorageMirror.h>
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/storages/utils/RemoteStorageSource.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
-#include <notification/utils/FrameWorker.h>
 
 #include <QWebSocketServer>
 
@@ -21,8 +20,8 @@ namespace Tessellum::AppData::Storages::utils {
  * peer with its address in "appdata.storages.remote_server.ID". A peer that misses a push is not told.
  *
  * Threads: any may call the operations of the node; the sockets and the slots belong to the event thread,
- * which never waits here; what a frame asks for is done by the worker. Lock: the mutex guards the
- * connections; nothing is called while it is held. Made by MakeEventThreadObject().
+ * which never waits here; what a frame asks for is done by the worker. It has no lock of its own. Made by
+ * MakeEventThreadObject().
  */
 class RemoteStorageServer : public RemoteStorageNode,
                             public AppData::utils::AppDataRepositoryEventThreadUser,
@@ -66,14 +65,11 @@ private:
     void dropConnections();
     template <class Send>
     void deliver(const QString &connectionUuid, const Send &send);
-    void receive(const QString &connectionUuid, const RemoteStorageFrame &frame, qint64 size);
-    bool post(const std::function<void()> &step);
-    void takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame, const QString &address);
-    void answer(const QString &connectionUuid, const RemoteStorageMessage &request, const QString &address);
-    void releaseHeld(const QString &connectionUuid);
+    void receive(const QString &connectionUuid, const RemoteStorageFrame &frame);
+    void takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame);
+    void answer(const QString &connectionUuid, const RemoteStorageMessage &request);
     void showPeer(const QString &connectionUuid, const QString &clientId, const QString &address);
     void push(RemoteStorageCommand command, const QString &path, const RemoteStorageSource::Payload &payload);
-    bool hold(const QString &connectionUuid, const RemoteStorageFrame &frame);
     void emitFrame(const QString &connectionUuid, const RemoteStorageFrame &frame);
 
     const int port;
@@ -81,12 +77,9 @@ private:
     QWebSocketServer *server = nullptr; // a child
     std::atomic<bool> listening{false};
     bool toldOfAcceptError = false;
-    std::shared_ptr<AppConfig::utils::ShownAttribute> shownPort;
-    std::shared_ptr<Notification::utils::FrameWorker> worker; // for the event thread alone
+    std::unique_ptr<AppConfig::utils::ShownAttribute> shownPort;
     RemoteStorageMirror mirror; // for the worker alone
-
-    mutable QMutex mutex;
-    QHash<QString, RemoteStorageConnection> connections;
+    RemoteStorageConnections connections;
 };
 
 } // namespace Tessellum::AppData::Storages::utils
