@@ -10,6 +10,7 @@ namespace Tessellum::AppConfig::Attributes {
 
 using Notification::utils::MakeNode;
 using Shared::Hierarchy::HierarchyNode;
+using Shared::Hierarchy::HierarchyNodeInstance;
 using Shared::Hierarchy::HierarchyNodeLink;
 using Shared::Hierarchy::HierarchyStringPath;
 using NodePtr = std::shared_ptr<HierarchyNode>;
@@ -34,7 +35,7 @@ NodePtr FindOrAddParent(const NodePtr &node, const QString &id)
         return child;
     const auto made = MakeNode<Attribute>(id);
     for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
-        if (node->addChild(made))
+        if (HierarchyNodeInstance::AddIfAbsent(*node, made))
             return made;
         // Another thread was quicker, but may have taken its own away again.
         if (const NodePtr child = FindChild(node, id))
@@ -48,7 +49,7 @@ bool OverwriteOrAddLeaf(const NodePtr &node, const QString &id, const Attribute:
 {
     NodePtr child = FindChild(node, id);
     if (!child) {
-        if (node->addChild(MakeNode<Attribute>(id, details)))
+        if (HierarchyNodeInstance::AddIfAbsent(*node, MakeNode<Attribute>(id, details)))
             return true;
         child = FindChild(node, id); // another thread was quicker
     }

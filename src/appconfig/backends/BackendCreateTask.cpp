@@ -74,7 +74,7 @@ private:
             return present;
         const auto made = MakeNode<HierarchyNodeInstance>(id);
         for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
-            if (parent->addChild(made, nullptr)) {
+            if (HierarchyNodeInstance::AddIfAbsent(*parent, made)) {
                 madeParents.prepend(made);
                 return made;
             }

@@ -302,7 +302,7 @@ bool RepositoryProvider::addLink(const QStringList &parentPath, const NodePtr &t
         NodePtr child = parent->getChildById(element);
         if (!child) {
             const auto plain = MakeNode<HierarchyNodeInstance>(element);
-            if (parent->addChild(plain))
+            if (HierarchyNodeInstance::AddIfAbsent(*parent, plain))
                 made.prepend(plain);
             child = parent->getChildById(element); // somebody else's if it was first; none has an empty name
         }

@@ -55,6 +55,9 @@ public:
     std::shared_ptr<HierarchyNode> findChildByRelativePath(const QString &path) override;
     std::shared_ptr<const HierarchyNode> findChildByRelativePath(const QString &path) const override;
     bool addChild(const std::shared_ptr<HierarchyNode> &node, quint64 *index = nullptr) override;
+    /*! Adds \a node to \a parent as addChild() does, but says nothing where a child with that id is there:
+     * for those who made it since they had found none, and may have been overtaken. */
+    static bool AddIfAbsent(HierarchyNode &parent, const std::shared_ptr<HierarchyNodeInstance> &node);
     std::shared_ptr<const HierarchyStringPath> getNodePath() const override;
     std::shared_ptr<HierarchyNode> getParent() override;
     std::shared_ptr<const HierarchyNode> getParent() const override;
@@ -104,7 +107,7 @@ private:
     bool askForEntry(HierarchyNodeInstance &target, const std::shared_ptr<HierarchyNode> &me) const;
     Entered enter(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
     bool enterAndNotify(const std::shared_ptr<HierarchyNode> &node, HierarchyNodeInstance &instance);
-    void warnAboutExisting(const QString &childId) const;
+    void warnAboutExisting(const HierarchyNode &node) const;
     bool tryMakePath() const;
     void forwardPathChange();
 

@@ -20,6 +20,9 @@ namespace {
 // that somebody makes with a node that is there already.
 thread_local const HierarchyNodeInstance *nodeAskingForEntry = nullptr;
 
+// The node that this thread adds where there may be one of that id already.
+thread_local const HierarchyNode *nodeAddedIfAbsent = nullptr;
+
 // The nodes that are still to hear of the move that this thread is telling of, the next one last: nodes that
 // pass it on to each other would need a stack as deep as the tree.
 using Listeners = std::vector<std::shared_ptr<HierarchyNode>>;
@@ -56,7 +59,7 @@ bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node,
         return enterAndNotify(node, *instance);
     }
     if (hasChild(node, nullptr)) {
-        warnAboutExisting(node->getId());
+        warnAboutExisting(*instance);
         return false;
     }
     const std::shared_ptr<HierarchyNode> me = self();
@@ -68,6 +71,13 @@ bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node,
         *index = childNodes ? childNodes->position(instance->nodeId) : ~quint64(0);
     }
     return added;
+}
+
+bool HierarchyNodeInstance::AddIfAbsent(HierarchyNode &parent,
+                                        const std::shared_ptr<HierarchyNodeInstance> &node)
+{
+    const QScopedValueRollback<const HierarchyNode *> quiet(nodeAddedIfAbsent, node.get());
+    return parent.addChild(node);
 }
 
 std::shared_ptr<const HierarchyStringPath> HierarchyNodeInstance::getNodePath() const
@@ -274,7 +284,7 @@ bool HierarchyNodeInstance::enterAndNotify(const std::shared_ptr<HierarchyNode> 
         Q_EMIT notifyChildAdded(instance.nodeId);
         return true;
     case Entered::Clash:
-        warnAboutExisting(instance.nodeId);
+        warnAboutExisting(instance);
         return false;
     case Entered::Before:
     case Entered::Elsewhere:
@@ -283,10 +293,12 @@ bool HierarchyNodeInstance::enterAndNotify(const std::shared_ptr<HierarchyNode> 
     return true;
 }
 
-void HierarchyNodeInstance::warnAboutExisting(const QString &childId) const
+void HierarchyNodeInstance::warnAboutExisting(const HierarchyNode &node) const
 {
+    if (&node == nodeAddedIfAbsent)
+        return;
     Logging::FrameworkLog().warning() << "HierarchyNodeInstance::addChild() Trying to add existing child: '"
-                                      << childId << "' to '" << nodeId << "'";
+                                      << node.getId() << "' to '" << nodeId << "'";
 }
 
 // False where the parent has no path yet.

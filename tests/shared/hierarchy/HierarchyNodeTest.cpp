@@ -84,6 +84,8 @@ private Q_SLOTS:
         QCOMPARE(other->getParent(), NodePointer(root)); // where it was
         const auto line
             = "WARNING HierarchyNodeInstance::addChild() Trying to add existing child: 'a' to 'p'"_s;
+        QVERIFY(!HierarchyNodeInstance::AddIfAbsent(*parent, make("a"_s))); // without a line
+        QVERIFY(HierarchyNodeInstance::AddIfAbsent(*parent, make("c"_s)));
         QVERIFY(!root->addChild(make())); // without an id
         QVERIFY(!root->addChild(nullptr));
         QCOMPARE(log.lines(),
