@@ -81,8 +81,7 @@ bool Render(const IniContent &content, const QString &separator, QByteArray &tex
     return complete;
 }
 
-template <class File>
-bool Write(File &file, const QByteArray &text)
+bool OpenAndWrite(QFileDevice &file, const QByteArray &text)
 {
     return file.open(QIODevice::WriteOnly | QIODevice::Text) && file.write(text) == text.size()
         && file.flush();
@@ -93,10 +92,17 @@ bool WriteWhole(const QString &name, const QByteArray &text)
     const QFileInfo present(name);
     if (present.exists() && !present.isFile()) {
         QFile device(name);
-        return Write(device, text);
+        return OpenAndWrite(device, text);
     }
     QSaveFile file(name);
-    return Write(file, text) && file.commit();
+    file.setDirectWriteFallback(true);
+    const bool written = OpenAndWrite(file, text);
+    if (!file.isOpen())
+        return false;
+    if (!written)
+        file.cancelWriting();
+    // Also after a failure: without it, a file that had to be written directly would be removed.
+    return file.commit() && written;
 }
 
 } // namespace

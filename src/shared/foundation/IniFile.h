@@ -38,10 +38,11 @@ TESSELLUM_EXPORT bool ParseIniFile(const QByteArray &bytes, IniContent &result, 
  * pattern of the separator stands between key and value, so it must be a plain text. Without replace the
  * content is laid over what the file holds already.
  *
- * The file is replaced as a whole or stays as it was; only what is no regular file is written directly. A
- * line break in a value becomes a blank, with a warning; a key or a section with one is left out, with a
- * warning, and the result is false. A key with the separator in it reads back as a shorter one. False also if
- * the file cannot be written, or is to be added to and cannot be read. Any thread.
+ * The file is replaced as a whole or stays as it was; written directly is only what is no regular file, or
+ * lies in a folder where no file can be made. A line break in a value becomes a blank, with a warning; a key
+ * or a section with one is left out, with a warning, and the result is false. A key with the separator in it
+ * reads back as a shorter one. False also if the file cannot be written, or is to be added to and cannot be
+ * read. Any thread.
  */
 TESSELLUM_EXPORT bool WriteIniFile(QFile &file, const IniContent &content, bool replace,
                                    const QRegExp &separator);

@@ -7,9 +7,9 @@
 #include <QtTest>
 
 #include <csignal>
+#include <support/ClosedFolder.h>
 #include <support/Literals.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 using Shared::Logging::LogMessageType;
 using Values = RepositoryFixture::Values;
@@ -49,24 +49,6 @@ public:
 
 private:
     rlimit before;
-};
-
-// Rights that count also where the tests run as root.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser()
-        : changed(geteuid() == 0 && seteuid(Id) == 0)
-    { }
-    ~OrdinaryUser()
-    {
-        if (changed && seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-    static constexpr uid_t Id = 65534;
-
-private:
-    const bool changed;
 };
 
 } // namespace
@@ -283,16 +265,11 @@ private Q_SLOTS:
         write("{\"x\":1}");
         QVERIFY(load(fileName));
         QVERIFY(add("x", 2));
-        if (geteuid() == 0)
-            QCOMPARE(chown(QFile::encodeName(fileName).constData(), OrdinaryUser::Id, OrdinaryUser::Id), 0);
-        QVERIFY(QFile::setPermissions(
-            directory->path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup));
         {
-            const OrdinaryUser user;
+            const TestSupport::ClosedFolder folder(directory->path(), fileName);
+            QVERIFY(folder.isClosed());
             QVERIFY(save());
         }
-        QVERIFY(
-            QFile::setPermissions(directory->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QCOMPARE(QJsonDocument::fromJson(Content(fileName)), Document(R"({"x":2})"));
     }
 

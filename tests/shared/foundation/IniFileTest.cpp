@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/ClosedFolder.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
 
@@ -137,6 +138,21 @@ private Q_SLOTS:
         IniContent replaced;
         QVERIFY(ParseIniFile(file, replaced, separator));
         QCOMPARE(replaced, IniContent({{"a", {{"y", "4"}}}}));
+    }
+
+    void writesDirectlyWhereItMust()
+    {
+        QTemporaryDir directory;
+        QFile file(directory.filePath("a.ini"));
+        QVERIFY(WriteIniFile(file, {{"a", {{"x", "1"}}}}, true, separator));
+        {
+            const TestSupport::ClosedFolder folder(directory.path(), file.fileName());
+            QVERIFY(folder.isClosed());
+            QVERIFY(WriteIniFile(file, {{"a", {{"x", "2"}}}}, true, separator));
+        }
+        IniContent content;
+        QVERIFY(ParseIniFile(file, content, separator));
+        QCOMPARE(content, IniContent({{"a", {{"x", "2"}}}}));
     }
 
     void lineBreaksAreNotWritten()
