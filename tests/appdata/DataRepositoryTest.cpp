@@ -181,6 +181,8 @@ private Q_SLOTS:
         row("no name", Property::Name(), QString());
         row("no classification", Property::Classification(), QVariant());
         row("category is a text", Property::CategoryType(), "float");
+        row("category that does not exist", Property::CategoryType(), 99,
+            "WARNING ConvertDataEntryCategoryToString() callled with unkown category=99");
         row("no persistence", Property::Persistence(), 0);
         row("unknown source", Property::SourceEntry(), "none",
             "WARNING RepositoryDataEntryProvider::addDataEntryAsynchronous() could not get the source entry "

@@ -1,6 +1,7 @@
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/EntryProperties.h>
 #include <appdata/data/entries/utils/PairLinks.h>
+#include <appdata/DataTypeStrings.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageImplementation.h>
 #include <appdata/utils/PairQuery.h>
@@ -214,9 +215,11 @@ RepositoryDataEntryProvider::addDataEntryAsynchronous(const Properties &properti
         }
     }
     info->uuid = properties.value(Property::DestinationEntry()).toString();
+    // The name of an unknown category is empty, and leaves a line.
     if (record.name.isEmpty() || record.classification.isEmpty()
         || record.category.getType() == CategoryType::Unknown
-        || record.persistence == PersistenceType::Unknown) {
+        || record.persistence == PersistenceType::Unknown
+        || ConvertDataEntryCategoryToString(record.category).isEmpty()) {
         return nullptr;
     }
     info->serialize = record;
