@@ -139,10 +139,12 @@ void RecordingToolTest::theShellRefusesOddData()
     for (const char *failing :
          {"storage sqlite disk b.sqlite", "storage nonsense b", "entry none plant a float",
           "add plant.none 1", "elements none", "element load plant.temp none", "strategy plant.temp nonsense",
-          "strategy plant.temp last nonsense", "remove entry plant.none", "remove storage none"}) {
+          "strategy plant.temp last nonsense", "add plant.temp \"x\"", "add plant.temp [1]",
+          "remove entry plant.none", "remove storage none"}) {
         QVERIFY2(shell->ask(failing).contains("error"), failing);
     }
     QVERIFY(shell->ask("elements plant.temp").value("elements").toArray().isEmpty());
+    QCOMPARE(shell->ask("strategy plant.temp").value("type"), QJsonValue(""));
     QCOMPARE(column(shell->ask("storages").value("storages"), "name"), QStringList("disk"));
     QCOMPARE(shell->finish(), 1);
     for (const char *wrong :

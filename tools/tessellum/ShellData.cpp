@@ -22,6 +22,15 @@ namespace {
 
 using EntryPtr = std::shared_ptr<DataEntryInterface>;
 
+/*! The value at \a index; fails where it is no number and the entry takes nothing else. */
+QVariant valueFor(const DataEntryInterface &entry, const Arguments &arguments, int index)
+{
+    QVariant value = arguments.value(index);
+    if (entry.getCategory()->getType() == CategoryType::Float && !value.convert(QMetaType::Double))
+        Fail(QStringLiteral("%1 is no number").arg(arguments.text(index)));
+    return value;
+}
+
 /*! A uuid, or classification and name with a dot between them. */
 EntryPtr findEntry(const QString &text)
 {
@@ -200,7 +209,7 @@ QJsonObject Shell::addValue(const Arguments &arguments)
         : static_cast<quint64>(QDateTime::currentMSecsSinceEpoch());
     qint64 index = -1;
     const QString uuid = entry->getManipulationInterface()->addDataElementValue(
-        timestamp, ElementValueKind::ParsedValue, arguments.value(1), point, &index);
+        timestamp, ElementValueKind::ParsedValue, valueFor(*entry, arguments, 1), point, &index);
     if (uuid.isEmpty())
         Fail(QStringLiteral("the value was not taken"));
     return {{QStringLiteral("uuid"), uuid},
@@ -226,11 +235,12 @@ QJsonObject Shell::listRange(const Arguments &arguments)
 QJsonObject Shell::changeElement(const Arguments &arguments)
 {
     const QString what = arguments.text(0);
-    const auto element = findElement(findEntry(arguments.text(1)), arguments.text(2));
+    const EntryPtr entry = findEntry(arguments.text(1));
+    const auto element = findElement(entry, arguments.text(2));
     const auto manipulation = element->getManipulationInterface();
     bool done = false;
     if (what == QLatin1String("set") && arguments.size() > 3)
-        done = manipulation->setData(ElementValueKind::ParsedValue, arguments.value(3),
+        done = manipulation->setData(ElementValueKind::ParsedValue, valueFor(*entry, arguments, 3),
                                      arguments.enumerator(4, UpdatePoint::Done));
     else if (what == QLatin1String("load") && arguments.size() == 3)
         done = manipulation->performCommand(ElementCommand::Load);
@@ -249,15 +259,22 @@ QJsonObject Shell::memoryStrategy(const Arguments &arguments)
     const auto memory = findEntry(arguments.text(0))->getMemoryStrategyInterface();
     const QString wanted = arguments.text(1);
     const QString parameters = arguments.text(2);
+    QString before;
+    memory->getMemoryStrategyType(before);
     bool done = true;
     if (wanted == QLatin1String("none"))
         done = memory->removeMemoryStrategy();
     else if (!wanted.isEmpty())
-        done = memory->installMemoryStrategy(wanted, parameters)
-            && (parameters.isEmpty() || memory->configureMemoryStrategy(parameters));
+        done = memory->installMemoryStrategy(wanted, parameters);
+    QString type;
+    memory->getMemoryStrategyType(type);
+    if (done && !parameters.isEmpty() && !memory->configureMemoryStrategy(parameters)) {
+        done = false;
+        if (type != before) // what was there keeps its parameters, a new one would go by its default ones
+            memory->removeMemoryStrategy();
+    }
     if (!done)
         Fail(QStringLiteral("the strategy was not set"));
-    QString type;
     memory->getMemoryStrategyType(type);
     return {
         {QStringLiteral("type"), type},
