@@ -1,11 +1,10 @@
 #include "Recording.h"
 
 #include <appdata/data/entries/EntryProperties.h>
+#include <appdata/EntryLoading.h>
 #include <core/Library.h>
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QThread>
 
 using namespace Tessellum;
 using namespace Tessellum::AppData;
@@ -14,6 +13,7 @@ namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 namespace {
 
 const QString classification = QStringLiteral("machine");
+constexpr int LongestLoadMs = 60000;
 
 } // namespace
 
@@ -56,7 +56,8 @@ bool Recording::open(const QString &file, int mode)
     storage->getQueryInterface()->getEntries(entries);
     for (const QString &uuid : entries.keys()) {
         if (!storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand)
-            || !WaitUntilLoaded(data()->getDataEntryInterface()->getDataEntry(uuid))) {
+            || !WaitUntilLoaded(data()->getDataEntryInterface()->getDataEntry(uuid),
+                                QDeadlineTimer(LongestLoadMs))) {
             return false;
         }
     }
@@ -102,15 +103,4 @@ const QString &Recording::StorageName()
 {
     static const QString name = QStringLiteral("recording");
     return name;
-}
-
-bool Recording::WaitUntilLoaded(const Entry &entry)
-{
-    constexpr int longestMs = 60000;
-    const QDeadlineTimer deadline(longestMs);
-    while (entry && entry->getLoadStatus() == LoadStatus::CurrentlyLoading && !deadline.hasExpired()) {
-        QCoreApplication::processEvents();
-        QThread::yieldCurrentThread();
-    }
-    return entry && entry->getLoadStatus() == LoadStatus::Loaded;
 }

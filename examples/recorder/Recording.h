@@ -37,8 +37,6 @@ public:
     static const QString &StorageName();
 
 private:
-    static bool WaitUntilLoaded(const Entry &entry);
-
     const QString plugins;
     bool runs = false;
 };

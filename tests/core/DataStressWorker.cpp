@@ -1,7 +1,10 @@
 #include "core/DataStressWorker.h"
 
 #include <appdata/data/entries/EntryProperties.h>
+#include <appdata/EntryLoading.h>
 #include <core/Library.h>
+
+#include <QDeadlineTimer>
 
 #include <algorithm>
 
@@ -275,11 +278,8 @@ bool DataStressWorker::loadEntry(const QString &uuid) const
     const auto storage = data ? data->getStorageInterface()->getStorage(storageName()) : nullptr;
     if (!storage || !storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand))
         return false;
-    const EntryPtr entry = data->getDataEntryInterface()->getDataEntry(uuid);
-    // Its elements come by a task of their own.
-    while (entry && !stopping && entry->getLoadStatus() == LoadStatus::CurrentlyLoading)
-        QThread::yieldCurrentThread();
-    return entry && entry->getLoadStatus() == LoadStatus::Loaded;
+    constexpr int longestMs = 60000;
+    return WaitUntilLoaded(data->getDataEntryInterface()->getDataEntry(uuid), QDeadlineTimer(longestMs));
 }
 
 void DataStressWorker::useConfiguration()

@@ -3,12 +3,11 @@
 #include "ToolError.h"
 
 #include <appconfig/interfaces/RepositoryInterface.h>
+#include <appdata/EntryLoading.h>
 #include <appdata/interfaces/RepositoryInterface.h>
 #include <core/Library.h>
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QThread>
 
 #include <memory>
 
@@ -39,13 +38,7 @@ inline std::shared_ptr<AppData::Interfaces::RepositoryInterface> RecordedData()
 inline void WaitUntilLoaded(const std::shared_ptr<AppData::Interfaces::DataEntryInterface> &entry)
 {
     constexpr int longestMs = 300000;
-    const QDeadlineTimer deadline(longestMs);
-    while (entry && entry->getLoadStatus() == AppData::LoadStatus::CurrentlyLoading
-           && !deadline.hasExpired()) {
-        QCoreApplication::processEvents();
-        QThread::yieldCurrentThread();
-    }
-    if (!entry || entry->getLoadStatus() != AppData::LoadStatus::Loaded)
+    if (!AppData::WaitUntilLoaded(entry, QDeadlineTimer(longestMs)))
         Fail(QStringLiteral("an entry cannot be read"));
 }
 

@@ -26,6 +26,14 @@ struct PassThroughFilter
     }
 };
 
+/*! What \a filter keeps of \a elements; all without a filter. No lock may be held: it is the application's.
+ */
+template <class List>
+List Filtered(const List &elements, const std::function<List(const List &)> &filter)
+{
+    return filter ? filter(elements) : elements;
+}
+
 /*!
  * Reads the elements of one entry, always in the order in which they were added. Threads: any.
  *

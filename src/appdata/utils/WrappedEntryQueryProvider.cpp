@@ -12,27 +12,16 @@ using Interfaces::DataEntryQueryInterface;
 using Interfaces::ElementListFilter;
 using Interfaces::PassThroughFilter;
 
-namespace {
-
-/*! With no lock held: the filter is the application's. */
-template <class List, class Filter>
-List filtered(const List &elements, const Filter &listFilter)
-{
-    return listFilter ? listFilter(elements) : elements;
-}
-
-} // namespace
-
 ConstDataElementList WrappedEntryQueryProvider::getElements(const ActivationMask &mask,
                                                             const ConstElementListFilter &listFilter) const
 {
-    return filtered(wrapAll<ConstDataElementList>(elementsOf(mask)), listFilter);
+    return Interfaces::Filtered(wrapAll<ConstDataElementList>(elementsOf(mask)), listFilter);
 }
 
 DataElementList WrappedEntryQueryProvider::getElements(const ActivationMask &mask,
                                                        const ElementListFilter &listFilter)
 {
-    return filtered(wrapAll<DataElementList>(elementsOf(mask)), listFilter);
+    return Interfaces::Filtered(wrapAll<DataElementList>(elementsOf(mask)), listFilter);
 }
 
 ConstDataElementList
@@ -40,14 +29,15 @@ WrappedEntryQueryProvider::getElementsInRange(const quint64 &first, const quint6
                                               const ActivationMask &mask,
                                               const ConstElementListFilter &listFilter) const
 {
-    return filtered(wrapAll<ConstDataElementList>(elementsInRange(first, last, mask)), listFilter);
+    return Interfaces::Filtered(wrapAll<ConstDataElementList>(elementsInRange(first, last, mask)),
+                                listFilter);
 }
 
 DataElementList WrappedEntryQueryProvider::getElementsInRange(const quint64 &first, const quint64 &last,
                                                               const ActivationMask &mask,
                                                               const ElementListFilter &listFilter)
 {
-    return filtered(wrapAll<DataElementList>(elementsInRange(first, last, mask)), listFilter);
+    return Interfaces::Filtered(wrapAll<DataElementList>(elementsInRange(first, last, mask)), listFilter);
 }
 
 quint64 WrappedEntryQueryProvider::countElements(const ActivationMask &mask) const

@@ -64,12 +64,6 @@ QList<utils::ElementTimeIndex::ElementPtr> rangeOf(const Entry &entry, quint64 f
     return entry.timeIndex().range(first, last);
 }
 
-template <class List, class Filter>
-List filtered(const List &elements, const Filter &listFilter)
-{
-    return listFilter ? listFilter(elements) : elements;
-}
-
 } // namespace
 
 bool applyMaskedFilter(const ConstDataElementPtr &element, const ActivationMask &mask,
@@ -98,27 +92,27 @@ ConstDataElementList
 EntryQueryProvider::getElements(const ActivationMask &mask,
                                 const Interfaces::ConstElementListFilter &listFilter) const
 {
-    return filtered(toConst(elements(mask)), listFilter);
+    return Interfaces::Filtered(toConst(elements(mask)), listFilter);
 }
 
 DataElementList EntryQueryProvider::getElements(const ActivationMask &mask,
                                                 const Interfaces::ElementListFilter &listFilter)
 {
-    return filtered(elements(mask), listFilter);
+    return Interfaces::Filtered(elements(mask), listFilter);
 }
 
 ConstDataElementList
 EntryQueryProvider::getElementsInRange(const quint64 &first, const quint64 &last, const ActivationMask &mask,
                                        const Interfaces::ConstElementListFilter &listFilter) const
 {
-    return filtered(toConst(elementsInRange(first, last, mask)), listFilter);
+    return Interfaces::Filtered(toConst(elementsInRange(first, last, mask)), listFilter);
 }
 
 DataElementList EntryQueryProvider::getElementsInRange(const quint64 &first, const quint64 &last,
                                                        const ActivationMask &mask,
                                                        const Interfaces::ElementListFilter &listFilter)
 {
-    return filtered(elementsInRange(first, last, mask), listFilter);
+    return Interfaces::Filtered(elementsInRange(first, last, mask), listFilter);
 }
 
 quint64 EntryQueryProvider::countElements(const ActivationMask &mask) const
