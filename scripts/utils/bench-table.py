@@ -34,7 +34,7 @@ def load(path):
     if not path.exists() or path.stat().st_size == 0:
         return {}
     entries = json.loads(path.read_text())["benchmarks"]
-    return {run.name: run for run in map(Run, (e for e in entries if e.get("aggregate_name") == "median"))}
+    return {run.name: run for run in map(Run, (e for e in entries if e.get("aggregate_name", "median") == "median"))}
 
 
 def references(name, runs):
