@@ -49,11 +49,14 @@ public:
     bool updateElementValue(const QString &entryUuid, const QString &elementUuid,
                             const DataElementUpdateType &type, const QVariant &value) override;
 
-private:
+protected:
     using NodePtr = std::shared_ptr<utils::RemoteStorageNode>;
 
+    /*! The end that the type asks for; null, with a line, where type or location do not allow it. */
+    virtual NodePtr makeNode() const;
+
+private:
     NodePtr getNode() const;
-    NodePtr makeNode() const;
 
     mutable QMutex mutex;
     NodePtr node;

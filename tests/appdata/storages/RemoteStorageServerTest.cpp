@@ -2,7 +2,6 @@
 
 #include <appdata/storages/RemoteStorage.h>
 #include <appdata/storages/utils/RemoteStorageCodec.h>
-#include <appdata/storages/utils/RemoteStorageConnection.h>
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/utils/RepositoryLookup.h>
 
@@ -118,7 +117,6 @@ private Q_SLOTS:
         run.reset();
     }
 
-    void aPeerIsJudgedByWhatItHasNotTaken();
     void theContentsAreAnsweredInTheModeOfThePeer_data();
     void theContentsAreAnsweredInTheModeOfThePeer();
     void anyStorageIsServedAndStaysUnattached();
@@ -130,15 +128,6 @@ private Q_SLOTS:
     void aPeerCreatesWhatItMayChange();
     void aTakenPortIsTold();
 };
-
-void RemoteStorageServerTest::aPeerIsJudgedByWhatItHasNotTaken()
-{
-    constexpr qint64 most = 2097152;
-    QVERIFY(JudgeDelivery(-1, most) == RemoteStorageDelivery::Send);
-    QVERIFY(JudgeDelivery(-1, most + 1) == RemoteStorageDelivery::Drop);
-    QVERIFY(JudgeDelivery(2000, 0) == RemoteStorageDelivery::Send);
-    QVERIFY(JudgeDelivery(2001, 0) == RemoteStorageDelivery::Close);
-}
 
 void RemoteStorageServerTest::theContentsAreAnsweredInTheModeOfThePeer_data()
 {
