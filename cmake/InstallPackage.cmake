@@ -7,10 +7,12 @@ set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/Tessellum)
 install(TARGETS Tessellum EXPORT TessellumTargets)
 install(EXPORT TessellumTargets NAMESPACE Tessellum:: DESTINATION ${packageDir})
 
+# The sockets of remote peers stay the library's own: who uses it need not have Qt's web sockets.
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessellum
     FILES_MATCHING PATTERN "*.h"
     PATTERN Precompiled.h EXCLUDE
-    PATTERN platform EXCLUDE)
+    PATTERN platform EXCLUDE
+    REGEX "/utils/Remote[A-Za-z]+\\.h$" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/src/shared/TessellumExport.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessellum/shared)
 

@@ -1,6 +1,7 @@
 #include "ConnectedStorages.h"
 #include "SqlStorage.h"
 
+#include <QCoreApplication>
 #include <QMutexLocker>
 #include <QSet>
 #include <QSqlDatabase>
@@ -13,6 +14,7 @@ struct Connected
 {
     QMutex mutex;
     QSet<SqlStorage *> storages;
+    bool hasRoutine = false;
     bool over = false;
 };
 
@@ -23,6 +25,15 @@ Connected &All()
     return *all;
 }
 
+void DisconnectAll()
+{
+    const QMutexLocker lock(&All().mutex);
+    All().hasRoutine = false;
+    for (SqlStorage *storage : qAsConst(All().storages))
+        storage->disconnectStorage();
+}
+
+// Without an application object Qt's list of connections goes with the other static objects.
 class EndOfProcess
 {
 public:
@@ -30,10 +41,9 @@ public:
     Q_DISABLE_COPY_MOVE(EndOfProcess)
     ~EndOfProcess()
     {
+        DisconnectAll();
         const QMutexLocker lock(&All().mutex);
         All().over = true;
-        for (SqlStorage *storage : qAsConst(All().storages))
-            storage->disconnectStorage();
     }
 };
 
@@ -41,10 +51,14 @@ public:
 
 bool Add(SqlStorage *storage)
 {
-    // Made after Qt's list of connections, hence ended before it.
+    // Both after Qt has made its own, hence called before those.
+    QSqlDatabase::drivers();
     QSqlDatabase::contains(QString());
     static const EndOfProcess endOfProcess;
     const QMutexLocker lock(&All().mutex);
+    if (!All().hasRoutine)
+        qAddPostRoutine(DisconnectAll);
+    All().hasRoutine = true;
     if (!All().over)
         All().storages.insert(storage);
     return !All().over;

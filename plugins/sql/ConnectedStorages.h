@@ -5,9 +5,9 @@ namespace Tessellum::Plugins::Sql {
 class SqlStorage;
 
 /*!
- * The storages that are connected. Qt forgets its database connections when the process ends, and that may be
- * before the application's last storage goes: those still connected then are disconnected while it can be
- * done, so that their writes arrive and no thread of theirs meets a connection that is gone.
+ * The storages that are connected. Qt forgets its database connections when the application object dies, or
+ * when the process ends, and storages may live on: those still connected then are disconnected just before,
+ * so that their writes arrive and no thread of theirs meets a connection that is gone.
  *
  * Lock: one mutex guards the set, and is taken before a storage's lifecycle. It is held while a storage is
  * disconnected at the end of the process.
