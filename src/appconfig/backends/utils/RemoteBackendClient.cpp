@@ -214,7 +214,10 @@ void RemoteBackendClient::dropSocket()
     if (!socket)
         return;
     socket->disconnect(this);
-    socket->close(QWebSocketProtocol::CloseCodeNormal);
+    if (socket->state() == QAbstractSocket::ConnectedState)
+        socket->close(QWebSocketProtocol::CloseCodeNormal);
+    else
+        socket->abort();
     socket->deleteLater();
     socket = nullptr;
 }

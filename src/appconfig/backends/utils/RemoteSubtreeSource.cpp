@@ -79,6 +79,7 @@ void RemoteSubtreeSource::initialize(const RemoteMessage &message)
         changesOfPath.clear();
     }
     told.clear();
+    answered.clear();
     basePath = root->getPath();
     // First, so that nothing that changes meanwhile is missed.
     registerHandlers();
@@ -160,6 +161,8 @@ void RemoteSubtreeSource::answer(RemoteCommand command, const QString &path, con
     const auto last = told.find(path);
     if (last != told.end() && *last != bytes)
         *last = std::nullopt;
+    else if (last == told.end() && !bytes.isNull())
+        answered.insert(path);
     sendMessage(command, path, bytes);
 }
 
@@ -198,8 +201,11 @@ void RemoteSubtreeSource::sendChange(const QString &path, int changes)
 {
     const auto attribute = find(path);
     if (!attribute) {
+        if (!(changes & Deleted))
+            return;
         // What came and went between two looks was never there for the peer.
-        if ((changes & Deleted) && (told.remove(path) > 0 || !(changes & Created)))
+        const bool isKnown = told.remove(path) + int(answered.remove(path)) > 0;
+        if (isKnown || !(changes & Created))
             sendMessage(RemoteCommand::Delete, path);
         return;
     }
@@ -210,6 +216,7 @@ void RemoteSubtreeSource::sendChange(const QString &path, int changes)
     // The handler of the create may come behind that of an update, or of what the first answer held already.
     sendMessage(last == told.end() ? RemoteCommand::Create : RemoteCommand::Update, path, bytes);
     told.insert(path, bytes);
+    answered.remove(path);
 }
 
 void RemoteSubtreeSource::sendMessage(RemoteCommand command, const QString &path, const QByteArray &bytes)

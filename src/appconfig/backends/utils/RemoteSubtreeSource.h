@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <QMutex>
+#include <QSet>
 #include <QStringList>
 
 #include <functional>
@@ -75,6 +76,7 @@ private:
     // On the worker alone.
     QString basePath; // empty before the first "init"
     QHash<QString, Told> told;
+    QSet<QString> answered; // that the peer has heard of by an answer alone
     std::vector<Notification::Interfaces::NotificationInterface::HandlePointer> handles;
 
     QMutex mutex;
