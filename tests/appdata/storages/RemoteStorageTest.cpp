@@ -45,8 +45,26 @@ private:
                                                                                   CreatePoint::Done, name);
     }
 
+    static int portOf(const QString &name)
+    {
+        return shown(QStringLiteral("appdata.storages.remote_server_ports.") + name).toInt();
+    }
+    static bool addClient(const QString &name)
+    {
+        return addStorage(
+            "remote-storage-client", name,
+            QStringLiteral("ws://127.0.0.1:%1/?id=%2&path=served").arg(portOf("served")).arg(name));
+    }
+    static std::shared_ptr<Data::Entries::Entry> onlyEntryOf(const QString &storage)
+    {
+        const auto entries = Tessellum::AppData::utils::FindStorage(storage)->getChildren(false);
+        return entries.size() == 1 ? std::dynamic_pointer_cast<Data::Entries::Entry>(entries.first())
+                                   : nullptr;
+    }
+
 private Q_SLOTS:
     void aClientMirrorsAServerOverReconnects();
+    void clientsOfBothModesGetTheSame();
 };
 
 void RemoteStorageTest::aClientMirrorsAServerOverReconnects()
@@ -91,6 +109,56 @@ void RemoteStorageTest::aClientMirrorsAServerOverReconnects()
     QVERIFY(run.provider().getStorageProvider()->removeStorage("served"));
     QTRY_VERIFY(!shown(portPath).isValid());
     QTRY_COMPARE(clientStatus(), QStringLiteral("disconnected"));
+}
+
+void RemoteStorageTest::clientsOfBothModesGetTheSame()
+{
+    RunningDataRepository run;
+    QVERIFY(addStorage("remote-storage-server", "served", "ws://x:0/?bind=127.0.0.1"));
+    QTRY_VERIFY(portOf("served") != 0);
+    const auto entry
+        = run.addEntry(run.record("load", "served", 0, RunningDataRepository::CategoryType::Binary));
+    const auto values = entry->getManipulationInterface();
+    values->addDataElementValue(1, ElementValueKind::RawData, QByteArray("one"), CreatePoint::Done);
+    QVERIFY(run.element(entry, 0)->getManipulationInterface()->setActive(false, UpdatePoint::Done));
+    const QStringList clients{"binary", "text"};
+    QVERIFY(addClient("binary"));
+    QTRY_VERIFY(onlyEntryOf("binary") && onlyEntryOf("binary")->getNumberOfChildren() == 1);
+    // Qt's binary JSON does not hold this, so that the second client gets text.
+    const QByteArray large(1200000, 'x');
+    values->addDataElementValue(2, ElementValueKind::RawData, large, CreatePoint::Done);
+    QVERIFY(addClient("text"));
+    for (const QString &client : clients) {
+        QTRY_VERIFY_WITH_TIMEOUT(onlyEntryOf(client) && onlyEntryOf(client)->getNumberOfChildren() == 2,
+                                 30000);
+        const auto copy = onlyEntryOf(client);
+        QCOMPARE(copy->getName(), QStringLiteral("load"));
+        quint64 bytes = 0;
+        int inactive = 0;
+        for (quint64 index = 0; index < 2; ++index) {
+            bytes += quint64(run.element(copy, index)->getQueryInterface()->getRawData().size());
+            inactive += run.element(copy, index)->isActive() ? 0 : 1;
+        }
+        QCOMPARE(bytes, quint64(large.size() + 3));
+        QCOMPARE(inactive, 1);
+        QTRY_VERIFY(shown("appdata.storages.remote_server." + client).isValid());
+    }
+    QVERIFY(run.element(entry, 1)->getManipulationInterface()->setData(
+        ElementValueKind::RawData, QByteArray("small"), UpdatePoint::Done));
+    values->addDataElementValue(3, ElementValueKind::RawData, QByteArray("three"), CreatePoint::Done);
+    const auto total = [&](const QString &client) {
+        int bytes = 0;
+        const auto copy = onlyEntryOf(client);
+        for (quint64 index = 0; copy && index < copy->getNumberOfChildren(); ++index)
+            bytes += run.element(copy, index)->getQueryInterface()->getRawData().size();
+        return bytes;
+    };
+    for (const QString &client : clients)
+        QTRY_COMPARE(total(client), 3 + 5 + 5);
+    QVERIFY(run.provider().getStorageProvider()->removeStorage("served"));
+    for (const QString &client : clients)
+        QTRY_VERIFY(!shown("appdata.storages.remote_server." + client).isValid());
+    QTRY_VERIFY(!shown("appdata.storages.remote_server_ports.served").isValid());
 }
 
 QTEST_GUILESS_MAIN(RemoteStorageTest)
