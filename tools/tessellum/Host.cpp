@@ -23,6 +23,7 @@ using Notification::CreatePoint;
 namespace {
 
 constexpr qint64 listenMs = 10000;
+constexpr const char *RootName = "host";
 constexpr const char *ServerName = "server";
 constexpr const char *StorageServerType = "remote-storage-server";
 
@@ -87,9 +88,14 @@ QJsonObject setUp(const HostRequest &request)
 {
     if (!QFileInfo::exists(request.configuration))
         Fail(QStringLiteral("%1 does not exist").arg(request.configuration));
-    const QString name = QFileInfo(request.configuration).baseName();
-    QJsonObject ready{{QStringLiteral("ready"), true}, {QStringLiteral("path"), name}};
-    addBackend(QStringLiteral("json"), name, request.configuration);
+    // A peer mirrors what lies beneath an attribute, and a backend is none.
+    const QString root = QLatin1String(RootName);
+    const QString file
+        = Configuration()->getPathFromPathElements({root, QFileInfo(request.configuration).baseName()});
+    if (!Configuration()->getManipulationInterface()->createAttribute(root, QVariant(), CreatePoint::Done, 3))
+        Fail(QStringLiteral("%1 cannot be created").arg(root));
+    QJsonObject ready{{QStringLiteral("ready"), true}, {QStringLiteral("path"), root}};
+    addBackend(QStringLiteral("json"), file, request.configuration);
     if (!request.storages.isEmpty())
         addPluginSearchPath(request.plugins);
     QJsonObject storagePorts;
