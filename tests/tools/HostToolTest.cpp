@@ -237,20 +237,20 @@ void HostToolTest::theShellMirrors()
 {
     const QByteArray url = startedUrl("host").toUtf8();
     const auto clientStatus = [](ShellProcess &shell) {
-        return shell.ask("status").value("configuration").toObject().value("clients").toObject().value("me");
+        return shell.ask("status").value("configuration").toObject().value("clients").toObject().value("far");
     };
     ShellProcess shell;
     QVERIFY(shell.succeeds("start"));
-    QCOMPARE(shell.ask("remote far " + url + "&id=me").value("attributes"), QJsonValue(3));
+    QCOMPARE(shell.ask("remote far " + url).value("attributes"), QJsonValue(3));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("established"), Patience);
     QVERIFY(shell.succeeds("update far.plant.speed 8"));
     QTRY_COMPARE_WITH_TIMEOUT(host->ask("get host.plant.speed").value("value"), QJsonValue(8), Patience);
 
     QVERIFY(shell.ask("control you close").contains("error"));
-    QVERIFY(shell.succeeds("control me close"));
+    QVERIFY(shell.succeeds("control far close"));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("disconnected"), Patience);
     QCOMPARE(shell.ask("get far.plant.speed").value("value"), QJsonValue(8));
-    QVERIFY(shell.succeeds("control me connect"));
+    QVERIFY(shell.succeeds("control far connect"));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("established"), Patience);
     QVERIFY(host->succeeds("update host.plant.speed 9"));
     QTRY_COMPARE_WITH_TIMEOUT(shell.ask("get far.plant.speed").value("value"), QJsonValue(9), Patience);

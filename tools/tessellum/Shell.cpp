@@ -120,8 +120,10 @@ const QVector<Shell::Entry> &Shell::Entries()
         {"remove", "storage NAME | entry UUID|PATTERN", "take a storage away, or entries with their values",
          2, 2, &Shell::removeData},
         {"remote", "NAME URL",
-         "mirror a subtree of another process as backend NAME; URL as ws://HOST:PORT/?path=PATH&id=ID", 2, 2,
-         &Shell::remote},
+         "mirror a subtree of another process as backend NAME; URL as ws://HOST:PORT/?path=PATH, with id=ID "
+         "if "
+         "that is not NAME",
+         2, 2, &Shell::remote},
         {"control", "ID connect|close", "open or close the connection of the client with that id", 2, 2,
          &Shell::control},
         {"status", "", "the clients with their status, the peers with their address, the ports of servers", 0,

@@ -50,16 +50,17 @@ QJsonObject valuesOf(const Kind &kind, const char *group, const QString &leaf = 
 
 QJsonObject Shell::remote(const Arguments &arguments)
 {
+    const QString name = arguments.text(0);
     QUrl url(arguments.text(1));
     QUrlQuery query(url);
-    if (!query.hasQueryItem(QStringLiteral("timeout"))) {
+    if (!query.hasQueryItem(QStringLiteral("id")))
+        query.addQueryItem(QStringLiteral("id"), name);
+    if (!query.hasQueryItem(QStringLiteral("timeout")))
         query.addQueryItem(QStringLiteral("timeout"), QString::number(TimeoutOf({arguments.text(1)})));
-        url.setQuery(query);
-    }
+    url.setQuery(query);
     AppConfig::Backends::BackendCreateDataDetails details;
     details.data = url;
     details.access = 3;
-    const QString name = arguments.text(0);
     if (!Configuration()->getBackendInterface()->createBackend(QStringLiteral("remote-backend-client"), name,
                                                                details, CreatePoint::Done)) {
         Fail(QStringLiteral("the mirror was not created"));

@@ -2,6 +2,7 @@
 #include "RunningLibrary.h"
 #include "ValueSource.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QUrl>
 #include <QUrlQuery>
@@ -93,8 +94,8 @@ QString OpenProcess(const ValueSource &source, const QString &name)
     }
     const bool isTimeUp = deadline.hasExpired();
     const QString established = QStringLiteral("established");
-    const bool isTold
-        = statusWait.until([&] { return AttributeValue(status).isValid(); }, QDeadlineTimer(statusMs));
+    const bool isTold = statusWait.until([&] { return AttributeValue(status).isValid(); },
+                                         QDeadlineTimer(isTimeUp ? 0 : statusMs));
     if (!isTold || AttributeValue(status) != established)
         Fail(QStringLiteral("nobody answers at %1:%2").arg(url.host()).arg(url.port()));
     const auto query = Configuration()->getQueryInterface();
