@@ -114,13 +114,13 @@ void HostToolTest::servesUntilToldToEnd()
 
 void HostToolTest::offersStorages()
 {
+    const QString url = "ws://127.0.0.1:0?bind=127.0.0.1";
     const QJsonObject ready
-        = start({"--storage", "volatile", "scratch", "x", "--serve-storage", "live", "ws://127.0.0.1:0"});
-    const int port = ready.value("storage_ports").toObject().value("live").toInt();
-    QVERIFY(port > 0);
+        = start({"--storage", "remote-storage-server", "more", url, "--serve-storage", "live", url});
+    const QJsonObject ports = ready.value("storage_ports").toObject();
+    QVERIFY(ports.value("live").toInt() > 0 && ports.value("more").toInt() > 0);
     QVERIFY(!ready.contains("port"));
-    QCOMPARE(host->ask("status").value("storages").toObject().value("ports"),
-             QJsonValue(QJsonObject({{"live", port}})));
+    QCOMPARE(host->ask("status").value("storages").toObject().value("ports"), QJsonValue(ports));
     QCOMPARE(host->ask("storages").value("storages").toArray().size(), 2);
     QVERIFY(host->succeeds("entry live plant speed float"));
 }
@@ -152,7 +152,8 @@ void HostToolTest::failsIfItCannotServe()
 void HostToolTest::readsAndSetsValuesOfAProcess()
 {
     const QString url = startedUrl("host");
-    QCOMPARE(runTool({"tree", url}).output, QString("plant.motor\nplant.motor.on = true\nplant.speed = 5\n"));
+    QCOMPARE(runTool({"tree", url}).output,
+             QString("plant\nplant.motor\nplant.speed = 5\nplant.motor.on = true\n"));
     QCOMPARE(runTool({"get", url, "plant.motor.on"}).output, QString("true\n"));
     QCOMPARE(runTool({"set", url, "plant.speed", "7"}).exitCode, 0);
     QCOMPARE(host->ask("get host.plant.speed").value("value"), QJsonValue(7));
@@ -241,7 +242,7 @@ void HostToolTest::theShellMirrors()
     };
     ShellProcess shell;
     QVERIFY(shell.succeeds("start"));
-    QCOMPARE(shell.ask("remote far " + url).value("attributes"), QJsonValue(3));
+    QCOMPARE(shell.ask("remote far " + url).value("attributes"), QJsonValue(4));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("established"), Patience);
     QVERIFY(shell.succeeds("update far.plant.speed 8"));
     QTRY_COMPARE_WITH_TIMEOUT(host->ask("get host.plant.speed").value("value"), QJsonValue(8), Patience);

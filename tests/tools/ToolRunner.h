@@ -90,8 +90,8 @@ public:
     }
     int waitForExit()
     {
-        const bool hasEnded = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit;
-        return hasEnded ? process.exitCode() : -1;
+        const bool hasEnded = process.state() == QProcess::NotRunning || process.waitForFinished(60000);
+        return hasEnded && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
     QString errors() { return QString::fromUtf8(process.readAllStandardError()); }
 

@@ -2,6 +2,8 @@
 #include "RunningLibrary.h"
 #include "ValueSource.h"
 
+#include <shared/logging/LogHandler.h>
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QUrl>
@@ -10,6 +12,7 @@
 namespace Tessellum::Tool {
 
 using Notification::CreatePoint;
+using Shared::Logging::LogHandler;
 
 namespace {
 
@@ -80,6 +83,8 @@ void OpenFile(const ValueSource &source, bool mayBeMissing)
 QString OpenProcess(const ValueSource &source, const QString &name)
 {
     const QUrl url = clientUrl(source, name);
+    // What is usual on a connection is no news to a command's user.
+    LogHandler::SetLogLevel(Shared::Logging::LogMessageType::warning);
     const QString status = Configuration()->getPathFromPathElements(
         {QStringLiteral("appconfig"), QStringLiteral("backends"), QStringLiteral("remote_clients"),
          item(url, "id"), QStringLiteral("status")});
