@@ -1,4 +1,5 @@
 #include "common/ProgressLine.h"
+#include "common/Steps.h"
 #include "Instrument.h"
 
 #include <QCoreApplication>
@@ -40,8 +41,7 @@ bool Instrument::run()
 
 bool Instrument::step(const QString &what, bool held)
 {
-    out << (held ? "  ok      " : "  FAILED  ") << what << Qt::endl;
-    return held;
+    return TellStep(out, what, held);
 }
 
 bool Instrument::start()

@@ -51,7 +51,7 @@ int WriteUntilKilled(const CrashOptions &options)
     Recording recording(options.plugins);
     if (!recording.start() || !recording.open(options.databaseFile, options.mode))
         return 1;
-    const Recording::Entry entry = recording.series(seriesName, 0);
+    const Recording::Entry entry = recording.series(Recording::StorageName(), seriesName, 0);
     const auto manipulation = entry ? entry->getManipulationInterface() : nullptr;
     for (quint64 value = 0; manipulation; ++value) {
         const QString uuid = manipulation->addDataElementValue(value, ElementValueKind::ParsedValue,

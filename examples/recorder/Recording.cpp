@@ -1,3 +1,4 @@
+#include "common/RecordingNames.h"
 #include "Recording.h"
 
 #include <appdata/data/entries/EntryProperties.h>
@@ -12,7 +13,6 @@ namespace Property = Tessellum::AppData::Data::Entries::EntryProperties;
 
 namespace {
 
-const QString classification = QStringLiteral("machine");
 constexpr int LongestLoadMs = 60000;
 
 } // namespace
@@ -74,15 +74,17 @@ std::shared_ptr<AppData::Interfaces::RepositoryInterface> Recording::data() cons
     return getCoreInterface()->getAppDataRepository();
 }
 
-Recording::Entry Recording::series(const QString &name, quint64 capacity)
+Recording::Entry Recording::series(const QString &storage, const QString &name, quint64 capacity)
 {
     const auto entries = data()->getDataEntryInterface();
-    const auto matching = entries->getDataEntries(classification + QLatin1Char('.') + name);
-    if (!matching.isEmpty())
-        return matching.first();
+    for (const Entry &entry :
+         entries->getDataEntries(RecordingNames::Classification() + QLatin1Char('.') + name)) {
+        if (entry->getStorageName() == storage)
+            return entry;
+    }
     return entries->addDataEntryExtended(
-        StorageName(),
-        {{Property::Classification(), classification},
+        storage,
+        {{Property::Classification(), RecordingNames::Classification()},
          {Property::Name(), name},
          {Property::CategoryType(), static_cast<quint32>(CategoryType::Float)},
          {Property::Persistence(), static_cast<quint32>(PersistenceType::Persistent)},
@@ -92,9 +94,10 @@ Recording::Entry Recording::series(const QString &name, quint64 capacity)
 QMap<QString, Series> Recording::readAll() const
 {
     QMap<QString, Series> all;
-    for (const Entry &entry :
-         data()->getDataEntryInterface()->getDataEntries(classification + QStringLiteral(".*"))) {
-        all.insert(entry->getName(), Series::Read(*entry));
+    for (const Entry &entry : data()->getDataEntryInterface()->getDataEntries(RecordingNames::Classification()
+                                                                              + QStringLiteral(".*"))) {
+        if (entry->getStorageName() == StorageName())
+            all.insert(entry->getName(), Series::Read(*entry));
     }
     return all;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Series.h"
+#include "common/Series.h"
 
 #include <appconfig/interfaces/RepositoryInterface.h>
 #include <appdata/interfaces/RepositoryInterface.h>
@@ -29,11 +29,13 @@ public:
 
     std::shared_ptr<Tessellum::AppConfig::Interfaces::RepositoryInterface> configuration() const;
     std::shared_ptr<Tessellum::AppData::Interfaces::RepositoryInterface> data() const;
-    /*! The entry of a series, made as a ring of \a capacity where it is missing; null where that fails. */
-    Entry series(const QString &name, quint64 capacity);
-    /*! All series of the storage, by name. */
+    /*! The entry of a series in \a storage, made as a ring of \a capacity where it is missing; null where
+     * that fails. The entries of a series in several storages are a pair. */
+    Entry series(const QString &storage, const QString &name, quint64 capacity);
+    /*! All series of the file, by name. */
     QMap<QString, Series> readAll() const;
 
+    /*! The storage of the file. */
     static const QString &StorageName();
 
 private:

@@ -6,8 +6,7 @@
 
 #include <QVector>
 
-#include <functional>
-#include <string>
+#include <istream>
 
 namespace Tessellum::Tool {
 
@@ -22,9 +21,8 @@ public:
     ~Shell();
     Q_DISABLE_COPY_MOVE(Shell)
 
-    /*! Takes lines until \a readLine gives none, or to "quit". The gravest exit code that a command gave. */
-    int run(const std::function<bool(std::string &line)> &readLine);
-    bool wasToldToQuit() const { return hasQuit; }
+    /*! Reads \a input to its end, or to "quit". The gravest exit code that a command gave. */
+    int run(std::istream &input);
 
     /*! The commands with their arguments and what they do, one a line. */
     static QString Help();
@@ -70,9 +68,6 @@ private:
     QJsonObject changeElement(const Arguments &arguments);
     QJsonObject memoryStrategy(const Arguments &arguments);
     QJsonObject removeData(const Arguments &arguments);
-    QJsonObject remote(const Arguments &arguments);
-    QJsonObject control(const Arguments &arguments);
-    QJsonObject status(const Arguments &arguments);
     QJsonObject setLogLevel(const Arguments &arguments);
     QJsonObject locale(const Arguments &arguments);
     QJsonObject version(const Arguments &arguments);
@@ -80,7 +75,6 @@ private:
 
     JsonLines lines;
     Watches watches;
-    bool hasQuit = false;
 };
 
 } // namespace Tessellum::Tool

@@ -1,6 +1,7 @@
 #include "Series.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 using namespace Tessellum::AppData;
@@ -24,15 +25,17 @@ bool isLower(const Series::Point &left, const Series::Point &right)
 
 } // namespace
 
-Series Series::Read(const Interfaces::DataEntryInterface &entry)
+Series Series::Read(const Interfaces::DataEntryInterface &entry, quint64 first)
 {
     Series series;
     series.name = entry.getName();
-    const auto elements
-        = entry.getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter());
+    const auto elements = entry.getQueryInterface()->getElementsInRange(
+        first, std::numeric_limits<quint64>::max(), ActivationMask::All, Interfaces::PassThroughFilter());
     for (const auto &element : elements) {
         const auto query = element->getQueryInterface();
-        series.points.append({query->getTimestamp(), query->getParsedData()->toDouble()});
+        const auto value = query->getParsedData();
+        if (value->isValid()) // not that of an element which has gone meanwhile
+            series.points.append({query->getTimestamp(), value->toDouble()});
     }
     std::stable_sort(series.points.begin(), series.points.end(),
                      [](const Point &left, const Point &right) { return left.timestamp < right.timestamp; });

@@ -5,7 +5,7 @@
 #include <QTextStream>
 #include <QVector>
 
-/*! The stored values of one entry, oldest first, and what one line says of them. */
+/*! The values of one entry or pair, oldest first, and what one line says of them. */
 struct Series
 {
     struct Point
@@ -22,8 +22,9 @@ struct Series
     QString name;
     QVector<Point> points;
 
-    /*! Reads all elements, in the order of their time stamps. */
-    static Series Read(const Tessellum::AppData::Interfaces::DataEntryInterface &entry);
+    /*! Reads the elements from \a first (milliseconds since 1970) on, in the order of their time stamps; of a
+     * pair, those of all its entries. */
+    static Series Read(const Tessellum::AppData::Interfaces::DataEntryInterface &entry, quint64 first = 0);
     /*! "name  count  span  minimum  mean  maximum  sparkline" */
     void print(QTextStream &out) const;
 
