@@ -1,8 +1,5 @@
 #include "AnswerWatch.h"
 
-#include <sys/socket.h>
-#include <unistd.h>
-
 namespace Tessellum::Plugins::Sql {
 
 using Clock = std::chrono::steady_clock;
@@ -14,7 +11,6 @@ AnswerWatch::AnswerWatch(std::chrono::seconds longestWait)
 
 AnswerWatch::~AnswerWatch()
 {
-    setSocket(-1);
     {
         const std::lock_guard<std::mutex> lock(mutex);
         ending = true;
@@ -26,9 +22,7 @@ AnswerWatch::~AnswerWatch()
 void AnswerWatch::setSocket(int descriptor)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (socket != -1)
-        ::close(socket);
-    socket = descriptor == -1 ? -1 : ::dup(descriptor);
+    socket.reset(descriptor);
     deadline = Clock::now() + patience;
 }
 
@@ -57,8 +51,8 @@ void AnswerWatch::work()
     std::unique_lock<std::mutex> lock(mutex);
     while (!ending) {
         const Clock::time_point now = Clock::now();
-        if (depth > 0 && socket != -1 && now >= deadline) {
-            ::shutdown(socket, SHUT_RDWR);
+        if (depth > 0 && socket.isValid() && now >= deadline) {
+            socket.shutDown();
             deadline = now + patience;
         }
         wake.wait_until(lock, depth > 0 ? deadline : now + patience);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/SocketHandle.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -38,7 +40,7 @@ private:
     std::condition_variable wake;
     std::chrono::steady_clock::time_point deadline;
     int depth = 0;
-    int socket = -1; // a duplicate: the number of the connection's may be another's by now
+    SocketHandle socket;
     bool ending = false;
     std::thread thread;
 };
