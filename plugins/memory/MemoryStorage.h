@@ -6,24 +6,24 @@
 #include <QMutex>
 #include <QStringList>
 
+#include <atomic>
+
 namespace Tessellum::Plugins::Memory {
 
 /*!
  * A storage in memory: it keeps what it was given until the object dies, also over a disconnect.
  *
- * Lock: mutex guards all fields. Nothing is called with it held.
+ * Lock: mutex guards the entries. Nothing is called with it held.
  */
 class MemoryStorage : public AppData::Storages::StorageImplementation
 {
 public:
-    using StorageCreateData = AppData::Storages::StorageCreateData;
-
-    explicit MemoryStorage(const StorageCreateData &data);
+    using StorageImplementation::StorageImplementation;
 
     QStringList getEntryTypes() const override;
     bool connectStorage() override;
     bool disconnectStorage() override;
-    bool isConnected() const override;
+    bool isConnected() const override { return connected; }
     bool serializeEntry(const QString &uuid, const EntryRecord &record) override;
     bool serializeElement(const QString &entryUuid, const QString &elementUuid,
                           const ElementValues &values) override;
@@ -47,11 +47,11 @@ private:
         QHash<QString, ElementValues> elements;
     };
 
-    bool checkConnection() const;
-    const ElementValues *find(const QString &entryUuid, const QString &elementUuid) const;
+    template <class Work>
+    auto whileConnected(const Work &work) const;
 
+    std::atomic<bool> connected = false;
     mutable QMutex mutex;
-    bool connected = false;
     QHash<QString, Entry> entries;
 };
 
