@@ -1,5 +1,6 @@
 #include <QProcess>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -23,6 +24,8 @@ private:
     std::shared_ptr<StorageImplementation> make(const QUrl &url, qint32 mode = 0);
     // A schema of the test's own.
     QUrl freshUrl(const QString &more = QString());
+    // The first value of what a connection of the test's own reads or does in the last schema.
+    QVariant sql(const QString &statement);
     QList<qulonglong> stamps(const std::shared_ptr<StorageImplementation> &storage, const QString &entry);
 
     PostgresServer server;
@@ -36,6 +39,7 @@ private Q_SLOTS:
     void refusesBadPlaces();
     void refusesNewerTables();
     void refusesTextsOfOtherKinds();
+    void removesManyElementsInParts();
     void sharesASchema();
     void keepsWritesWhileAway();
     void isBoundedWhileAway();
@@ -53,6 +57,26 @@ std::shared_ptr<StorageImplementation> PostgresqlStorageTest::make(const QUrl &u
 QUrl PostgresqlStorageTest::freshUrl(const QString &more)
 {
     return server.url(QStringLiteral("Schema \"%1").arg(++schemas), more);
+}
+
+QVariant PostgresqlStorageTest::sql(const QString &statement)
+{
+    QVariant value;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("test"));
+        database.setHostName(server.folder());
+        database.setDatabaseName(QStringLiteral("postgres"));
+        database.setUserName(QStringLiteral("recorder"));
+        database.open();
+        QSqlQuery query(database);
+        query.exec(QStringLiteral("SET search_path TO \"Schema \"\"%1\"").arg(schemas));
+        if (!query.exec(statement))
+            qWarning("%s", qPrintable(query.lastError().text()));
+        if (query.next())
+            value = query.value(0);
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("test"));
+    return value;
 }
 
 QList<qulonglong> PostgresqlStorageTest::stamps(const std::shared_ptr<StorageImplementation> &storage,
@@ -108,16 +132,7 @@ void PostgresqlStorageTest::refusesNewerTables()
 {
     const QUrl url = freshUrl();
     QVERIFY(make(url)->connectStorage());
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("test"));
-        database.setHostName(server.folder());
-        database.setDatabaseName(QStringLiteral("postgres"));
-        database.setUserName(QStringLiteral("recorder"));
-        QVERIFY(database.open());
-        QVERIFY(QSqlQuery(database).exec(
-            QStringLiteral("UPDATE \"Schema \"\"%1\".tessellum_schema SET version = 2").arg(schemas)));
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("test"));
+    sql(QStringLiteral("UPDATE tessellum_schema SET version = 2"));
     const LogCapture log;
     QVERIFY(!make(url)->connectStorage());
     QVERIFY(log.lines().value(0).endsWith(QLatin1String("the tables are of version 2, newer than 1")));
@@ -133,6 +148,26 @@ void PostgresqlStorageTest::refusesTextsOfOtherKinds()
     QVERIFY(!storage->deserializeEntry(text, record));
     QVERIFY(storage->serializeEntry(Uuid(), Record()));
     QVERIFY(storage->disconnectStorage());
+}
+
+void PostgresqlStorageTest::removesManyElementsInParts()
+{
+    const auto storage = make(freshUrl());
+    QVERIFY(storage->connectStorage());
+    for (const char *entry : {"many", "other"})
+        QVERIFY(storage->serializeEntry(QLatin1String(entry), Record()));
+    QVERIFY(storage->disconnectStorage());
+    sql(QStringLiteral(
+        "INSERT INTO tessellum_elements (entry, uuid, active, stamp) SELECT id, 'u' || n, 1, n "
+        "FROM tessellum_entries, generate_series(1, 120001) n WHERE uuid = 'many' OR n < 4"));
+    QVERIFY(storage->connectStorage());
+    QStringList uuids;
+    QCOMPARE(storage->getElementIds(QStringLiteral("many"), uuids), 120001u);
+    QVERIFY(storage->removeEntry(QStringLiteral("many")));
+    QCOMPARE(storage->getElementIds(QStringLiteral("many"), uuids), 0u);
+    QVERIFY(storage->disconnectStorage());
+    QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM tessellum_elements")).toInt(), 3);
+    QCOMPARE(sql(QStringLiteral("SELECT uuid FROM tessellum_entries")).toString(), QStringLiteral("other"));
 }
 
 void PostgresqlStorageTest::sharesASchema()

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <array>
 #include <csignal>
 #include <plugins/support/LoadedStorages.h>
 #include <plugins/support/StorageRecords.h>
@@ -42,6 +43,7 @@ private Q_SLOTS:
     void writesAgainAfterALock();
     void tellsOfALockAtOnce();
     void writesAgainAfterAFullDisk();
+    void twoProcessesWriteToOneEntry();
     void keepsWhatWasCommitted_data();
     void keepsWhatWasCommitted();
 };
@@ -326,6 +328,37 @@ void SqliteStorageTest::survivesTheEndOfTheProcess()
     QCOMPARE(child.exitStatus(), QProcess::NormalExit);
     QCOMPARE(child.exitCode(), 0);
     checkWritten(file, entry, 2999);
+}
+
+// One index of an entry's elements in each of them knows its own alone.
+void SqliteStorageTest::twoProcessesWriteToOneEntry()
+{
+    constexpr int number = 3000;
+    const QString file = folder->filePath(QStringLiteral("a"));
+    const QString entry = Uuid();
+    std::array<QProcess, 2> children;
+    for (QProcess &child : children) {
+        child.setProcessChannelMode(QProcess::MergedChannels);
+        child.start(QStringLiteral(STORAGE_WRITER),
+                    {QStringLiteral(SQLITE_PLUGIN), QStringLiteral("sqlite"), file, QStringLiteral("0"),
+                     entry, QString::number(number)});
+    }
+    for (QProcess &child : children) {
+        QVERIFY(child.waitForFinished(60000));
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(child.exitCode() == 0, child.readAll().constData());
+    }
+    const auto storage = make(file);
+    QVERIFY(storage->connectStorage());
+    QStringList uuids;
+    QCOMPARE(storage->getElementIds(entry, uuids), quint64(2 * number));
+    QList<int> sums(number, 0);
+    for (const QString &uuid : qAsConst(uuids))
+        ++sums[storage->getElementRawData(entry, uuid).toInt()];
+    QCOMPARE(sums.count(2), number);
+    QVERIFY(storage->disconnectStorage());
+    QCOMPARE(sql(file, {QStringLiteral("SELECT count(*) FROM tessellum_entries")}), QVariantList{1});
+    QCOMPARE(sql(file, {QStringLiteral("PRAGMA integrity_check")}), QVariantList{QStringLiteral("ok")});
 }
 
 // All values from the first one on, without a gap, and at least up to the one that is known to be written.
