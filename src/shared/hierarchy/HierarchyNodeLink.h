@@ -34,6 +34,8 @@ public:
     bool isReadOnly() const;
 
 private:
+    template <class Link>
+    static auto behindAll(Link &first);
     std::shared_ptr<HierarchyNode> getLink();
     std::shared_ptr<const HierarchyNode> getLink() const;
 

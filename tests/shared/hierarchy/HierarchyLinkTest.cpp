@@ -9,6 +9,7 @@
 #include <set>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <vector>
 
 using namespace HierarchyTree;
 using namespace Shared::Hierarchy;
@@ -112,6 +113,23 @@ private Q_SLOTS:
         const QString path = "place0"_s + ".to1.to0"_s.repeated(Deep / 2);
         QCOMPARE(root->findChildByRelativePath(path), places[1]->getChildById("to0"_s));
         QCOMPARE(ConstNode(root)->findChildByRelativePath(path + QLatin1Char('.')), ConstNode(places[0]));
+    }
+
+    void longChainOfLinks()
+    {
+        const NodePointer root = make();
+        const NodePointer leaf = grow(root, "target.a"_s);
+        std::vector<NodePointer> chain{root->getChildById("target"_s)};
+        for (int number = 0; number < Deep; ++number)
+            chain.push_back(makeLink(chain.back(), false));
+        const NodePointer far = chain.back();
+        QCOMPARE(far->findChildByRelativePath("a"_s), leaf);
+        QCOMPARE(ConstNode(far)->findChildByRelativePath("a"_s), ConstNode(leaf));
+        QCOMPARE(idsOf(ConstNode(far)->getChildren(true)), QStringList{"a"_s});
+        QVERIFY(far->addChild(make("b"_s)));
+        QCOMPARE(chain.front()->getNumberOfChildren(), quint64(2));
+        chain.erase(chain.begin() + Deep / 2);
+        QVERIFY(!far->findChildByRelativePath("a"_s));
     }
 
     void reference()
