@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <malloc.h>
+
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::Data::Entries;
 using Tessellum::Notification::CreatePoint;
@@ -90,6 +92,32 @@ private Q_SLOTS:
         const auto single = run->addEntry(run->record("single", storageName, 1));
         QCOMPARE(add(single, 1, 1), add(single, 2, 2));
         QCOMPARE(single->getNumberOfChildren(), 1u);
+    }
+
+    void fullRingTakesNoMoreMemory_data() { ringGoesRound_data(); }
+    void fullRingTakesNoMoreMemory()
+    {
+        QFETCH(QString, storageName);
+        constexpr int capacity = 10000;
+        constexpr int adds = 200000;
+        const auto entry = run->addEntry(run->record("ring", storageName, capacity));
+        QVERIFY(entry->getMemoryStrategyInterface()->installMemoryStrategy("last", R"({"limit":100})"));
+        const auto addMany = [&](int number) {
+            for (int i = 0; i < number; ++i) {
+                // A place that is reserved for an element on its way is nobody else's yet.
+                while (add(entry, quint64(i), i, nullptr, CreatePoint::All).isEmpty())
+                    QThread::yieldCurrentThread();
+            }
+            return run->pool().waitForDone(StorageTwin::Patience);
+        };
+        QVERIFY(addMany(2 * capacity));
+        QCOMPARE(entry->getNumberOfChildren(), quint64(capacity));
+        const size_t before = mallinfo2().uordblks;
+        QVERIFY(addMany(adds));
+        const size_t after = mallinfo2().uordblks;
+        QCOMPARE(entry->getNumberOfChildren(), quint64(capacity));
+        // Five bytes for each add would show.
+        QVERIFY2(after < before + 5 * adds, qPrintable(QString::number(qint64(after - before))));
     }
 
     void placesAreReservedBeforeTheyAreTaken()

@@ -207,6 +207,41 @@ private Q_SLOTS:
         QCOMPARE(log.lines().filter("expired storage instance provided, cannot add entry").size(), 1);
     }
 
+    // Neither direction may hold one of the entries while it asks the other.
+    void entriesAreCopiedIntoEachOther()
+    {
+        constexpr int rounds = 40;
+        constexpr int values = 50;
+        const QStringList uuids{"left", "right"};
+        for (const QString &uuid : uuids) {
+            const auto entry = run->addEntry(run->record(uuid, "disk"), uuid);
+            QVERIFY(entry);
+            for (int i = 0; i < values; ++i)
+                QVERIFY(run->create(entry, run->value(quint64(i), i)));
+        }
+        const LogCapture log; // a value that both directions bring is refused once
+        QList<std::shared_ptr<Tessellum::Notification::CreateObserver>> copies;
+        for (int round = 0; round < rounds; ++round) {
+            for (int from = 0; from < 2; ++from) {
+                const auto info = std::make_shared<EntryInfo>();
+                info->uuid = uuids.at(1 - from);
+                info->sourceUuid = uuids.at(from);
+                info->serialize = run->record(info->uuid, "disk");
+                info->copyElements = true;
+                info->elementsList = child(uuids.at(from))->getChildIds();
+                copies.append(
+                    run->pool().startCreateTask(root(), {}, QVariant::fromValue(info), CreatePoint::Done));
+            }
+        }
+        QVERIFY(run->pool().waitForDone(StorageTwin::Patience));
+        for (const auto &copy : qAsConst(copies))
+            QVERIFY(copy->getResult().second);
+        for (const QString &uuid : uuids) {
+            QCOMPARE(child(uuid)->getNumberOfChildren(), quint64(2 * values));
+            QTRY_COMPARE(child(uuid)->getLoadStatus(), LoadStatus::Loaded);
+        }
+    }
+
     void discardedElementsAreNotLoaded()
     {
         store("late", 2);
