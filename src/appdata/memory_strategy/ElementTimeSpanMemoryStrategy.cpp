@@ -1,4 +1,5 @@
 #include <appdata/data/entries/Entry.h>
+#include <appdata/data/entries/utils/ElementTimeIndex.h>
 #include <appdata/memory_strategy/ElementTimeSpanMemoryStrategy.h>
 
 namespace Tessellum::AppData::MemoryStrategies {
@@ -36,8 +37,13 @@ qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
     const auto present = entry.lock();
     if (!present)
         return NoDecision;
-    // The element first: once it can be found it has been announced, so that the range knows of it.
+    // The element first: once it can be found the index knows of it, which is told of it only later.
     const auto element = present->getQueryInterface()->getElementById(elementUuid);
+    const quint64 changes = present->timeIndex().changes();
+    if (seenChanges.load() != changes) {
+        range->setDirty();
+        seenChanges.store(changes);
+    }
     range->recompute();
     const TimeRangeProvider::Range resolved = range->getRange();
     if (resolved.rangeType == TimeRangeProvider::RangeType::None || !element)

@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <atomic>
+
 namespace Tessellum::AppData::Data::Entries {
 class Entry;
 }
@@ -35,6 +37,7 @@ protected:
 private:
     const std::weak_ptr<const Data::Entries::Entry> entry;
     const std::shared_ptr<TimeRangeProvider> range;
+    std::atomic<quint64> seenChanges{0}; // of the entry's index by time stamp
 };
 
 } // namespace Tessellum::AppData::MemoryStrategies

@@ -87,6 +87,12 @@ protected:
      * hands out as the node at an empty path. */
     HierarchyNodeInstance(const QString &id, bool isForTarget);
 
+    /*! \a child has been entered. Called with the locks of this node and of the child held, so that what a
+     * derived class keeps of its children goes with them; it must call nobody else. */
+    virtual void childEntered(const std::shared_ptr<HierarchyNode> &child);
+    /*! Emits notifyChildAdded(). */
+    virtual void announceChild(const QString &childId);
+
 private:
     using InstancePointer = std::shared_ptr<HierarchyNodeInstance>;
     using Ancestors = QVarLengthArray<std::shared_ptr<HierarchyNode>, 8>;

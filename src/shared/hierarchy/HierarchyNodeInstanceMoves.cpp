@@ -273,7 +273,15 @@ HierarchyNodeInstance::Entered HierarchyNodeInstance::enter(const std::shared_pt
     if (const auto found = childNodes->find(instance.nodeId))
         return *found == node ? Entered::Before : Entered::Clash;
     childNodes->append(instance.nodeId, node);
+    childEntered(node);
     return Entered::Now;
+}
+
+void HierarchyNodeInstance::childEntered(const std::shared_ptr<HierarchyNode> & /*child*/) { }
+
+void HierarchyNodeInstance::announceChild(const QString &childId)
+{
+    Q_EMIT notifyChildAdded(childId);
 }
 
 bool HierarchyNodeInstance::enterAndNotify(const std::shared_ptr<HierarchyNode> &node,
@@ -281,7 +289,7 @@ bool HierarchyNodeInstance::enterAndNotify(const std::shared_ptr<HierarchyNode> 
 {
     switch (enter(node, instance)) {
     case Entered::Now:
-        Q_EMIT notifyChildAdded(instance.nodeId);
+        announceChild(instance.nodeId);
         return true;
     case Entered::Clash:
         warnAboutExisting(instance);

@@ -6,7 +6,11 @@
 
 #include <QtTest>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <stdexcept>
+#include <thread>
 
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::MemoryStrategies;
@@ -30,6 +34,40 @@ public:
 
 protected:
     void handleElementAdded(const QString &) override { throw std::runtime_error("added"); }
+};
+
+// One of an application, which has another thread ask the entry while it hears of an element.
+class AskingStrategy : public MemoryStrategy
+{
+public:
+    explicit AskingStrategy(const std::weak_ptr<const Entry> &strategyEntry)
+        : MemoryStrategy("asking", "id")
+        , entry(strategyEntry)
+    { }
+    qint32 evaluate(const QString &) override { return NoDecision; }
+
+    static inline std::atomic<int> answers = 0;
+
+protected:
+    void handleElementAdded(const QString &id) override
+    {
+        // Left behind where it hangs, so that the test can fail.
+        const auto answer = std::make_shared<std::promise<bool>>();
+        auto future = answer->get_future();
+        std::thread([answer, asked = entry.lock(), id] {
+            QMutex &pairs = RunningDataRepository::provider().pairMutex();
+            const bool isFree = pairs.tryLock(5000);
+            if (isFree)
+                pairs.unlock();
+            const auto element = isFree ? asked->getQueryInterface()->getElementById(id) : nullptr;
+            answer->set_value(element && element->getQueryInterface()->isActive());
+        }).detach();
+        if (future.wait_for(std::chrono::seconds(20)) == std::future_status::ready && future.get())
+            ++answers;
+    }
+
+private:
+    const std::weak_ptr<const Entry> entry;
 };
 
 } // namespace
@@ -75,6 +113,7 @@ private Q_SLOTS:
     void parametersThatAreRefusedChangeNothing();
     void installsOnceAndRemoves();
     void aStrategyThatThrowsDecidesNothing();
+    void aStrategyHearsOfElementsWithNoLockHeld();
     void theFirstPatternThatMatchesGivesTheType();
 };
 
@@ -216,6 +255,20 @@ void MemoryStrategyTest::aStrategyThatThrowsDecidesNothing()
     QVERIFY(log.lines().filter("CRITICAL MemoryStrategy::run() catched exception").size() >= 4);
     repository->unregisterProduct("throwing");
     repository->unregisterProduct("unmade");
+}
+
+void MemoryStrategyTest::aStrategyHearsOfElementsWithNoLockHeld()
+{
+    auto *const repository = MemoryStrategyRepository::getInstance();
+    QVERIFY(repository->registerProduct(
+        "asking", [](const QString &, const QString &, const std::weak_ptr<const Entry> &asked) {
+            return std::shared_ptr<MemoryStrategy>(MakeEventThreadObject<AskingStrategy>(asked));
+        }));
+    QVERIFY(strategies()->installMemoryStrategy("asking", QString()));
+    QVERIFY(entry->getLinkedPair()->getMemoryStrategyInterface()->installMemoryStrategy("asking", QString()));
+    add(1);
+    QCOMPARE(AskingStrategy::answers.load(), 2);
+    repository->unregisterProduct("asking");
 }
 
 void MemoryStrategyTest::theFirstPatternThatMatchesGivesTheType()

@@ -339,6 +339,7 @@ bool ElementsCreateTask::addElementToEntryAsChild(const EntryPtr &entry, const E
                                                   quint64 *position, const std::function<void()> &write)
 {
     bool added = false;
+    const Entry::LateAnnouncements announcements; // come when no lock is held
     std::optional<QWriteLocker> changes;
     {
         // The place that was reserved becomes a child in one step, or an add in between would count it twice.

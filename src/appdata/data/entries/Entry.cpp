@@ -17,6 +17,12 @@ using Elements::Element;
 using Shared::Hierarchy::HierarchyNode;
 using Shared::Synchronization::ScopedLock;
 
+namespace {
+
+thread_local Entry::LateAnnouncements *lateAnnouncements = nullptr;
+
+} // namespace
+
 Entry::Entry(const EntryData &entryData)
     : HierarchyNodeInstance(entryData.deserialize.uuid)
     , EntryProvider(entryData, *this)
@@ -80,21 +86,38 @@ bool Entry::setLoadStatus(const LoadStatus &status)
 
 bool Entry::addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index)
 {
-    // One step, so that the index by time stamp has the order of the children.
-    const ScopedLock lock(this);
-    if (!HierarchyNodeInstance::addChild(child, index)) {
-        if (index)
-            *index = ~0ULL;
-        return false;
-    }
-    if (const auto element = std::dynamic_pointer_cast<Element>(child)) {
-        // A child that gets its parent asks the parent to add it, so that this is passed twice for one child.
-        if (elementTimes->insert(element, element->getTimestamp()))
-            ++dataLocked().serialize.addCounter;
-        if (element->isDeleteFlagSet())
-            elementTimes->remove(element.get());
-    }
-    return true;
+    const bool added = HierarchyNodeInstance::addChild(child, index);
+    if (!added && index)
+        *index = ~0ULL;
+    return added;
+}
+
+void Entry::childEntered(const std::shared_ptr<HierarchyNode> &child)
+{
+    // In one step with the entry, so that the index by time stamp has the order of the children.
+    const auto element = std::dynamic_pointer_cast<Element>(child);
+    if (element && elementTimes->insert(element, element->getTimestamp()))
+        ++dataLocked().serialize.addCounter;
+}
+
+void Entry::announceChild(const QString &childId)
+{
+    if (lateAnnouncements)
+        lateAnnouncements->added.append({self(), childId});
+    else
+        HierarchyNodeInstance::announceChild(childId);
+}
+
+Entry::LateAnnouncements::LateAnnouncements()
+{
+    lateAnnouncements = this;
+}
+
+Entry::LateAnnouncements::~LateAnnouncements()
+{
+    lateAnnouncements = nullptr;
+    for (const auto &[entry, childId] : qAsConst(added))
+        static_cast<Entry &>(*entry).announceChild(childId);
 }
 
 std::shared_ptr<MemoryStrategies::MemoryStrategyWrapper> Entry::getMemoryStrategyWrapper() const

@@ -4,7 +4,10 @@
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
+#include <QVarLengthArray>
+
 #include <memory>
+#include <utility>
 
 namespace Tessellum::AppData::Data::Elements {
 class Element;
@@ -42,6 +45,22 @@ class TESSELLUM_EXPORT Entry : public Shared::Hierarchy::HierarchyNodeInstance,
     Q_OBJECT
 
 public:
+    /*! While it lives, what this thread adds to entries is told to nobody; its end tells of it. For those who
+     * add under a lock, and made before that is taken; one at a time on a thread. */
+    class TESSELLUM_EXPORT LateAnnouncements
+    {
+    public:
+        LateAnnouncements();
+        ~LateAnnouncements();
+        Q_DISABLE_COPY_MOVE(LateAnnouncements)
+
+    private:
+        friend class Entry;
+
+        mutable QVarLengthArray<std::pair<std::shared_ptr<HierarchyNode>, QString>, 1>
+            added; // entries and ids
+    };
+
     explicit Entry(const EntryData &data);
     ~Entry() override;
 
@@ -56,8 +75,8 @@ public:
 
     /*! Also shows the status in the configuration, without waiting. No lock may be held. */
     bool setLoadStatus(const LoadStatus &status) override;
-    /*! Also counts the element in addCounter and enters it into the index by time stamp. \a index becomes -1
-     * (all bits set) where the child is refused. */
+    /*! An element is counted in addCounter and entered into the index by time stamp as well. \a index becomes
+     * -1 (all bits set) where the child is refused. */
     bool addChild(const std::shared_ptr<HierarchyNode> &child, quint64 *index = nullptr) override;
 
     /*! The one wrapper of this entry's elements, for as long as the entry lives. */
@@ -71,6 +90,10 @@ public:
      * one. Called under the pairMutex() of the repository alone. */
     std::shared_ptr<ClassificationNameEntry> getLinkedPair() const { return linkedPair.lock(); }
     void setLinkedPair(const std::shared_ptr<ClassificationNameEntry> &pair) { linkedPair = pair; }
+
+protected:
+    void childEntered(const std::shared_ptr<HierarchyNode> &child) override;
+    void announceChild(const QString &childId) override;
 
 private:
     std::weak_ptr<ClassificationNameEntry> linkedPair;

@@ -16,6 +16,7 @@ bool ElementTimeIndex::insert(const ElementPtr &element, quint64 timestamp)
     // Most come in the order of their time stamps.
     byTime.emplace_hint(byTime.cend(), key, element);
     keys.insert(element.get(), key);
+    ++changeCount;
     return true;
 }
 
@@ -27,6 +28,7 @@ void ElementTimeIndex::remove(const Elements::Element *element)
         return;
     byTime.erase(*found);
     keys.erase(found);
+    ++changeCount;
 }
 
 void ElementTimeIndex::move(const Elements::Element *element, quint64 timestamp)
@@ -38,6 +40,7 @@ void ElementTimeIndex::move(const Elements::Element *element, quint64 timestamp)
     auto node = byTime.extract(*found);
     node.key() = *found = Key(timestamp, found->second);
     byTime.insert(byTime.cend(), std::move(node));
+    ++changeCount;
 }
 
 QList<ElementTimeIndex::ElementPtr> ElementTimeIndex::range(quint64 first, quint64 last) const

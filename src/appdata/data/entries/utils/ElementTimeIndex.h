@@ -6,6 +6,7 @@
 #include <QList>
 #include <QMutex>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <utility>
@@ -36,6 +37,9 @@ public:
     /*! False, with nothing changed, without elements. */
     bool span(quint64 &first, quint64 &last) const;
 
+    /*! Grows with each change, so that who keeps what it found here knows when to ask again. */
+    quint64 changes() const { return changeCount.load(std::memory_order_acquire); }
+
 private:
     using Key = std::pair<quint64, quint64>; // time stamp, order of adding
     using Table = std::map<Key, std::weak_ptr<Elements::Element>>;
@@ -44,6 +48,7 @@ private:
     Table byTime;
     QHash<const Elements::Element *, Key> keys;
     quint64 nextOrder = 0;
+    std::atomic<quint64> changeCount{0};
 };
 
 } // namespace Tessellum::AppData::Data::Entries::utils

@@ -182,6 +182,7 @@ PairPtr LinkEntryToPair(const std::shared_ptr<Entry> &entry)
     const QString fullPath = path->getFullPath();
     PairPtr pair;
     {
+        const Entry::LateAnnouncements announcements; // come when no lock is held
         const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
         PairLink link(pairPath);
         link.entries.add(path);
@@ -207,6 +208,7 @@ void UnlinkEntryFromPair(const std::shared_ptr<Entry> &entry)
 {
     QString removedPath;
     {
+        const Entry::LateAnnouncements announcements; // come when no lock is held
         const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
         if (!entry->getLinkedPair())
             return;
@@ -246,6 +248,7 @@ bool AddElementReference(const std::shared_ptr<Entry> &entry, const std::shared_
 {
     PairPtr pair;
     {
+        const Entry::LateAnnouncements announcements; // come when no lock is held
         const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
         pair = entry->getLinkedPair();
         if (!pair || element->isDeleteFlagSet() || Refer(pair, element))
@@ -259,6 +262,7 @@ bool AddElementReference(const std::shared_ptr<Entry> &entry, const std::shared_
 
 void RemoveElementReference(const QString &pairPath, const std::shared_ptr<Element> &element)
 {
+    const Entry::LateAnnouncements announcements; // come when no lock is held
     const QMutexLocker lock(&RepositoryProvider::getInstance()->pairMutex());
     const PairLink link(pairPath);
     if (link.pair)
