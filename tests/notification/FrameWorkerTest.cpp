@@ -50,7 +50,7 @@ void FrameWorkerTest::stepsRunInTheirOrderAndOneAtATime()
     for (int i = 0; i < number; ++i)
         QCOMPARE(order.at(i), i);
     QVERIFY(!overlap);
-    QCOMPARE(log.lines().filter("half").size(), 1);
+    QCOMPARE(log.lines().filter("CRITICAL FrameWorker::run() catched exception").size(), 1);
 }
 
 void FrameWorkerTest::theEndDropsWhatIsQueued()
