@@ -49,17 +49,17 @@ public:
     static inline std::atomic<int> answers = 0;
 
 protected:
-    void handleElementAdded(const QString &id) override
+    void handleElementAdded(const QString &added) override
     {
         // Left behind where it hangs, so that the test can fail.
         const auto answer = std::make_shared<std::promise<bool>>();
         auto future = answer->get_future();
-        std::thread([answer, asked = entry.lock(), id] {
+        std::thread([answer, asked = entry.lock(), added] {
             QMutex &pairs = RunningDataRepository::provider().pairMutex();
             const bool isFree = pairs.tryLock(5000);
             if (isFree)
                 pairs.unlock();
-            const auto element = isFree ? asked->getQueryInterface()->getElementById(id) : nullptr;
+            const auto element = isFree ? asked->getQueryInterface()->getElementById(added) : nullptr;
             answer->set_value(element && element->getQueryInterface()->isActive());
         }).detach();
         if (future.wait_for(std::chrono::seconds(20)) == std::future_status::ready && future.get())
