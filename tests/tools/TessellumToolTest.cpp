@@ -40,7 +40,7 @@ void TessellumToolTest::wrongUsageIsTold()
 {
     const Outcome help = runTool({"--help"});
     QCOMPARE(help.exitCode, 0);
-    for (const char *word : {"tree FILE", "set FILE", "watch create|update|delete", "Exit codes"})
+    for (const char *word : {"tree SOURCE", "set SOURCE", "watch create|update|delete", "Exit codes"})
         QVERIFY2(help.output.contains(word), word);
     for (const QStringList &wrong :
          {QStringList(), {"tree"}, {"get", "x"}, {"nonsense"}, {"shell", "more"}}) {

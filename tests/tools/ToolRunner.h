@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <QProcess>
 
+#include <csignal>
+
 namespace ToolSupport {
 
 /*! What a run of the program ended with. */
@@ -32,11 +34,14 @@ inline QJsonObject named(const char *name, int number)
     return {{"name", QString(name)}, {"number", number}};
 }
 
-/*! A shell that is spoken to line by line. */
+/*! A shell, or another command that writes lines, that is spoken to line by line. */
 class ShellProcess
 {
 public:
-    ShellProcess() { process.start(QStringLiteral(TESSELLUM_TOOL), {QStringLiteral("shell")}); }
+    explicit ShellProcess(const QStringList &arguments = {QStringLiteral("shell")})
+    {
+        process.start(QStringLiteral(TESSELLUM_TOOL), arguments);
+    }
     ~ShellProcess()
     {
         process.closeWriteChannel();
@@ -71,9 +76,27 @@ public:
         return process.waitForFinished(60000) ? process.exitCode() : -1;
     }
 
+    void closeInput()
+    {
+        process.waitForBytesWritten(60000);
+        process.closeWriteChannel();
+    }
+    /*! The exit code after \a signal; -1 if it does not end, or not by itself. */
+    int endBy(int signal)
+    {
+        if (process.processId() > 0)
+            ::kill(static_cast<pid_t>(process.processId()), signal);
+        return waitForExit();
+    }
+    int waitForExit()
+    {
+        const bool hasEnded = process.state() == QProcess::NotRunning || process.waitForFinished(60000);
+        return hasEnded && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+    QString errors() { return QString::fromUtf8(process.readAllStandardError()); }
+
     QList<QJsonObject> heard;
 
-private:
     QJsonObject next()
     {
         while (!process.canReadLine()) {
@@ -83,6 +106,7 @@ private:
         return QJsonDocument::fromJson(process.readLine()).object();
     }
 
+private:
     QProcess process;
 };
 

@@ -29,15 +29,14 @@ Shell::~Shell()
     uninitializeLibrary();
 }
 
-int Shell::run(std::istream &input)
+int Shell::run(const std::function<bool(std::string &line)> &readLine)
 {
     int gravest = Success;
     std::string line;
-    while (std::getline(input, line)) {
+    while (!hasQuit && readLine(line)) {
         const ShellCommand command = ParseShellCommand(QByteArray::fromStdString(line));
-        if (command.name == QLatin1String("quit"))
-            break;
-        if (!command.name.isEmpty() || !command.error.isEmpty())
+        hasQuit = command.name == QLatin1String("quit");
+        if (!hasQuit && (!command.name.isEmpty() || !command.error.isEmpty()))
             gravest = qMax(gravest, answer(command));
     }
     return gravest;
@@ -120,6 +119,15 @@ const QVector<Shell::Entry> &Shell::Entries()
          "show or set what stays in memory; PARAMETERS such as {\"limit\":10}", 1, 3, &Shell::memoryStrategy},
         {"remove", "storage NAME | entry UUID|PATTERN", "take a storage away, or entries with their values",
          2, 2, &Shell::removeData},
+        {"remote", "NAME URL",
+         "mirror a subtree of another process as backend NAME; URL as ws://HOST:PORT/?path=PATH, with id=ID "
+         "if "
+         "that is not NAME",
+         2, 2, &Shell::remote},
+        {"control", "ID connect|close", "open or close the connection of the client with that id", 2, 2,
+         &Shell::control},
+        {"status", "", "the clients with their status, the peers with their address, the ports of servers", 0,
+         0, &Shell::status},
         {"log", "verbose|debug|log|warning|critical|fatal", "set the least level that is logged", 1, 1,
          &Shell::setLogLevel},
         {"locale", "[NAME]", "the locales; with a name, set the default", 0, 1, &Shell::locale},

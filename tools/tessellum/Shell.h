@@ -6,7 +6,8 @@
 
 #include <QVector>
 
-#include <istream>
+#include <functional>
+#include <string>
 
 namespace Tessellum::Tool {
 
@@ -21,8 +22,9 @@ public:
     ~Shell();
     Q_DISABLE_COPY_MOVE(Shell)
 
-    /*! Reads \a input to its end, or to "quit". The gravest exit code that a command gave. */
-    int run(std::istream &input);
+    /*! Takes lines until \a readLine gives none, or to "quit". The gravest exit code that a command gave. */
+    int run(const std::function<bool(std::string &line)> &readLine);
+    bool wasToldToQuit() const { return hasQuit; }
 
     /*! The commands with their arguments and what they do, one a line. */
     static QString Help();
@@ -68,6 +70,9 @@ private:
     QJsonObject changeElement(const Arguments &arguments);
     QJsonObject memoryStrategy(const Arguments &arguments);
     QJsonObject removeData(const Arguments &arguments);
+    QJsonObject remote(const Arguments &arguments);
+    QJsonObject control(const Arguments &arguments);
+    QJsonObject status(const Arguments &arguments);
     QJsonObject setLogLevel(const Arguments &arguments);
     QJsonObject locale(const Arguments &arguments);
     QJsonObject version(const Arguments &arguments);
@@ -75,6 +80,7 @@ private:
 
     JsonLines lines;
     Watches watches;
+    bool hasQuit = false;
 };
 
 } // namespace Tessellum::Tool

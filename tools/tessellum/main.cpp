@@ -1,12 +1,15 @@
-#include "FileCommands.h"
+#include "Host.h"
 #include "Shell.h"
 #include "StorageCommands.h"
 #include "ToolError.h"
+#include "ValueCommands.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
 #include <iostream>
+#include <limits>
+#include <string>
 
 using namespace Tessellum::Tool;
 
@@ -15,14 +18,19 @@ namespace {
 QString usage()
 {
     return QStringLiteral(
-        "usage: tessellum tree FILE.json [PATTERN]   print the values of a file\n"
-        "       tessellum get FILE PATH              print one value\n"
-        "       tessellum set FILE PATH VALUE        set one value and save\n"
+        "usage: tessellum tree SOURCE [PATTERN]      print the values of a file or a running process\n"
+        "       tessellum get SOURCE PATH            print one value\n"
+        "       tessellum set SOURCE PATH VALUE      set one value, and save a file\n"
+        "       tessellum watch URL [PATTERN] [--count N]\n"
+        "                                            print what changes in a process, one object a line\n"
         "       tessellum history FILE.sqlite [ENTRY] [--from STAMP] [--to STAMP] [--every SPAN]\n"
         "                                            print the entries, or the values of one\n"
         "       tessellum export FILE.sqlite --csv|--json\n"
         "                                            print all values\n"
         "       tessellum shell                      read commands from standard input\n"
+        "       tessellum host --config FILE.json [--serve ws://ADDRESS:PORT]\n"
+        "                      [--storage TYPE NAME LOCATION]... [--serve-storage NAME URL]...\n"
+        "                      [--log LEVEL]         hold values and offer them to other processes\n"
         "       tessellum --help\n");
 }
 
@@ -38,6 +46,23 @@ QString help()
                "them. Storage plug-ins come from the folder of this installation, or from --plugins FOLDER.\n"
                "Exit codes: 0, 1 if an operation failed, 2 for a wrong usage. Log lines go to standard "
                "error.\n"
+               "\n"
+               "SOURCE is a JSON file, or the URL of a running process: ws://HOST:PORT/?path=PATH, with the\n"
+               "path of the subtree that is meant. Paths and patterns are those within the subtree. The\n"
+               "command fails if nobody answers within --timeout SECONDS, which are 5, or within the\n"
+               "milliseconds of an item timeout=MS of the URL. An item id=ID is the name under which the\n"
+               "process lists this client. A watch tells \"create\", \"update\", \"delete\" and \"status\" "
+               "until\n"
+               "it is interrupted or has told N changes; it fails if the connection is lost.\n"
+               "\n"
+               "A host holds the values of NAME.json at host.NAME until SIGINT, SIGTERM or \"quit\" ends "
+               "it.\n"
+               "With --serve it offers its tree at ADDRESS and PORT (0 takes a free one, 0.0.0.0 is all\n"
+               "addresses): ?path=host is all of it. --serve-storage does so with a storage. It writes one "
+               "line\n"
+               "{\"ready\":true,\"path\":...,\"port\":...,\"storage_ports\":{...}} once it serves, then "
+               "reads\n"
+               "commands as the shell does; the end of its input does not end it.\n"
                "\n"
                "The shell reads one command a line. Arguments stand between blanks; one in double quotes is\n"
                "a JSON string, one that begins with a bracket a JSON array or object. It writes one JSON\n"
@@ -104,6 +129,47 @@ void runOnRecording(const QString &command, const QStringList &arguments, QTextS
         FailUsage(usage());
 }
 
+/*! Takes "--name NUMBER" out of \a arguments; \a fallback if it is not there. */
+double takeNumber(QStringList &arguments, const char *name, double fallback)
+{
+    const int index = arguments.indexOf(QLatin1String(name));
+    if (index < 0)
+        return fallback;
+    bool isNumber = false;
+    const double number = arguments.value(index + 1).toDouble(&isNumber);
+    if (!isNumber || number < 0 || number > std::numeric_limits<int>::max())
+        FailUsage(QStringLiteral("%1 takes a number").arg(QLatin1String(name)));
+    arguments.erase(arguments.begin() + index, arguments.begin() + index + 2);
+    return number;
+}
+
+/*! False if these are no arguments of a command on values. */
+bool runOnValues(const QString &command, QStringList arguments, QTextStream &out)
+{
+    ValueSource source;
+    source.timeoutMs = static_cast<qint64>(takeNumber(arguments, "--timeout", -1) * 1000);
+    const bool isWatch = command == QLatin1String("watch");
+    const int most = isWatch ? static_cast<int>(takeNumber(arguments, "--count", 0)) : 0;
+    source.text = arguments.value(2);
+    const int count = arguments.size() - 2;
+    if (command == QLatin1String("tree") && (count == 1 || count == 2))
+        PrintTree(source, arguments.value(3, QStringLiteral("*")), out);
+    else if (command == QLatin1String("get") && count == 2)
+        PrintValue(source, arguments.at(3), out);
+    else if (command == QLatin1String("set") && count == 3)
+        SetValue(source, arguments.at(3), arguments.at(4));
+    else if (isWatch && (count == 1 || count == 2))
+        WatchValues(source, arguments.value(3, QStringLiteral("*")), most);
+    else
+        return false;
+    return true;
+}
+
+int runShell()
+{
+    return Shell().run([](std::string &line) { return static_cast<bool>(std::getline(std::cin, line)); });
+}
+
 int run(const QStringList &arguments)
 {
     const QString command = arguments.value(1);
@@ -112,17 +178,13 @@ int run(const QStringList &arguments)
     QTextStream out(&text);
     if (command == QLatin1String("--help") && count == 0) {
         out << help();
-    } else if (command == QLatin1String("tree") && (count == 1 || count == 2)) {
-        PrintTree(arguments.at(2), arguments.value(3, QStringLiteral("*")), out);
-    } else if (command == QLatin1String("get") && count == 2) {
-        PrintValue(arguments.at(2), arguments.at(3), out);
-    } else if (command == QLatin1String("set") && count == 3) {
-        SetValue(arguments.at(2), arguments.at(3), arguments.at(4));
     } else if (command == QLatin1String("history") || command == QLatin1String("export")) {
         runOnRecording(command, arguments, out);
     } else if (command == QLatin1String("shell") && count == 0) {
-        return Shell().run(std::cin);
-    } else {
+        return runShell();
+    } else if (command == QLatin1String("host")) {
+        RunHost(ParseHostRequest(arguments.mid(2)));
+    } else if (!runOnValues(command, arguments, out)) {
         print(usage(), stderr);
         return WrongUsage;
     }
