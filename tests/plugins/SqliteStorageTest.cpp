@@ -352,7 +352,7 @@ void SqliteStorageTest::twoProcessesWriteToOneEntry()
     QVERIFY(storage->connectStorage());
     QStringList uuids;
     QCOMPARE(storage->getElementIds(entry, uuids), quint64(2 * number));
-    QList<int> sums(number, 0);
+    QVector<int> sums(number, 0);
     for (const QString &uuid : qAsConst(uuids))
         ++sums[storage->getElementRawData(entry, uuid).toInt()];
     QCOMPARE(sums.count(2), number);
