@@ -91,6 +91,19 @@ private:
     {
         return DecodeContents(message.data, mode);
     }
+    // What a peer sends first, byte by byte.
+    static QByteArray handshake()
+    {
+        return "GET / HTTP/1.1\r\nHost: x\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+               "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: MDEyMzQ1Njc4OWFiY2RlZg==\r\n\r\n";
+    }
+    static QByteArray initFrame(const QString &id)
+    {
+        const QByteArray payload
+            = RemoteStorageNode::ComposeText("served", RemoteStorageCommand::Init, id, {}).toUtf8();
+        // Masked with zeroes; short enough for a length of one byte.
+        return QByteArray("\x81") + char(0x80 | payload.size()) + QByteArray(4, '\0') + payload;
+    }
     quint16 port() const
     {
         return quint16(shown(QStringLiteral("appdata.storages.remote_server_ports.served")).toUInt());
@@ -125,6 +138,8 @@ private Q_SLOTS:
     void anUnknownStorageLeavesThePeerConnected();
     void onlyIdsOfOneElementAreShown();
     void aPeerThatStopsReadingIsClosed();
+    void aPeerMayLeaveAtAnyByte();
+    void aHandshakeHasItsTimeAndSize();
     void aPeerCreatesWhatItMayChange();
     void aTakenPortIsTold();
 };
@@ -286,18 +301,13 @@ void RemoteStorageServerTest::onlyIdsOfOneElementAreShown()
 
 void RemoteStorageServerTest::aPeerThatStopsReadingIsClosed()
 {
-    QTcpSocket raw; // speaks the handshake and then reads no more
+    QTcpSocket raw; // reads no more behind the handshake
     raw.setReadBufferSize(1);
     raw.connectToHost(QHostAddress(QHostAddress::LocalHost), port());
     QVERIFY(raw.waitForConnected());
-    raw.write("GET / HTTP/1.1\r\nHost: x\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-              "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: MDEyMzQ1Njc4OWFiY2RlZg==\r\n\r\n");
-    QVERIFY(raw.waitForBytesWritten());
-    const QByteArray frame
-        = RemoteStorageNode::ComposeText("served", RemoteStorageCommand::Init, "stuck", {}).toUtf8();
-    QVERIFY(frame.size() < 126 && raw.waitForReadyRead());
-    // Masked with zeroes.
-    raw.write(QByteArray("\x81") + char(0x80 | frame.size()) + QByteArray(4, '\0') + frame);
+    raw.write(handshake());
+    QVERIFY(raw.waitForReadyRead());
+    raw.write(initFrame("stuck"));
     QTRY_COMPARE(status("stuck"), QStringLiteral("127.0.0.1"));
     Peer reader(port());
     QTRY_VERIFY(reader.isOpen());
@@ -312,6 +322,48 @@ void RemoteStorageServerTest::aPeerThatStopsReadingIsClosed()
     }
     QCOMPARE(status("stuck"), QString());
     QVERIFY(reader.isOpen());
+}
+
+void RemoteStorageServerTest::aPeerMayLeaveAtAnyByte()
+{
+    const QByteArray bytes = handshake() + initFrame("brief");
+    for (int count = 0; count <= bytes.size(); ++count) {
+        QTcpSocket raw;
+        raw.connectToHost(QHostAddress(QHostAddress::LocalHost), port());
+        QVERIFY(raw.waitForConnected());
+        raw.write(bytes.left(count));
+        raw.waitForBytesWritten();
+        raw.abort();
+    }
+    Peer peer(port());
+    QTRY_VERIFY(peer.isOpen());
+    peer.init("served", "watcher");
+    QTRY_COMPARE(peer.texts.size(), 1);
+    QTRY_COMPARE(status("brief"), QString());
+}
+
+void RemoteStorageServerTest::aHandshakeHasItsTimeAndSize()
+{
+    const auto small = serve("small", "ws://x:0/?bind=127.0.0.1&limit=65536");
+    const auto smallPort
+        = [] { return quint16(shown("appdata.storages.remote_server_ports.small").toUInt()); };
+    QTRY_VERIFY(smallPort() != 0);
+    QTcpSocket raw;
+    raw.connectToHost(QHostAddress(QHostAddress::LocalHost), smallPort());
+    QVERIFY(raw.waitForConnected());
+    constexpr int much = 64 << 20;
+    raw.write(QByteArray(much, 'x'));
+    Peer peer(smallPort());
+    QTRY_VERIFY(peer.isOpen());
+    QTRY_VERIFY_WITH_TIMEOUT(raw.state() == QAbstractSocket::UnconnectedState, 30000);
+    QVERIFY(peer.isOpen());
+    // A message beyond the limit ends its connection alone.
+    Peer large(smallPort());
+    QTRY_VERIFY(large.isOpen());
+    large.socket.sendTextMessage(QString(70000, QChar('x')));
+    QTRY_VERIFY(!large.isOpen());
+    peer.init("small", "watcher");
+    QTRY_COMPARE(peer.texts.size(), 1);
 }
 
 void RemoteStorageServerTest::aPeerCreatesWhatItMayChange()

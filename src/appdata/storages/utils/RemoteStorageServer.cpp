@@ -5,7 +5,6 @@
 #include <shared/logging/FrameworkLog.h>
 
 #include <QHostAddress>
-#include <QTimer>
 #include <QUuid>
 #include <QWebSocketProtocol>
 
@@ -15,14 +14,13 @@ namespace Tessellum::AppData::Storages::utils {
 
 using AppConfig::utils::ShownAttribute;
 using AppData::utils::RepositoryProvider;
+using Notification::utils::WebSocketListener;
 using Shared::Hierarchy::HierarchyNode;
 using Shared::Logging::FrameworkLog;
 
 namespace {
 
 constexpr qint64 defaultLimit = 64 * 1024 * 1024;
-constexpr int acceptPause = 1000; // milliseconds
-constexpr int mostPendingConnections = 1000000; // beyond what a process can have
 
 QString ShownPath(const QString &list, const QString &id)
 {
@@ -110,23 +108,12 @@ void RemoteStorageServer::onInitializationRequested()
 {
     if (server)
         return;
-    server = std::make_unique<QWebSocketServer>(QStringLiteral("vlk"), QWebSocketServer::NonSecureMode, this)
-                 .release();
-    server->setMaxPendingConnections(mostPendingConnections);
-    connect(server, &QWebSocketServer::newConnection, this, &RemoteStorageServer::onNewConnection);
-    connect(server, &QWebSocketServer::closed, this, &RemoteStorageServer::onServerClosed);
-    // Qt stops accepting for good when there is no descriptor left.
-    connect(server, &QWebSocketServer::acceptError, this, [this] {
-        if (!std::exchange(toldOfAcceptError, true))
-            FrameworkLog().warning() << "RemoteStorageServer::onInitializationRequested() cannot accept: "
-                                     << server->errorString();
-        QTimer::singleShot(acceptPause, server, [this] { server->resumeAccepting(); });
-    });
+    server = std::make_unique<WebSocketListener>(limit, this).release();
+    connect(server, &WebSocketListener::connected, this, &RemoteStorageServer::onNewConnection);
     listen();
     if (IsPathElement(getId())) {
-        shownPort
-            = std::make_unique<ShownAttribute>(ShownPath(QStringLiteral("remote_server_ports"), getId()),
-                                               listening ? int(server->serverPort()) : 0);
+        shownPort = std::make_unique<ShownAttribute>(
+            ShownPath(QStringLiteral("remote_server_ports"), getId()), int(server->getPort()));
     }
 }
 
@@ -140,23 +127,14 @@ void RemoteStorageServer::listen()
     }
     if (port < 0 || !server->listen(address, quint16(port))) {
         FrameworkLog().warning() << "RemoteStorageServer::listen() cannot listen on port " << port << ": "
-                                 << server->errorString();
+                                 << server->getError();
         return;
     }
     listening = true;
 }
 
-void RemoteStorageServer::onNewConnection()
+void RemoteStorageServer::onNewConnection(QWebSocket *socket)
 {
-    toldOfAcceptError = false;
-    while (server && server->hasPendingConnections())
-        addConnection(server->nextPendingConnection());
-}
-
-void RemoteStorageServer::addConnection(QWebSocket *socket)
-{
-    socket->setMaxAllowedIncomingMessageSize(quint64(limit));
-    socket->setMaxAllowedIncomingFrameSize(quint64(limit));
     socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
     const QString uuid = QUuid::createUuid().toString();
     connect(socket, &QWebSocket::textMessageReceived, this,
@@ -167,6 +145,8 @@ void RemoteStorageServer::addConnection(QWebSocket *socket)
     connect(socket, &QWebSocket::bytesWritten, this,
             [this, uuid](qint64 bytes) { onBytesWritten(uuid, bytes); });
     connections.add(uuid, socket, socket->peerAddress().toString());
+    if (socket->state() == QAbstractSocket::UnconnectedState)
+        onSocketDisconnected(uuid); // it left before it could be heard
 }
 
 void RemoteStorageServer::onNotificationMessageReady(const QString &connectionUuid, const QString &message)
@@ -316,14 +296,6 @@ void RemoteStorageServer::onSocketDisconnected(const QString &connectionUuid)
         connection.socket->disconnect(this);
         connection.socket->deleteLater();
     }
-}
-
-void RemoteStorageServer::onServerClosed()
-{
-    listening = false;
-    if (shownPort)
-        shownPort->show(0);
-    dropConnections();
 }
 
 void RemoteStorageServer::dropConnections()

@@ -5,8 +5,7 @@
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/storages/utils/RemoteStorageSource.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
-
-#include <QWebSocketServer>
+#include <notification/utils/WebSocketListener.h>
 
 #include <atomic>
 #include <memory>
@@ -50,18 +49,16 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void onInitializationRequested();
-    void onNewConnection();
+    void onNewConnection(QWebSocket *socket);
     void onNotificationMessageReady(const QString &connectionUuid, const QString &message);
     void onNotificationBinaryMessageReady(const QString &connectionUuid, const QByteArray &message);
     void onTextMessageReceived(const QString &connectionUuid, const QString &message);
     void onBinaryMessageReceived(const QString &connectionUuid, const QByteArray &message);
     void onSocketDisconnected(const QString &connectionUuid);
     void onBytesWritten(const QString &connectionUuid, qint64 bytes);
-    void onServerClosed();
 
 private:
     void listen();
-    void addConnection(QWebSocket *socket);
     void dropConnections();
     template <class Send>
     void deliver(const QString &connectionUuid, const Send &send);
@@ -74,9 +71,8 @@ private:
 
     const int port;
     const qint64 limit;
-    QWebSocketServer *server = nullptr; // a child
+    Notification::utils::WebSocketListener *server = nullptr; // a child
     std::atomic<bool> listening{false};
-    bool toldOfAcceptError = false;
     std::unique_ptr<AppConfig::utils::ShownAttribute> shownPort;
     RemoteStorageMirror mirror; // for the worker alone
     RemoteStorageConnections connections;

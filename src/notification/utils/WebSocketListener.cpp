@@ -1,0 +1,109 @@
+#include <notification/utils/WebSocketListener.h>
+#include <shared/logging/FrameworkLog.h>
+
+#include <QPointer>
+#include <QTcpSocket>
+#include <QTimer>
+#include <QWebSocket>
+
+#include <utility>
+
+namespace Tessellum::Notification::utils {
+
+using Shared::Logging::FrameworkLog;
+
+namespace {
+
+constexpr qint64 headerBytes = 16 * 1024; // what a handshake or the head of a frame may take beyond the limit
+constexpr int handshakeTime = 5000; // milliseconds
+constexpr int acceptPause = 1000; // milliseconds
+// Beyond what a process can have; with the largest int Qt accepts nobody.
+constexpr int mostPending = 1000000;
+
+} // namespace
+
+// The sockets are taken here, not by Qt's server: it lets a peer that does not finish its handshake fill the
+// memory, and keeps what is left of it.
+WebSocketListener::WebSocketListener(qint64 messageLimit, QObject *parent)
+    : QObject(parent)
+    , limit(messageLimit)
+    , listener(this)
+    , handshakes(QStringLiteral("vlk"), QWebSocketServer::NonSecureMode, this)
+{
+    listener.setMaxPendingConnections(mostPending);
+    handshakes.setMaxPendingConnections(mostPending);
+    connect(&listener, &QTcpServer::newConnection, this, &WebSocketListener::takeSockets);
+    connect(&listener, &QTcpServer::acceptError, this, &WebSocketListener::resumeLater);
+    connect(&handshakes, &QWebSocketServer::newConnection, this, &WebSocketListener::endHandshakes);
+}
+
+bool WebSocketListener::listen(const QHostAddress &address, quint16 port)
+{
+    return listener.listen(address, port);
+}
+
+quint16 WebSocketListener::getPort() const
+{
+    return listener.serverPort();
+}
+
+QString WebSocketListener::getError() const
+{
+    return listener.errorString();
+}
+
+void WebSocketListener::takeSockets()
+{
+    toldOfError = false;
+    while (QTcpSocket *const socket = listener.nextPendingConnection())
+        beginHandshake(socket);
+}
+
+void WebSocketListener::beginHandshake(QTcpSocket *socket)
+{
+    const quint16 port = socket->peerPort();
+    socket->setReadBufferSize(limit + headerBytes);
+    unfinished.insert(port, socket);
+    connect(socket, &QTcpSocket::disconnected, &context, [this, port, socket] {
+        if (unfinished.remove(port, socket) > 0)
+            socket->deleteLater();
+    });
+    QTimer::singleShot(handshakeTime, &context, [this, port, weak = QPointer<QTcpSocket>(socket)] {
+        if (weak && unfinished.contains(port, weak))
+            weak->abort();
+    });
+    handshakes.handleConnection(socket);
+}
+
+/*! Without a free descriptor Qt stops accepting, for good. */
+void WebSocketListener::resumeLater()
+{
+    if (!std::exchange(toldOfError, true))
+        FrameworkLog().warning() << "WebSocketListener::resumeLater() cannot accept: " << getError();
+    QTimer::singleShot(acceptPause, &listener, [this] { listener.resumeAccepting(); });
+}
+
+void WebSocketListener::endHandshakes()
+{
+    while (QWebSocket *const socket = handshakes.nextPendingConnection()) {
+        finish(*socket);
+        socket->setMaxAllowedIncomingMessageSize(quint64(limit));
+        socket->setMaxAllowedIncomingFrameSize(quint64(limit));
+        Q_EMIT connected(socket);
+    }
+}
+
+/*! Its handshake is done; the socket below goes with it. */
+void WebSocketListener::finish(QWebSocket &finished)
+{
+    const auto sockets = unfinished.values(finished.peerPort());
+    for (QTcpSocket *const socket : sockets) {
+        if (socket->peerAddress() == finished.peerAddress()) {
+            unfinished.remove(finished.peerPort(), socket);
+            socket->disconnect(&context);
+            socket->setParent(&finished);
+        }
+    }
+}
+
+} // namespace Tessellum::Notification::utils

@@ -1,0 +1,88 @@
+#include <notification/utils/WebSocketListener.h>
+
+#include <QTcpSocket>
+#include <QtTest>
+#include <QWebSocket>
+
+using Tessellum::Notification::utils::WebSocketListener;
+
+class WebSocketListenerTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static QUrl urlOf(const WebSocketListener &listener)
+    {
+        return QUrl(QStringLiteral("ws://127.0.0.1:%1").arg(listener.getPort()));
+    }
+    static int socketsOf(const WebSocketListener &listener)
+    {
+        return listener.findChildren<QTcpSocket *>().size();
+    }
+
+private Q_SLOTS:
+    void nothingIsLeftOfPeersThatHaveGone();
+    void anEndTakesWhoeverIsThere();
+    void aTakenPortIsTold();
+};
+
+void WebSocketListenerTest::nothingIsLeftOfPeersThatHaveGone()
+{
+    WebSocketListener listener(1000, nullptr);
+    QVERIFY(listener.listen(QHostAddress::LocalHost, 0));
+    int accepted = 0;
+    connect(&listener, &WebSocketListener::connected, this, [&accepted](QWebSocket *socket) {
+        ++accepted;
+        connect(socket, &QWebSocket::disconnected, socket, &QObject::deleteLater);
+    });
+    {
+        std::vector<std::unique_ptr<QWebSocket>> peers;
+        std::vector<std::unique_ptr<QTcpSocket>> strangers;
+        for (int number = 0; number < 20; ++number) {
+            peers.push_back(std::make_unique<QWebSocket>());
+            peers.back()->open(urlOf(listener));
+            strangers.push_back(std::make_unique<QTcpSocket>());
+            strangers.back()->connectToHost(QHostAddress(QHostAddress::LocalHost), listener.getPort());
+            strangers.back()->write("GET / HT");
+        }
+        QTRY_COMPARE(accepted, 20);
+        QTRY_VERIFY(socketsOf(listener) >= 20);
+    }
+    QTRY_COMPARE(socketsOf(listener), 0);
+    QCOMPARE(listener.findChildren<QWebSocket *>().size(), 0);
+}
+
+void WebSocketListenerTest::anEndTakesWhoeverIsThere()
+{
+    for (int round = 0; round < 30; ++round) {
+        auto listener = std::make_unique<WebSocketListener>(1000, nullptr);
+        QVERIFY(listener->listen(QHostAddress::LocalHost, 0));
+        int accepted = 0;
+        connect(listener.get(), &WebSocketListener::connected, this, [&accepted](QWebSocket *socket) {
+            if (++accepted % 2 == 1)
+                socket->deleteLater();
+        });
+        std::vector<std::unique_ptr<QWebSocket>> peers;
+        for (int number = 0; number < 4; ++number) {
+            peers.push_back(std::make_unique<QWebSocket>());
+            peers.back()->open(urlOf(*listener));
+        }
+        // At every moment between the first socket and the last handshake.
+        QTRY_VERIFY(accepted >= round % 4);
+        listener.reset();
+    }
+}
+
+void WebSocketListenerTest::aTakenPortIsTold()
+{
+    WebSocketListener first(1000, nullptr);
+    WebSocketListener second(1000, nullptr);
+    QCOMPARE(first.getPort(), quint16(0));
+    QVERIFY(first.listen(QHostAddress::LocalHost, 0));
+    QVERIFY(!second.listen(QHostAddress::LocalHost, first.getPort()));
+    QCOMPARE(second.getPort(), quint16(0));
+    QVERIFY(!second.getError().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(WebSocketListenerTest)
+#include "WebSocketListenerTest.moc"
