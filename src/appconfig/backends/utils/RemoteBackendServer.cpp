@@ -4,7 +4,6 @@
 #include <notification/utils/MakeNode.h>
 #include <shared/logging/FrameworkLog.h>
 
-#include <QTcpSocket>
 #include <QUrlQuery>
 
 #include <utility>
@@ -13,18 +12,16 @@ namespace Tessellum::AppConfig::Backends::utils {
 
 using AppConfig::utils::RepositoryProvider;
 using AppConfig::utils::ShownAttribute;
+using Notification::utils::WebSocketListener;
 using Shared::Logging::FrameworkLog;
 
 namespace {
 
 constexpr qint64 DefaultLimit = 64 * 1024 * 1024;
-constexpr qint64 HeaderBytes = 16 * 1024; // what a handshake or the head of a frame may take beyond the limit
 constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
 constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
-constexpr int HandshakeMilliseconds = 5000;
 constexpr int StalledMilliseconds = 10000;
 constexpr int CheckMilliseconds = 1000;
-constexpr int PendingConnections = 1000;
 
 QString StatusPath(const char *parent, const QString &id)
 {
@@ -80,8 +77,6 @@ RemoteBackendServer::~RemoteBackendServer()
 {
     if (listener)
         listener->disconnect(this);
-    for (QTcpSocket *socket : qAsConst(unfinished))
-        socket->disconnect(this);
     std::vector<std::shared_ptr<RemoteSubtreeSource>> sources;
     for (auto &[number, connection] : connections) {
         connection.socket->disconnect(this);
@@ -105,16 +100,11 @@ void RemoteBackendServer::onStart()
 {
     if (listener)
         return;
-    listener = std::make_unique<QTcpServer>();
-    handshakes = std::make_unique<QWebSocketServer>(QStringLiteral("vlk"), QWebSocketServer::NonSecureMode);
+    listener = std::make_unique<WebSocketListener>(settings.limit, nullptr);
     progressTimer = std::make_unique<QTimer>();
-    listener->setMaxPendingConnections(PendingConnections);
-    handshakes->setMaxPendingConnections(PendingConnections);
-    connect(listener.get(), &QTcpServer::newConnection, this, &RemoteBackendServer::onTcpConnection);
-    connect(listener.get(), &QTcpServer::acceptError, this, &RemoteBackendServer::onAcceptError);
-    connect(handshakes.get(), &QWebSocketServer::newConnection, this, &RemoteBackendServer::onNewConnection);
+    connect(listener.get(), &WebSocketListener::connected, this, &RemoteBackendServer::addConnection);
     connect(progressTimer.get(), &QTimer::timeout, this, &RemoteBackendServer::checkProgress);
-    const quint16 port = listen() ? listener->serverPort() : 0;
+    const quint16 port = listen() ? listener->getPort() : 0;
     shownPort = std::make_unique<ShownAttribute>(StatusPath("remote_server_ports", name), int(port));
 }
 
@@ -123,54 +113,13 @@ bool RemoteBackendServer::listen()
     if (listener->listen(settings.address, settings.port))
         return true;
     FrameworkLog().warning() << "RemoteBackendServer::onStart() failed to listen id=" << name
-                             << " port=" << settings.port << " error=" << listener->errorString();
+                             << " port=" << settings.port << " error=" << listener->getError();
     return false;
-}
-
-/*! The sockets are taken here, not by Qt's server: it lets a peer that does not finish its handshake fill the
- * memory, and keeps what is left of it. */
-void RemoteBackendServer::onTcpConnection()
-{
-    while (QTcpSocket *socket = listener->nextPendingConnection()) {
-        const quint16 port = socket->peerPort();
-        socket->setReadBufferSize(settings.limit + HeaderBytes);
-        unfinished.insert(port, socket);
-        connect(socket, &QTcpSocket::disconnected, this, [this, port, socket] {
-            if (unfinished.remove(port, socket) > 0)
-                socket->deleteLater();
-        });
-        QTimer::singleShot(HandshakeMilliseconds, socket, [this, port, socket] {
-            if (unfinished.contains(port, socket))
-                socket->abort();
-        });
-        handshakes->handleConnection(socket);
-    }
-}
-
-/*! Without a free descriptor Qt's server stops to accept, for good. */
-void RemoteBackendServer::onAcceptError()
-{
-    FrameworkLog().warning() << "RemoteBackendServer::onAcceptError() id=" << name
-                             << " error=" << listener->errorString();
-    QTimer::singleShot(CheckMilliseconds, listener.get(), [this] { listener->resumeAccepting(); });
-}
-
-void RemoteBackendServer::onNewConnection()
-{
-    while (QWebSocket *socket = handshakes->nextPendingConnection())
-        addConnection(socket);
 }
 
 void RemoteBackendServer::addConnection(QWebSocket *socket)
 {
     FrameworkLog().log() << "RemoteBackendServer::onNewConnection() id=" << name;
-    for (QTcpSocket *finished : unfinished.values(socket->peerPort())) {
-        if (finished->peerAddress() == socket->peerAddress())
-            unfinished.remove(socket->peerPort(), finished);
-    }
-    socket->setMaxAllowedIncomingMessageSize(static_cast<quint64>(settings.limit));
-    socket->setMaxAllowedIncomingFrameSize(static_cast<quint64>(settings.limit));
-
     const quint64 number = ++lastNumber;
     Connection &connection = connections[number];
     connection.socket = socket;

@@ -3,15 +3,14 @@
 #include <appconfig/backends/utils/RemoteSubtreeSource.h>
 #include <appconfig/utils/AppConfigRepositoryEventThreadUser.h>
 #include <appconfig/utils/ShownAttribute.h>
+#include <notification/utils/WebSocketListener.h>
 #include <shared/synchronization/SharedLockable.h>
 
 #include <QElapsedTimer>
 #include <QHostAddress>
-#include <QTcpServer>
 #include <QTimer>
 #include <QUrl>
 #include <QWebSocket>
-#include <QWebSocketServer>
 
 #include <atomic>
 #include <map>
@@ -76,9 +75,6 @@ private:
 
     void onStart();
     bool listen();
-    void onTcpConnection();
-    void onAcceptError();
-    void onNewConnection();
     void addConnection(QWebSocket *socket);
     std::shared_ptr<RemoteSubtreeSource> makeSource(quint64 number);
     void onTextMessageReceived(quint64 number, const QString &frame);
@@ -93,10 +89,8 @@ private:
     const QString name;
     const Settings settings;
     std::shared_ptr<Notification::utils::FrameWorker> worker;
-    std::unique_ptr<QTcpServer> listener;
-    std::unique_ptr<QWebSocketServer> handshakes;
+    std::unique_ptr<Notification::utils::WebSocketListener> listener;
     std::unique_ptr<QTimer> progressTimer;
-    QMultiHash<quint16, QTcpSocket *> unfinished; // by the peer's port: no web socket yet
     std::map<quint64, Connection> connections;
     quint64 lastNumber = 0;
     std::unique_ptr<AppConfig::utils::ShownAttribute> shownPort;
