@@ -12,8 +12,7 @@ int RegisterBackends(BackendFactory &factory)
 {
     return RegisterBackend<MemoryBackend>(factory) + RegisterBackend<JsonBackend>(factory)
         + RegisterBackend<ConstraintsBackend>(factory) + RegisterBackend<IniFileBackend>(factory)
-        + RegisterBackend<VersionInformationBackend>(factory)
-        + RegisterBackend<RemoteBackend>(factory);
+        + RegisterBackend<VersionInformationBackend>(factory) + RegisterBackend<RemoteBackend>(factory);
 }
 
 } // namespace Tessellum::AppConfig::Backends
