@@ -127,7 +127,7 @@ private:
         ShownAttribute::Presence isPresent;
         {
             const QMutexLocker locker(&mutex);
-            isPresent = table.value(path).isPresent;
+            isPresent = table.constFind(path)->isPresent;
         }
         return !isPresent || isPresent();
     }

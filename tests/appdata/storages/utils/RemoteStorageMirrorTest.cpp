@@ -1,8 +1,8 @@
+#include "../../support/RemoteEnds.h"
 #include "../../support/RunningDataRepository.h"
 
 #include <appdata/storages/RemoteStorage.h>
 #include <appdata/storages/utils/RemoteStorageMirror.h>
-#include <appdata/storages/utils/RemoteStorageSource.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryLookup.h>
 
@@ -20,42 +20,18 @@ using Tessellum::Notification::CreatePoint;
 using Tessellum::Notification::UpdatePoint;
 using Tessellum::Notification::utils::MakeEventThreadObject;
 using Tessellum::Notification::utils::MakeNode;
+using TestSupport::CacheNode;
 using TestSupport::RunningDataRepository;
-using TestSupport::StorageTwin;
+using TestSupport::SourceStorage;
 using Values = Data::Elements::ElementUpdateData;
 
 namespace {
-
-// An end without a socket.
-class Node : public RemoteStorageNode
-{
-public:
-    Node()
-        : RemoteStorageNode(QStringLiteral("node"), QUrl())
-    { }
-    bool initialize() override { return true; }
-    bool isRunning() const override { return true; }
-    bool createEntry(const QString &, const QString &path, const EntryRecord &info) override
-    {
-        storeEntry(path, info);
-        return true;
-    }
-    bool createElement(const QString &path, const QString &name, const ElementValues &values) override
-    {
-        return storeElement(path, name, values);
-    }
-    bool updateElement(const QString &path, const QString &name, const ElementValues &values) override
-    {
-        return changeElement(path, name, values);
-    }
-    bool removeEntry(const QString &path) override { return dropEntry(path); }
-};
 
 // What a client's storage is, on that node.
 class MirrorStorage : public RemoteStorage
 {
 public:
-    explicit MirrorStorage(const std::shared_ptr<Node> &ownNode)
+    explicit MirrorStorage(const std::shared_ptr<CacheNode> &ownNode)
         : RemoteStorage(StorageCreateData())
         , end(ownNode)
     { }
@@ -63,65 +39,7 @@ public:
 private:
     NodePtr makeNode() const override { return end; }
 
-    const std::shared_ptr<Node> end;
-};
-
-// The storage of the other process: what is done to it is sent.
-class SourceStorage : public StorageTwin
-{
-public:
-    bool serializeEntry(const QString &uuid, const EntryRecord &record) override
-    {
-        return StorageTwin::serializeEntry(uuid, record)
-            && push(RemoteStorageCommand::CreateEntry, RemoteStorageNode::JoinPath("served", uuid),
-                    [&](RemoteStorageMode wire) { return EncodeEntryInfo(record, wire); });
-    }
-    bool serializeElement(const QString &entry, const QString &element, const ElementValues &values) override
-    {
-        return StorageTwin::serializeElement(entry, element, values)
-            && push(RemoteStorageCommand::CreateElement, RemoteStorageNode::JoinPath(entry, element),
-                    [&](RemoteStorageMode wire) { return EncodeElement(values, wire); });
-    }
-    bool removeEntry(const QString &uuid) override
-    {
-        return StorageTwin::removeEntry(uuid) && push(RemoteStorageCommand::DeleteEntry, uuid, nullptr);
-    }
-    bool updateElement(const QString &entry, const QString &element, const ElementValues &values) override
-    {
-        return StorageTwin::updateElement(entry, element, values)
-            && push(RemoteStorageCommand::UpdateElement, RemoteStorageNode::JoinPath(entry, element),
-                    [&](RemoteStorageMode wire) { return EncodeElement(values, wire); });
-    }
-
-    QList<RemoteStorageMessage> takeSent()
-    {
-        const QMutexLocker locker(&mutex);
-        return std::exchange(sent, {});
-    }
-    RemoteStorageMode mode = RemoteStorageMode::Text;
-
-private:
-    bool push(RemoteStorageCommand command, const QString &target,
-              const RemoteStorageSource::Payload &payload)
-    {
-        const bool isBinary = mode == RemoteStorageMode::Binary;
-        const auto frame
-            = RemoteStorageSource::MakePush(command, target, payload, !isBinary, isBinary).frameFor(isBinary);
-        const QMutexLocker locker(&mutex);
-        sent.append(Parse(frame));
-        return true;
-    }
-
-public:
-    static RemoteStorageMessage Parse(const RemoteStorageFrame &frame)
-    {
-        const auto *text = std::get_if<QString>(&frame);
-        return text ? ParseRemoteStorageText(*text) : ParseRemoteStorageBinary(std::get<QByteArray>(frame));
-    }
-
-private:
-    QMutex mutex;
-    QList<RemoteStorageMessage> sent;
+    const std::shared_ptr<CacheNode> end;
 };
 
 using Content = QList<std::tuple<quint64, bool, QByteArray>>;
@@ -157,7 +75,7 @@ class RemoteStorageMirrorTest : public QObject
 private:
     std::unique_ptr<RunningDataRepository> run;
     std::shared_ptr<SourceStorage> source;
-    std::shared_ptr<Node> node;
+    std::shared_ptr<CacheNode> node;
     std::shared_ptr<MirrorStorage> medium;
     std::shared_ptr<Storage> mirrored;
     std::unique_ptr<RemoteStorageMirror> mirror;
@@ -234,7 +152,7 @@ private Q_SLOTS:
         run = std::make_unique<RunningDataRepository>();
         source = MakeNode<SourceStorage>();
         run->addStorage("served", source);
-        node = MakeEventThreadObject<Node>();
+        node = MakeEventThreadObject<CacheNode>();
         medium = MakeNode<MirrorStorage>(node);
         StorageCreateData data("mirror", "remote-storage-client", QString(), {});
         data.implementation = medium;

@@ -1,29 +1,15 @@
+#include "../../support/RemoteEnds.h"
+
 #include <appdata/storages/utils/RemoteStorageConnections.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
 
 #include <QtTest>
 
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::Storages::utils;
+using TestSupport::CacheNode;
 using Values = Data::Elements::ElementUpdateData;
 
 namespace {
-
-// The caches alone.
-class Node : public RemoteStorageNode
-{
-public:
-    explicit Node(const QUrl &url = QUrl())
-        : RemoteStorageNode(QStringLiteral("node"), url)
-    { }
-    bool initialize() override { return true; }
-    bool isRunning() const override { return true; }
-    bool createEntry(const QString &, const QString &, const EntryRecord &) override { return true; }
-    bool createElement(const QString &, const QString &, const ElementValues &) override { return true; }
-    bool updateElement(const QString &, const QString &, const ElementValues &) override { return true; }
-    bool removeEntry(const QString &) override { return true; }
-    using RemoteStorageNode::getLimit;
-};
 
 RemoteStorageNode::EntryRecord record(const QString &name)
 {
@@ -63,7 +49,7 @@ private Q_SLOTS:
 
 void RemoteStorageNodeTest::elementsStayWithTheirEntryInTheOrderOfArrival()
 {
-    Node node;
+    CacheNode node;
     QVERIFY(!node.storeElement("e", "z", values(1, "1")));
     node.storeEntry("e", record("load"));
     for (const QString &name : {QString("z"), QString("a"), QString("m")})
@@ -93,7 +79,7 @@ void RemoteStorageNodeTest::elementsStayWithTheirEntryInTheOrderOfArrival()
 
 void RemoteStorageNodeTest::onlyTheEntriesAreForgottenForANewConnection()
 {
-    Node node;
+    CacheNode node;
     node.storeEntry("e", record("load"));
     node.setMapping("theirs", "e");
     QCOMPARE(node.mapPath("theirs"), QStringLiteral("e"));
@@ -109,8 +95,8 @@ void RemoteStorageNodeTest::onlyTheEntriesAreForgottenForANewConnection()
 void RemoteStorageNodeTest::aLimitIsAPositiveNumber()
 {
     for (const char *const query : {"", "?limit=", "?limit=0", "?limit=-5", "?limit=many"})
-        QCOMPARE(Node(QUrl(QStringLiteral("ws://x:1/") + query)).getLimit(7), qint64(7));
-    QCOMPARE(Node(QUrl("ws://x:1/?id=a&limit=4096")).getLimit(7), qint64(4096));
+        QCOMPARE(CacheNode(QUrl(QStringLiteral("ws://x:1/") + query)).getLimit(7), qint64(7));
+    QCOMPARE(CacheNode(QUrl("ws://x:1/?id=a&limit=4096")).getLimit(7), qint64(4096));
 }
 
 void RemoteStorageNodeTest::bytesOnTheirWayBoundWhatAPeerGets()
