@@ -205,8 +205,12 @@ private Q_SLOTS:
         // Each write is answered and told to all, each of whom asks back once.
         const int writes = number * rounds;
         QVERIFY2(messages <= 2 * writes + 3 * writes * number, qPrintable(QString::number(messages)));
-        const int before = messages;
-        passMarks();
+        // What was under way when all showed the same may still be asked and answered once each.
+        int before = 0;
+        for (int passes = 0; passes < 4 && before != messages; ++passes) {
+            before = messages;
+            passMarks();
+        }
         QCOMPARE(messages.load(), before);
     }
 
