@@ -58,6 +58,8 @@ qint32 MemoryStrategyWrapper::evaluate(const QString &elementUuid)
 
 bool MemoryStrategyWrapper::setStrategy(const std::shared_ptr<MemoryStrategy> &next)
 {
+    if (next)
+        expectStrategy();
     std::shared_ptr<MemoryStrategy> before = next; // may be the last pointer, and goes after the lock
     {
         const QWriteLocker locker(&lock);

@@ -34,6 +34,10 @@ public:
      * now. False where it could not be connected. */
     bool setStrategy(const std::shared_ptr<MemoryStrategy> &strategy);
     bool hasStrategy() const;
+    /*! Lets loaded elements connect themselves from now on; true for the first call. An entry that never had
+     * a strategy has none of those connections, which cost more than the rest of a value. */
+    bool expectStrategy() { return !expected.exchange(true); }
+    bool expectsStrategy() const { return expected.load(); }
 
 public Q_SLOTS:
     /*!
@@ -54,6 +58,7 @@ private:
 
     mutable QReadWriteLock lock;
     std::shared_ptr<MemoryStrategy> strategy;
+    std::atomic<bool> expected{false};
     std::atomic<bool> announced{false}; // an emission is on its way
     // For the event thread alone.
     QElapsedTimer sinceEmission;

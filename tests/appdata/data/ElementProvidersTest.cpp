@@ -180,6 +180,9 @@ void ElementProvidersTest::strategyReachesWhatIsLoadedAlone()
     QVERIFY(element && perform(element, ElementCommand::Load));
     const auto entry = std::dynamic_pointer_cast<Entry>(element->getParent());
     const auto strategy = MakeEventThreadObject<ToldStrategy>();
+    // As an installation does it.
+    QVERIFY(entry->getMemoryStrategyWrapper()->expectStrategy());
+    QVERIFY(element->setMemoryStrategyWrapper(entry->getMemoryStrategyWrapper()));
     QVERIFY(entry->getMemoryStrategyWrapper()->setStrategy(strategy));
     QTRY_VERIFY(!isLoaded(element));
     QCOMPARE(strategy->asked.load(), 1);

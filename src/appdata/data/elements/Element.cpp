@@ -71,17 +71,19 @@ bool Element::setMemoryStrategyWrapper(
         Shared::Logging::FrameworkLog().warning() << "Element::setMemoryStrategyWrapper() invalid memory "
                                                      "strategy wrapper provided, no strategy set";
     }
-    // What is not loaded is not connected, so that an element that is merely attached goes without a
-    // provider.
-    auto provider = getLoadStatus() == LoadStatus::Loaded ? getManipulationProvider() : madeProvider();
+    // What is not loaded, or never had a strategy, is not connected and goes without a provider.
+    const bool isWatched = wrapper && wrapper->expectsStrategy();
+    auto provider
+        = isWatched && getLoadStatus() == LoadStatus::Loaded ? getManipulationProvider() : madeProvider();
     for (;;) {
         {
             const QWriteLocker lock(data.lock.get());
-            if (provider || data.loadStatus != LoadStatus::Loaded) {
+            const bool connects = isWatched && data.loadStatus == LoadStatus::Loaded;
+            if (provider || !connects) {
                 if (provider)
                     provider->disconnectStrategyLocked();
                 data.memoryStrategy = wrapper;
-                return data.loadStatus != LoadStatus::Loaded || !wrapper || provider->connectStrategyLocked();
+                return !connects || provider->connectStrategyLocked();
             }
         }
         // Another thread has loaded it meanwhile; the node's lock comes before that of the data.

@@ -5,9 +5,9 @@
 #include <shared/TessellumExport.h>
 
 #include <QList>
-#include <QMap>
 #include <QMetaType>
 #include <QVariant>
+#include <QVector>
 
 #include <memory>
 
@@ -39,18 +39,26 @@ public:
     bool getRawData(QByteArray &raw) const;
     bool getParsedData(QVariant &value) const;
 
-    bool contains(const DataElementUpdateType &type) const { return values.contains(type); }
-    QVariant value(const DataElementUpdateType &type) const { return values.value(type); }
+    bool contains(const DataElementUpdateType &type) const;
+    QVariant value(const DataElementUpdateType &type) const;
     /*! Any key, unknown ones too, with what it is to become. */
-    void insert(const DataElementUpdateType &type, const QVariant &value) { values.insert(type, value); }
-    void remove(const DataElementUpdateType &type) { values.remove(type); }
-    bool isEmpty() const { return values.isEmpty(); }
+    void insert(const DataElementUpdateType &type, const QVariant &value);
+    void remove(const DataElementUpdateType &type);
+    bool isEmpty() const { return fields.isEmpty(); }
     /*! The keys in ascending order. */
-    QList<DataElementUpdateType> getUpdateTypes() const { return values.keys(); }
+    QList<DataElementUpdateType> getUpdateTypes() const;
 
 private:
+    struct Field
+    {
+        DataElementUpdateType type;
+        QVariant value;
+    };
+
+    QVector<Field>::const_iterator find(const DataElementUpdateType &type) const;
+
     std::shared_ptr<ElementInfo> info;
-    QMap<DataElementUpdateType, QVariant> values;
+    QVector<Field> fields; // in ascending order of the keys; a table would cost an allocation for each
 };
 
 using ElementUpdateDataList = QList<ElementUpdateData>;

@@ -1,4 +1,5 @@
 #include <appconfig/utils/LiveNode.h>
+#include <appdata/data/elements/Element.h>
 #include <appdata/data/entries/Entry.h>
 #include <appdata/data/entries/EntryMemoryStrategyProvider.h>
 #include <appdata/InternalSettingsProvider.h>
@@ -55,6 +56,13 @@ bool EntryMemoryStrategyProvider::installMemoryStrategy(const QString &type, con
         return true;
     const auto strategy
         = repository->createMemoryStrategy(type, QUuid::createUuid().toString(), parameters, target);
+    // Those that are added from here on see to it themselves.
+    if (wrapper->expectStrategy()) {
+        for (const auto &child : target->getChildren(false)) {
+            if (const auto element = std::dynamic_pointer_cast<Elements::Element>(child))
+                element->setMemoryStrategyWrapper(wrapper);
+        }
+    }
     // With no lock held: the loaded elements are evaluated at once. Of two installations at once the later
     // one stays.
     if (!strategy || !wrapper->setStrategy(strategy))
