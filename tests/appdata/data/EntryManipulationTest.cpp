@@ -99,7 +99,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, storageName);
         constexpr int capacity = 10000;
-        constexpr int adds = 200000;
+        constexpr int adds = 300000;
         const auto entry = run->addEntry(run->record("ring", storageName, capacity));
         QVERIFY(entry->getMemoryStrategyInterface()->installMemoryStrategy("last", R"({"limit":100})"));
         const auto addMany = [&](int number) {
@@ -116,8 +116,8 @@ private Q_SLOTS:
         QVERIFY(addMany(adds));
         const size_t after = mallinfo2().uordblks;
         QCOMPARE(entry->getNumberOfChildren(), quint64(capacity));
-        // The least that an add could leave behind are 32 bytes.
-        QVERIFY2(after < before + 16 * adds, qPrintable(QString::number(qint64(after - before))));
+        // The least that an add could leave behind are 32 bytes; what is under way swings by some megabytes.
+        QVERIFY2(after < before + 24 * adds, qPrintable(QString::number(qint64(after - before))));
     }
 
     void placesAreReservedBeforeTheyAreTaken()

@@ -275,7 +275,7 @@ void RemoteStorageClientTest::aStopDoesNotWaitForTheRest()
     for (int element = 0; element < 20000; ++element)
         server->send("e.new" + QString::number(element), RemoteStorageCommand::CreateElement,
                      EncodeElement(values(1, 1), text));
-    QTRY_VERIFY(!entries().isEmpty() && entries().first()->getNumberOfChildren() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!entries().isEmpty() && entries().first()->getNumberOfChildren() > 0, 60000);
     QElapsedTimer stop;
     stop.start();
     run.reset();
