@@ -63,6 +63,7 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
 {
     const quint16 port = socket->peerPort();
     socket->setReadBufferSize(limit + headerBytes);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // an answer waits for nothing
     unfinished.insert(port, socket);
     connect(socket, &QTcpSocket::disconnected, &context, [this, port, socket] {
         if (unfinished.remove(port, socket) > 0)

@@ -1,9 +1,11 @@
+#include <notification/utils/SendWithoutDelay.h>
 #include <notification/utils/WebSocketListener.h>
 
 #include <QTcpSocket>
 #include <QtTest>
 #include <QWebSocket>
 
+using Tessellum::Notification::utils::SendWithoutDelay;
 using Tessellum::Notification::utils::WebSocketListener;
 
 class WebSocketListenerTest : public QObject
@@ -24,6 +26,7 @@ private Q_SLOTS:
     void nothingIsLeftOfPeersThatHaveGone();
     void anEndTakesWhoeverIsThere();
     void aTakenPortIsTold();
+    void neitherEndHoldsMessagesBack();
 };
 
 void WebSocketListenerTest::nothingIsLeftOfPeersThatHaveGone()
@@ -82,6 +85,32 @@ void WebSocketListenerTest::aTakenPortIsTold()
     QVERIFY(!second.listen(QHostAddress::LocalHost, first.getPort()));
     QCOMPARE(second.getPort(), quint16(0));
     QVERIFY(!second.getError().isEmpty());
+}
+
+/*! Qt's sockets show their TCP socket to nobody, so a new version may hide it better. */
+void WebSocketListenerTest::neitherEndHoldsMessagesBack()
+{
+    WebSocketListener listener(1000, nullptr);
+    QVERIFY(listener.listen(QHostAddress::LocalHost, 0));
+    QPointer<QWebSocket> accepted;
+    connect(&listener, &WebSocketListener::connected, this, [&](QWebSocket *socket) { accepted = socket; });
+    const auto isWithoutDelay = [](const QWebSocket &socket) {
+        auto *const tcp = socket.findChild<QTcpSocket *>();
+        return tcp && tcp->socketOption(QAbstractSocket::LowDelayOption) == 1;
+    };
+    QWebSocket peer;
+    QVERIFY(!SendWithoutDelay(peer));
+    for (int round = 0; round < 2; ++round) {
+        peer.open(urlOf(listener));
+        QTRY_VERIFY(accepted && peer.state() == QAbstractSocket::ConnectedState);
+        QVERIFY(isWithoutDelay(*accepted));
+        QVERIFY(!isWithoutDelay(peer));
+        QVERIFY(SendWithoutDelay(peer));
+        QVERIFY(isWithoutDelay(peer));
+        accepted->close();
+        delete accepted;
+        QTRY_COMPARE(peer.state(), QAbstractSocket::UnconnectedState);
+    }
 }
 
 QTEST_GUILESS_MAIN(WebSocketListenerTest)

@@ -4,6 +4,7 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/utils/MakeNode.h>
 #include <notification/utils/NotificationProvider.h>
+#include <notification/utils/SendWithoutDelay.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QUrlQuery>
@@ -225,6 +226,7 @@ void RemoteBackendClient::dropSocket()
 void RemoteBackendClient::onConnected()
 {
     FrameworkLog().log() << "RemoteBackendClient::onConnected() id=" << describedUrl();
+    Notification::utils::SendWithoutDelay(*socket);
     isEstablished = true;
     publishStatus(QStringLiteral("established"));
     const QString frame

@@ -2,6 +2,7 @@
 #include <appdata/storages/utils/RemoteStorageClient.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/ExceptionBarrier.h>
+#include <notification/utils/SendWithoutDelay.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QMutexLocker>
@@ -156,6 +157,7 @@ void RemoteStorageClient::makeSocket()
 
 void RemoteStorageClient::onConnected()
 {
+    Notification::utils::SendWithoutDelay(*socket);
     if (attributes)
         attributes->showChild(status, QStringLiteral("established"));
     const QString init
