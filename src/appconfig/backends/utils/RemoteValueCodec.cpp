@@ -3,6 +3,8 @@
 
 #include <QCoreApplication>
 #include <QDataStream>
+#include <QDateTime>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <array>
@@ -104,6 +106,17 @@ bool beginsWithLength(quint32 type)
     return std::find(types.begin(), types.end(), type) != types.end();
 }
 
+/*! Qt opens the file of a time zone by its id, wherever that leads: no dots, and no way from the root. */
+bool isZoneId(const QString &id)
+{
+    constexpr int longest = 64;
+    const auto isPlain = [](QChar c) {
+        return c.unicode() < 0x80 && (c.isLetterOrNumber() || QStringLiteral("_+-:/").contains(c));
+    };
+    return !id.isEmpty() && id.size() <= longest && id.at(0) != QLatin1Char('/')
+        && std::all_of(id.begin(), id.end(), isPlain);
+}
+
 class ValueReader
 {
 public:
@@ -159,6 +172,8 @@ private:
             const QVariant inner = readValue(depth + 1);
             return fields.isOk() ? QVariant(QMetaType::QVariant, &inner) : QVariant();
         }
+        case QMetaType::QDateTime:
+            return zoneFits() ? readDateTime(null) : failed();
         case QMetaType::User:
             return readUserType(null);
         default:
@@ -223,6 +238,30 @@ private:
         const bool fits = bytes <= fields.getLeft() || (beginsWithLength(type) && length == 0xffffffff);
         fields.seek(start);
         return fits;
+    }
+
+    /*! Checks the ids of a time zone at the end without going past it. */
+    bool zoneFits()
+    {
+        const int start = fields.getPosition();
+        fields.longNumber(); // date
+        fields.number(); // time
+        bool fits = true;
+        if (fields.byte() == Qt::TimeZone) {
+            QString id = fields.text();
+            if (id == QLatin1String("OffsetFromUtc")) // the mark of a zone of the peer's own
+                id = fields.text();
+            fits = isZoneId(id);
+        }
+        fields.seek(start);
+        return fits && fields.isOk();
+    }
+
+    QVariant readDateTime(bool null)
+    {
+        const QVariant value = load(QMetaType::QDateTime, null);
+        const QDateTime read = value.toDateTime();
+        return read.timeSpec() != Qt::TimeZone || read.timeZone().isValid() ? value : failed();
     }
 
     /*! By the type's own operator, at the place that was reached. */

@@ -4,6 +4,8 @@
 #include <QDate>
 #include <QLine>
 #include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTimeZone>
 #include <QtTest>
 #include <QUrl>
 #include <QUuid>
@@ -58,6 +60,10 @@ private Q_SLOTS:
             QDate(2024, 2, 29),
             QTime(1, 2, 3),
             QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3), Qt::UTC),
+            QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3), QTimeZone("Europe/Berlin")),
+            QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3), QTimeZone(3600)),
+            QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3), QTimeZone("Own", 60, "Own", "O")),
+            QDateTime(),
             QUrl("ws://host:1/?path=a"),
             QUuid("{67C8770B-44F1-410A-AB9A-F9B5446F13EE}"),
             QLine(1, 2, 3, 4),
@@ -120,6 +126,32 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QVERIFY(!DeserializeValue(bytes).isValid());
+    }
+
+    void zonesNameNoFiles()
+    {
+        QTemporaryDir directory;
+        QVERIFY(QFile::copy("/usr/share/zoneinfo/Europe/Berlin", directory.filePath("zone")));
+        const QString outside = "../../.." + directory.filePath("zone");
+        QVERIFY(QTimeZone(outside.toLatin1()).isValid()); // Qt takes it
+        for (const bool isOwn : {false, true}) {
+            for (const QString &id : {outside, directory.filePath("zone"), QString("Europe/../Europe/Berlin"),
+                                      QString("No/Where"), QString(), QString(100, QLatin1Char('a'))}) {
+                QByteArray bytes;
+                QDataStream stream(&bytes, QIODevice::WriteOnly);
+                stream.setVersion(QDataStream::Qt_5_15);
+                stream << quint32(QMetaType::QVariantList) << quint8(0) << quint32(1)
+                       << quint32(QMetaType::QDateTime) << quint8(0) << QDate(2024, 2, 29) << QTime(1, 2, 3)
+                       << quint8(Qt::TimeZone);
+                if (isOwn)
+                    stream << QString("OffsetFromUtc");
+                stream << id;
+                if (isOwn)
+                    stream << 60 << id << id << 0 << id;
+                const bool isLegal = isOwn && id == "No/Where";
+                QCOMPARE(DeserializeValue(bytes).isValid(), isLegal);
+            }
+        }
     }
 
     void messagesToTheLetter()
