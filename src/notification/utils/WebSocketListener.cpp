@@ -1,4 +1,5 @@
 #include <notification/utils/WebSocketListener.h>
+#include <shared/foundation/platform/Descriptors.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QPointer>
@@ -10,6 +11,7 @@
 
 namespace Tessellum::Notification::utils {
 
+using Shared::Foundation::Platform::HasFreeDescriptors;
 using Shared::Logging::FrameworkLog;
 
 namespace {
@@ -17,6 +19,8 @@ namespace {
 constexpr qint64 headerBytes = 16 * 1024; // what a handshake or the head of a frame may take beyond the limit
 constexpr int handshakeTime = 5000; // milliseconds
 constexpr int acceptPause = 1000; // milliseconds
+constexpr int mostSockets = 10000;
+constexpr int keptDescriptors = 64; // GLib ends the process if a new thread's event loop gets none
 // Beyond what a process can have; with the largest int Qt accepts nobody.
 constexpr int mostPending = 1000000;
 
@@ -33,7 +37,7 @@ WebSocketListener::WebSocketListener(qint64 messageLimit, QObject *parent)
     listener.setMaxPendingConnections(mostPending);
     handshakes.setMaxPendingConnections(mostPending);
     connect(&listener, &QTcpServer::newConnection, this, &WebSocketListener::takeSockets);
-    connect(&listener, &QTcpServer::acceptError, this, &WebSocketListener::resumeLater);
+    connect(&listener, &QTcpServer::acceptError, this, [this] { pause(getError()); });
     connect(&handshakes, &QWebSocketServer::newConnection, this, &WebSocketListener::endHandshakes);
 }
 
@@ -54,14 +58,37 @@ QString WebSocketListener::getError() const
 
 void WebSocketListener::takeSockets()
 {
-    toldOfError = false;
-    while (QTcpSocket *const socket = listener.nextPendingConnection())
-        beginHandshake(socket);
+    while (QTcpSocket *const socket = listener.nextPendingConnection()) {
+        if (alive < mostSockets && HasFreeDescriptors(keptDescriptors))
+            beginHandshake(socket);
+        else
+            refuse(socket);
+    }
+}
+
+void WebSocketListener::refuse(QTcpSocket *socket)
+{
+    delete socket;
+    pause(QStringLiteral("%1 sockets are open, or fewer than %2 descriptors are free")
+              .arg(alive)
+              .arg(keptDescriptors));
+}
+
+/*! Qt stops for good when it finds no descriptor, and otherwise would spin on those that wait. */
+void WebSocketListener::pause(const QString &reason)
+{
+    if (!std::exchange(toldOfPause, true))
+        FrameworkLog().warning() << "WebSocketListener::pause() cannot accept: " << reason;
+    listener.pauseAccepting();
+    QTimer::singleShot(acceptPause, &listener, [this] { listener.resumeAccepting(); });
 }
 
 void WebSocketListener::beginHandshake(QTcpSocket *socket)
 {
     const quint16 port = socket->peerPort();
+    toldOfPause = false;
+    ++alive;
+    connect(socket, &QObject::destroyed, &context, [this] { --alive; });
     socket->setReadBufferSize(limit + headerBytes);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // an answer waits for nothing
     unfinished.insert(port, socket);
@@ -74,14 +101,6 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
             weak->abort();
     });
     handshakes.handleConnection(socket);
-}
-
-/*! Without a free descriptor Qt stops accepting, for good. */
-void WebSocketListener::resumeLater()
-{
-    if (!std::exchange(toldOfError, true))
-        FrameworkLog().warning() << "WebSocketListener::resumeLater() cannot accept: " << getError();
-    QTimer::singleShot(acceptPause, &listener, [this] { listener.resumeAccepting(); });
 }
 
 void WebSocketListener::endHandshakes()
@@ -101,7 +120,7 @@ void WebSocketListener::finish(QWebSocket &finished)
     for (QTcpSocket *const socket : sockets) {
         if (socket->peerAddress() == finished.peerAddress()) {
             unfinished.remove(finished.peerPort(), socket);
-            socket->disconnect(&context);
+            disconnect(socket, &QTcpSocket::disconnected, &context, nullptr);
             socket->setParent(&finished);
         }
     }

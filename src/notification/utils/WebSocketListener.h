@@ -13,8 +13,9 @@ namespace Tessellum::Notification::utils {
 
 /*!
  * Accepts web sockets, and survives whoever else comes: a peer that does not finish its handshake ends after
- * some seconds and costs no more memory than a message, and where a process has no descriptor left it accepts
- * again as soon as there is one. Belongs to the thread that it was made on, which needs an event loop.
+ * some seconds and costs no more memory than a message. It has at most 10,000 sockets, and leaves the process
+ * the last 64 descriptors, without which no thread can start: whoever comes beyond is closed at once. Belongs
+ * to the thread that it was made on, which needs an event loop.
  */
 class TESSELLUM_EXPORT WebSocketListener : public QObject
 {
@@ -37,7 +38,8 @@ Q_SIGNALS:
 private:
     void takeSockets();
     void beginHandshake(QTcpSocket *socket);
-    void resumeLater();
+    void refuse(QTcpSocket *socket);
+    void pause(const QString &reason);
     void endHandshakes();
     void finish(QWebSocket &finished);
 
@@ -45,7 +47,8 @@ private:
     QTcpServer listener;
     QWebSocketServer handshakes;
     QMultiHash<quint16, QTcpSocket *> unfinished; // by the peer's port
-    bool toldOfError = false;
+    int alive = 0; // sockets
+    bool toldOfPause = false;
     QObject context; // of what the sockets tell, which ends first: they outlive the table
 };
 

@@ -5,6 +5,10 @@
 #include <QtTest>
 #include <QWebSocket>
 
+#include <support/LogCapture.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 using Tessellum::Notification::utils::SendWithoutDelay;
 using Tessellum::Notification::utils::WebSocketListener;
 
@@ -25,6 +29,7 @@ private:
 private Q_SLOTS:
     void nothingIsLeftOfPeersThatHaveGone();
     void anEndTakesWhoeverIsThere();
+    void aReserveOfDescriptorsIsKept();
     void aTakenPortIsTold();
     void neitherEndHoldsMessagesBack();
 };
@@ -74,6 +79,45 @@ void WebSocketListenerTest::anEndTakesWhoeverIsThere()
         QTRY_VERIFY(accepted >= round % 4);
         listener.reset();
     }
+}
+
+void WebSocketListenerTest::aReserveOfDescriptorsIsKept()
+{
+    WebSocketListener listener(1000, nullptr);
+    QVERIFY(listener.listen(QHostAddress::LocalHost, 0));
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit small{256, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &small), 0);
+    std::vector<int> taken;
+    const auto giveBack = [&] {
+        while (!taken.empty()) {
+            ::close(taken.back());
+            taken.pop_back();
+        }
+        setrlimit(RLIMIT_NOFILE, &before);
+    };
+    const auto end = qScopeGuard(giveBack);
+    for (int number = dup(0); number >= 0; number = dup(0))
+        taken.push_back(number);
+    for (int i = 0; i < 50; ++i) {
+        ::close(taken.back());
+        taken.pop_back();
+    }
+
+    TestSupport::LogCapture log;
+    for (int i = 0; i < 3; ++i) {
+        QTcpSocket refused;
+        QSignalSpy gone(&refused, &QTcpSocket::disconnected);
+        refused.connectToHost(QHostAddress(QHostAddress::LocalHost), listener.getPort());
+        QTRY_COMPARE(gone.size(), 1);
+    }
+    QCOMPARE(socketsOf(listener), 0);
+    QCOMPARE(log.lines().filter("cannot accept").size(), 1);
+    giveBack();
+    QWebSocket served;
+    served.open(urlOf(listener));
+    QTRY_COMPARE(served.state(), QAbstractSocket::ConnectedState);
 }
 
 void WebSocketListenerTest::aTakenPortIsTold()
