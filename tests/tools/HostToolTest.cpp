@@ -240,6 +240,10 @@ void HostToolTest::theShellMirrors()
     const auto clientStatus = [](ShellProcess &shell) {
         return shell.ask("status").value("configuration").toObject().value("clients").toObject().value("far");
     };
+    const auto hostKnows = [this] {
+        const QJsonObject configuration = host->ask("status").value("configuration").toObject();
+        return configuration.value("peers").toObject().contains("far");
+    };
     ShellProcess shell;
     QVERIFY(shell.succeeds("start"));
     QCOMPARE(shell.ask("remote far " + url).value("attributes"), QJsonValue(4));
@@ -250,9 +254,12 @@ void HostToolTest::theShellMirrors()
     QVERIFY(shell.ask("control you close").contains("error"));
     QVERIFY(shell.succeeds("control far close"));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("disconnected"), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!hostKnows(), Patience);
     QCOMPARE(shell.ask("get far.plant.speed").value("value"), QJsonValue(8));
     QVERIFY(shell.succeeds("control far connect"));
     QTRY_COMPARE_WITH_TIMEOUT(clientStatus(shell), QJsonValue("established"), Patience);
+    // A mirror keeps its value where another comes before it has asked for the subtree.
+    QTRY_VERIFY_WITH_TIMEOUT(hostKnows(), Patience);
     QVERIFY(host->succeeds("update host.plant.speed 9"));
     QTRY_COMPARE_WITH_TIMEOUT(shell.ask("get far.plant.speed").value("value"), QJsonValue(9), Patience);
 }
