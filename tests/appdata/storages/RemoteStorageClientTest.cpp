@@ -234,7 +234,8 @@ void RemoteStorageClientTest::badFramesAreSurvived()
     QTRY_COMPARE(server->received.size(), 1);
     const QString junk(1 << 20, QChar('x'));
     for (const QString &frame :
-         {QString("{"), QString("[]"), QString("{\"command\":7}"), QString("{\"command\":\"none\"}"),
+         {QString(), QString("{"), QString("[]"), QString("{\"command\":7}"),
+          QString("{\"command\":\"none\"}"),
           QString("{\"command\":\"init\",\"path\":[],\"data\":{},\"options\":3}"),
           QString("{\"command\":\"init\",\"path\":\"served\",\"data\":\"0g\"}"),
           QString("{\"command\":\"create-entry\",\"path\":\"served.e\",\"data\":\"ffffffff789c\"}"),

@@ -245,7 +245,8 @@ void RemoteStorageServerTest::badFramesLeaveThePeerConnected()
     Peer peer(port());
     QTRY_VERIFY(peer.isOpen());
     for (const QString &frame :
-         {QString("{"), QString("[]"), QString("{\"command\":7}"), QString("{\"command\":\"none\"}"),
+         {QString(), QString("{"), QString("[]"), QString("{\"command\":7}"),
+          QString("{\"command\":\"none\"}"),
           QString("{\"command\":\"init\",\"path\":[],\"data\":{},\"options\":3}"),
           QString("{\"command\":\"create-element\",\"path\":\"\",\"data\":\"0g\"}"),
           QString("{\"command\":\"create-element\",\"path\":\"a.b\",\"data\":\"ffffffff\"}"),

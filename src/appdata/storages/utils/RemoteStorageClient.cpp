@@ -196,14 +196,20 @@ void RemoteStorageClient::onBinaryMessageRequestReceived(const QByteArray &messa
 
 void RemoteStorageClient::queueFrame(const Frame &frame)
 {
-    const qint64 size = SizeOf(frame);
+    if (SizeOf(frame) == 0)
+        return; // no message, and not worth a step
+    const qint64 size = SizeOf(frame) + FrameOverhead;
     bool isTooMuch = false;
+    std::shared_ptr<void> step;
     {
         const QMutexLocker locker(&frameMutex);
         isTooMuch = !frames.empty() && frameBytes + size > limit;
         if (!isTooMuch) {
             frames.push_back(frame);
             frameBytes += size;
+            // One step takes all; more of them would pile up as long as frames come faster than they go.
+            if (waitingStep.expired())
+                waitingStep = step = std::make_shared<char>();
         }
     }
     if (isTooMuch) {
@@ -213,13 +219,15 @@ void RemoteStorageClient::queueFrame(const Frame &frame)
         socket->close(QWebSocketProtocol::CloseCodeTooMuchData);
         return;
     }
-    post([weak = weak_from_this()] {
-        if (const auto client = weak.lock())
-            client->takeFrames();
-    });
+    if (step) {
+        post([weak = weak_from_this(), step] {
+            if (const auto client = weak.lock())
+                client->takeFrames();
+        });
+    }
 }
 
-/*! Takes all that have come: what is pushed in a row is on its way together. Steps of others find nothing. */
+/*! Takes all that have come: what is pushed in a row is on its way together. */
 void RemoteStorageClient::takeFrames()
 {
     std::vector<Frame> taken;
@@ -227,6 +235,7 @@ void RemoteStorageClient::takeFrames()
         const QMutexLocker locker(&frameMutex);
         taken.swap(frames);
         frameBytes = 0;
+        waitingStep.reset();
     }
     for (Frame &frame : taken) {
         if (AppData::utils::RepositoryProvider::getInstance()->getThreadPool().isRunning())

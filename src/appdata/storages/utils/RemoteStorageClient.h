@@ -84,6 +84,7 @@ private:
     QMutex frameMutex;
     std::vector<Frame> frames; // that no step has taken yet
     qint64 frameBytes = 0; // in them
+    std::weak_ptr<void> waitingStep; // that will take them; gone where the repository's stop has dropped it
 };
 
 } // namespace Tessellum::AppData::Storages::utils

@@ -28,6 +28,9 @@ inline qint64 SizeOf(const RemoteStorageFrame &frame)
     return std::get<QByteArray>(frame).size();
 }
 
+/*! What a waiting frame takes beside its bytes. */
+inline constexpr qint64 FrameOverhead = 256;
+
 /*! What becomes of a message to a peer. */
 enum class RemoteStorageDelivery { Send, Drop, Close };
 

@@ -10,7 +10,6 @@ namespace Tessellum::AppData::Storages::utils {
 namespace {
 
 constexpr qint64 mostHeldBytes = 0x200000;
-constexpr qint64 frameOverhead = 256; // of a waiting frame, beside its bytes
 
 } // namespace
 
@@ -84,7 +83,7 @@ RemoteStorageConnections::Arrival RemoteStorageConnections::noteArrival(const QS
 {
     Arrival arrival = Arrival::NoPeer;
     change(uuid, [&arrival, size, limit](RemoteStorageConnection &connection) {
-        const qint64 cost = size + frameOverhead;
+        const qint64 cost = size + FrameOverhead;
         if (connection.queuedBytes > 0 && connection.queuedBytes + cost > limit) {
             arrival = std::exchange(connection.toldOfDrops, true) ? Arrival::Dropped : Arrival::DroppedFirst;
             return;
@@ -98,7 +97,7 @@ RemoteStorageConnections::Arrival RemoteStorageConnections::noteArrival(const QS
 void RemoteStorageConnections::noteWorkedOff(const QString &uuid, qint64 size)
 {
     change(uuid,
-           [size](RemoteStorageConnection &connection) { connection.queuedBytes -= size + frameOverhead; });
+           [size](RemoteStorageConnection &connection) { connection.queuedBytes -= size + FrameOverhead; });
 }
 
 std::optional<RemoteStorageConnections::Peer> RemoteStorageConnections::beginAnswer(const QString &uuid)
@@ -139,7 +138,7 @@ bool RemoteStorageConnections::hold(const QString &uuid, const RemoteStorageFram
         isHeld = connection.answers > 0;
         if (isHeld && connection.heldBytes <= mostHeldBytes) {
             connection.held.append(frame);
-            connection.heldBytes += SizeOf(frame) + frameOverhead;
+            connection.heldBytes += SizeOf(frame) + FrameOverhead;
         }
     });
     return isHeld;

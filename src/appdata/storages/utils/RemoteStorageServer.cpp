@@ -197,6 +197,8 @@ void RemoteStorageServer::onBinaryMessageReceived(const QString &connectionUuid,
 void RemoteStorageServer::receive(const QString &connectionUuid, const RemoteStorageFrame &frame)
 {
     const qint64 size = SizeOf(frame);
+    if (size == 0)
+        return; // no message, and not worth a step
     const auto arrival = connections.noteArrival(connectionUuid, size, limit);
     if (arrival == RemoteStorageConnections::Arrival::DroppedFirst) {
         FrameworkLog().warning()

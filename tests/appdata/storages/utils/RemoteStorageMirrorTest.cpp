@@ -335,6 +335,7 @@ void RemoteStorageMirrorTest::whatIsNotMirroredIsOutOfReach()
     send("e.one", RemoteStorageCommand::UpdateElement, document);
     send("e", RemoteStorageCommand::CreateElement, document);
     send("e.one", RemoteStorageCommand::CreateElement, QVariant("no document"));
+    send("e.one", RemoteStorageCommand::CreateElement, EncodeElement({}, source->mode));
     QCOMPARE(copyOf("e")->getNumberOfChildren(), quint64(0));
     send("e.one", RemoteStorageCommand::CreateElement, document);
     QCOMPARE(copyOf("e")->getNumberOfChildren(), quint64(1));
