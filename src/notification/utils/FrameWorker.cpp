@@ -56,6 +56,12 @@ void FrameWorker::end()
     threads->clear();
 }
 
+bool FrameWorker::hasEnded() const
+{
+    const QMutexLocker locker(&mutex);
+    return ended;
+}
+
 void FrameWorker::waitForRunning()
 {
     threads->waitForDone();

@@ -29,12 +29,13 @@ public:
     bool post(std::function<void()> step);
     /*! Drops what is queued and takes nothing more; the running step goes on. */
     void end();
+    bool hasEnded() const;
     /*! Waits until no step runs; not for a step itself. Call end() first and have the pool ended, for which a
      * step may wait. */
     void waitForRunning();
 
 private:
-    QMutex mutex;
+    mutable QMutex mutex;
     bool ended = false;
     QThreadPool *threads; // owned; outlives this while a step runs
 };

@@ -1,4 +1,4 @@
-#include <notification/utils/FrameWorker.h>
+#include <notification/utils/FrameQueue.h>
 
 #include <QSemaphore>
 #include <QtTest>
@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <support/LogCapture.h>
 
+using Tessellum::Notification::utils::FrameQueue;
 using Tessellum::Notification::utils::FrameWorker;
 using Tessellum::Notification::utils::FrameWorkers;
 
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void theEndDropsWhatIsQueued();
     void aStepMayDropTheLastPointer();
     void aStopWaitsForTheStepThatRuns();
+    void everyPeerHasItsTurn();
 };
 
 void FrameWorkerTest::stepsRunInTheirOrderAndOneAtATime()
@@ -119,6 +121,57 @@ void FrameWorkerTest::aStopWaitsForTheStepThatRuns()
     QVERIFY(over);
     workers.open();
     QVERIFY(workers.make());
+}
+
+void FrameWorkerTest::everyPeerHasItsTurn()
+{
+    using Queue = FrameQueue<QString>;
+    const auto worker = std::make_shared<FrameWorker>();
+    auto queue = std::make_shared<Queue>(worker, 1000);
+    QSemaphore begun;
+    QSemaphore gate;
+    QSemaphore done;
+    QStringList order; // the worker's, and read when it is done
+    const auto add = [&](const QString &peer, qint64 bytes, const QString &name) {
+        return queue->add(peer, bytes, [&order, &done, name] {
+            order.append(name);
+            done.release();
+            if (name == "a0")
+                throw std::runtime_error("first");
+        });
+    };
+    const auto hold = [&] {
+        QCOMPARE(queue->add("x", 1, [&] { begun.release(), gate.acquire(); }), Queue::Added::Queued);
+        QVERIFY(begun.tryAcquire(1, Patience));
+    };
+    hold();
+    for (int i = 0; i < 10; ++i)
+        QCOMPARE(add("a", 100, "a" + QString::number(i)), Queue::Added::Queued);
+    QCOMPARE(add("a", 1, "full"), Queue::Added::Full);
+    QCOMPARE(add("gone", 1, "gone"), Queue::Added::Queued);
+    QCOMPARE(add("b", 1000, "b0"), Queue::Added::Queued);
+    queue->drop("gone");
+    QVERIFY(worker->post([&] { order.append("other"); }));
+    gate.release();
+    QVERIFY(done.tryAcquire(11, Patience));
+    QCOMPARE(order.mid(0, 5), QStringList({"a0", "other", "b0", "a1", "a2"}));
+    QCOMPARE(order.size(), 12);
+    QCOMPARE(order.last(), QString("a9"));
+
+    // Its end and that of the worker drop what waits.
+    hold();
+    const auto held = std::make_shared<int>();
+    QCOMPARE(queue->add("a", 1, [held] {}), Queue::Added::Queued);
+    queue = std::make_shared<Queue>(worker, 1000);
+    gate.release();
+    QTRY_COMPARE_WITH_TIMEOUT(held.use_count(), 1L, Patience);
+    hold();
+    QCOMPARE(queue->add("a", 1, [held] {}), Queue::Added::Queued);
+    worker->end();
+    QCOMPARE(queue->add("a", 1, [held] {}), Queue::Added::Ended);
+    QCOMPARE(held.use_count(), 1L);
+    gate.release();
+    worker->waitForRunning();
 }
 
 QTEST_GUILESS_MAIN(FrameWorkerTest)

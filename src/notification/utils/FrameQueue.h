@@ -1,0 +1,158 @@
+#pragma once
+
+#include <notification/utils/FrameWorker.h>
+
+#include <QMutex>
+#include <QMutexLocker>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace Tessellum::Notification::utils {
+
+/*!
+ * Has a worker do the frames of several peers, one of each in turn, so that who sends many does not keep the
+ * others waiting. What else is posted to the worker comes between two frames. The end of the queue drops what
+ * waits in it.
+ *
+ * Made with std::make_shared. Any thread may call. The mutex guards the frames; no step runs or dies under
+ * it, and the worker's mutex comes behind it. A step dies on the worker, or where the queue, its peer or the
+ * worker ends: it holds weakly what must not die there.
+ */
+template <class Peer>
+class FrameQueue : public std::enable_shared_from_this<FrameQueue<Peer>>
+{
+public:
+    using Step = std::function<void()>;
+    enum class Added {
+        Queued,
+        Full, /*!< The peer has more waiting than it may. */
+        Ended /*!< The worker takes nothing any more. */
+    };
+
+    /*! \a bytesOfPeer: the most that may wait of one peer. */
+    FrameQueue(std::shared_ptr<FrameWorker> frameWorker, qint64 bytesOfPeer)
+        : worker(std::move(frameWorker))
+        , limit(bytesOfPeer)
+    { }
+    Q_DISABLE_COPY_MOVE(FrameQueue)
+
+    /*! \a step does what a frame of \a bytes asks for; freed unless it is queued. */
+    Added add(const Peer &peer, qint64 bytes, Step step)
+    {
+        if (worker->hasEnded()) {
+            clear();
+            return Added::Ended;
+        }
+        {
+            const QMutexLocker locker(&mutex);
+            if (bytes > limit - waitingLocked(peer))
+                return Added::Full;
+            Lane &lane = lanes[peer];
+            if (lane.frames.empty())
+                turns.push_back(peer);
+            lane.bytes += bytes;
+            lane.frames.push_back({bytes, std::move(step)});
+            if (std::exchange(isPosted, true))
+                return Added::Queued;
+        }
+        return postNext() ? Added::Queued : Added::Ended;
+    }
+
+    /*! Drops what waits of a peer that has gone; its running step goes on. */
+    void drop(const Peer &peer)
+    {
+        Lane dropped;
+        const QMutexLocker locker(&mutex);
+        const auto lane = lanes.find(peer);
+        if (lane == lanes.end())
+            return;
+        dropped = std::move(lane->second);
+        lanes.erase(lane);
+        turns.erase(std::find(turns.begin(), turns.end(), peer));
+    }
+
+private:
+    struct Frame
+    {
+        qint64 bytes = 0;
+        Step step;
+    };
+    struct Lane
+    {
+        std::deque<Frame> frames; // never empty in the table
+        qint64 bytes = 0;
+    };
+
+    qint64 waitingLocked(const Peer &peer) const
+    {
+        const auto lane = lanes.find(peer);
+        return lane == lanes.end() ? 0 : lane->second.bytes;
+    }
+
+    /*! One frame at a time, so that whatever else the worker has to do comes soon. */
+    bool postNext()
+    {
+        if (worker->post([weak = this->weak_from_this()] {
+                if (const auto self = weak.lock())
+                    self->runNext();
+            }))
+            return true;
+        clear();
+        return false;
+    }
+
+    void clear()
+    {
+        std::map<Peer, Lane> dropped;
+        const QMutexLocker locker(&mutex);
+        dropped.swap(lanes);
+        turns.clear();
+        isPosted = false;
+    }
+
+    void runNext()
+    {
+        bool isMore = false;
+        const Step step = takeNext(isMore);
+        if (isMore)
+            postNext();
+        if (step)
+            step();
+    }
+
+    Step takeNext(bool &isMore)
+    {
+        const QMutexLocker locker(&mutex);
+        Step step;
+        if (!turns.empty()) {
+            const Peer peer = turns.front();
+            turns.pop_front();
+            const auto lane = lanes.find(peer);
+            Frame frame = std::move(lane->second.frames.front());
+            lane->second.frames.pop_front();
+            lane->second.bytes -= frame.bytes;
+            step = std::move(frame.step);
+            if (lane->second.frames.empty())
+                lanes.erase(lane);
+            else
+                turns.push_back(peer);
+        }
+        isMore = !turns.empty();
+        isPosted = isMore;
+        return step;
+    }
+
+    const std::shared_ptr<FrameWorker> worker;
+    const qint64 limit;
+    QMutex mutex;
+    std::map<Peer, Lane> lanes;
+    std::deque<Peer> turns; // of those in the table
+    bool isPosted = false;
+};
+
+} // namespace Tessellum::Notification::utils
