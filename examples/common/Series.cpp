@@ -29,12 +29,15 @@ Series Series::Read(const Interfaces::DataEntryInterface &entry, quint64 first)
 {
     Series series;
     series.name = entry.getName();
-    const auto elements = entry.getQueryInterface()->getElementsInRange(
+    const auto entryQuery = entry.getQueryInterface();
+    if (!entryQuery) // what a mirror shows can go at any time
+        return series;
+    const auto elements = entryQuery->getElementsInRange(
         first, std::numeric_limits<quint64>::max(), ActivationMask::All, Interfaces::PassThroughFilter());
     for (const auto &element : elements) {
         const auto query = element->getQueryInterface();
-        const auto value = query->getParsedData();
-        if (value->isValid()) // not that of an element which has gone meanwhile
+        const auto value = query ? query->getParsedData() : nullptr;
+        if (value && value->isValid()) // not that of an element which has gone meanwhile
             series.points.append({query->getTimestamp(), value->toDouble()});
     }
     std::stable_sort(series.points.begin(), series.points.end(),

@@ -14,7 +14,8 @@ QString lineOf(const Tessellum::AppData::Interfaces::DataEntryInterface &series,
     constexpr int nameWidth = 18;
     quint64 first = 0;
     quint64 last = 0;
-    series.getQueryInterface()->getTimeSpan(first, last);
+    if (const auto query = series.getQueryInterface())
+        query->getTimeSpan(first, last);
     const auto points = Series::Read(series, last > shownMs ? last - shownMs : 0).points;
     if (points.isEmpty())
         return QStringLiteral("  %1 no value yet").arg(name, -nameWidth);

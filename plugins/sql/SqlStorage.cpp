@@ -76,8 +76,9 @@ SqlStorage::SqlStorage(const StorageCreateData &data, const QStringList &typeKey
 
 SqlStorage::~SqlStorage()
 {
-    ConnectedStorages::Remove(this);
+    // In this order: until the threads have ended, the end of the process has to wait for them here, too.
     disconnectStorage();
+    ConnectedStorages::Remove(this);
 }
 
 bool SqlStorage::connectStorage()

@@ -1,8 +1,10 @@
 #include "KnownElements.h"
 #include "SqliteDialect.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 #include <QUrl>
 
 namespace Tessellum::Plugins::Sql {
@@ -10,6 +12,7 @@ namespace Tessellum::Plugins::Sql {
 namespace {
 
 constexpr int QueueLimit = 20000;
+constexpr int BusyTimeoutMilliseconds = 500;
 
 // The primary result codes of SQLite that tell of the file and not of what was asked.
 bool TellsOfTheFile(int code)
@@ -91,6 +94,25 @@ bool ReadRows(SqlConnection &connection, KnownElements &known, const QString &en
     return true;
 }
 
+// The engine does not wait by itself where two processes open a new file at once: one of both would have to
+// give way.
+bool SwitchToWriteAheadLog(SqlConnection &connection)
+{
+    constexpr unsigned long PauseMilliseconds = 5;
+    const QDeadlineTimer deadline(BusyTimeoutMilliseconds);
+    for (;;) {
+        const QVariant mode = connection.value(QStringLiteral("PRAGMA journal_mode = WAL"));
+        const bool answered = !connection.lastError();
+        if (answered && mode.toString() == QLatin1String("wal"))
+            return true;
+        if (answered)
+            return connection.fail(QStringLiteral("no write-ahead log is possible here"));
+        if (!connection.lastError().isOutage || deadline.hasExpired())
+            return false;
+        QThread::msleep(PauseMilliseconds);
+    }
+}
+
 } // namespace
 
 int SqliteDialect::queueLimit(const QVariant &) const
@@ -111,7 +133,7 @@ bool SqliteDialect::configure(QSqlDatabase &database, const QVariant &location, 
         return false;
     }
     database.setDatabaseName(fileName);
-    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=500"));
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeoutMilliseconds));
     return true;
 }
 
@@ -123,11 +145,8 @@ bool SqliteDialect::startSession(SqlConnection &connection, const QVariant &loca
         return false;
     if (!hasTables(connection, found))
         return false;
-    const QVariant mode = connection.value(QStringLiteral("PRAGMA journal_mode = WAL"));
-    if (connection.lastError())
+    if (!SwitchToWriteAheadLog(connection))
         return false;
-    if (mode.toString() != QLatin1String("wal"))
-        return connection.fail(QStringLiteral("no write-ahead log is possible here"));
     return connection.runOnce(synchronous ? QStringLiteral("PRAGMA synchronous = FULL")
                                           : QStringLiteral("PRAGMA synchronous = NORMAL"))
         != -1;

@@ -22,11 +22,20 @@ namespace {
 
 using EntryPtr = std::shared_ptr<DataEntryInterface>;
 
+/*! The interface behind \a handle, which is empty where its target has gone. */
+template <class Pointer>
+Pointer OrFail(Pointer interface)
+{
+    if (!interface)
+        Fail(QStringLiteral("it has gone"));
+    return interface;
+}
+
 /*! The value at \a index; fails where it is no number and the entry takes nothing else. */
 QVariant valueFor(const DataEntryInterface &entry, const Arguments &arguments, int index)
 {
     QVariant value = arguments.value(index);
-    if (entry.getCategory()->getType() == CategoryType::Float && !value.convert(QMetaType::Double))
+    if (OrFail(entry.getCategory())->getType() == CategoryType::Float && !value.convert(QMetaType::Double))
         Fail(QStringLiteral("%1 is no number").arg(arguments.text(index)));
     return value;
 }
@@ -60,16 +69,20 @@ QString timestampText(quint64 timestamp)
     return QString::number(timestamp);
 }
 
+/*! Nothing for an entry that has gone: what it consists of goes with it, in a mirror at any time. */
 QJsonObject describe(const DataEntryInterface &entry)
 {
     const auto query = entry.getQueryInterface();
+    const auto category = entry.getCategory();
+    if (!query || !category)
+        return {};
     QJsonObject object{
         {QStringLiteral("uuid"), entry.getUuid()},
         {QStringLiteral("classification"), entry.getClassification()},
         {QStringLiteral("name"), entry.getName()},
         {QStringLiteral("storage"), entry.getStorageName()},
         {QStringLiteral("category"),
-         ConvertDataEntryCategoryToString(Data::Entries::EntryCategory(*entry.getCategory()))},
+         ConvertDataEntryCategoryToString(Data::Entries::EntryCategory(*category))},
         {QStringLiteral("persistence"), EnumJson(entry.getPersistenceType())},
         {QStringLiteral("capacity"), timestampText(entry.getCapacity())},
         {QStringLiteral("status"), EnumJson(entry.getLoadStatus())},
@@ -83,9 +96,12 @@ QJsonObject describe(const DataEntryInterface &entry)
     return object;
 }
 
+/*! Nothing for an element that has gone. */
 QJsonObject describe(const DataElementInterface &element)
 {
     const auto query = element.getQueryInterface();
+    if (!query)
+        return {};
     const bool loaded = query->performQueryCommand(ElementQueryCommand::IsLoaded);
     return {{QStringLiteral("uuid"), element.getUuid()},
             {QStringLiteral("stamp"), timestampText(query->getTimestamp())},
@@ -94,18 +110,22 @@ QJsonObject describe(const DataElementInterface &element)
             {QStringLiteral("value"), QJsonValue::fromVariant(*query->getParsedData())}};
 }
 
+/*! Those of \a items that are there still, as an array under \a key. */
 template <class List>
-QJsonObject describeAll(const List &elements)
+QJsonObject describeAll(const QString &key, const List &items)
 {
     QJsonArray array;
-    for (const auto &element : elements)
-        array.append(describe(*element));
-    return {{QStringLiteral("elements"), array}};
+    for (const auto &item : items) {
+        const QJsonObject description = describe(*item);
+        if (!description.isEmpty())
+            array.append(description);
+    }
+    return {{key, array}};
 }
 
 std::shared_ptr<DataElementInterface> findElement(const EntryPtr &entry, const QString &uuid)
 {
-    const auto element = entry->getQueryInterface()->getElementById(uuid);
+    const auto element = OrFail(entry->getQueryInterface())->getElementById(uuid);
     if (!element)
         Fail(QStringLiteral("there is no element %1").arg(uuid));
     return element;
@@ -193,11 +213,9 @@ QJsonObject Shell::addEntry(const Arguments &arguments)
 
 QJsonObject Shell::listEntries(const Arguments &arguments)
 {
-    QJsonArray entries;
     const QString pattern = arguments.size() > 0 ? arguments.text(0) : QStringLiteral("*");
-    for (const EntryPtr &entry : RecordedData()->getDataEntryInterface()->getDataEntries(pattern))
-        entries.append(describe(*entry));
-    return {{QStringLiteral("entries"), entries}};
+    return describeAll(QStringLiteral("entries"),
+                       RecordedData()->getDataEntryInterface()->getDataEntries(pattern));
 }
 
 QJsonObject Shell::addValue(const Arguments &arguments)
@@ -208,8 +226,9 @@ QJsonObject Shell::addValue(const Arguments &arguments)
         ? timestampOf(arguments.text(2))
         : static_cast<quint64>(QDateTime::currentMSecsSinceEpoch());
     qint64 index = -1;
-    const QString uuid = entry->getManipulationInterface()->addDataElementValue(
-        timestamp, ElementValueKind::ParsedValue, valueFor(*entry, arguments, 1), point, &index);
+    const QString uuid = OrFail(entry->getManipulationInterface())
+                             ->addDataElementValue(timestamp, ElementValueKind::ParsedValue,
+                                                   valueFor(*entry, arguments, 1), point, &index);
     if (uuid.isEmpty())
         Fail(QStringLiteral("the value was not taken"));
     return {{QStringLiteral("uuid"), uuid},
@@ -220,16 +239,19 @@ QJsonObject Shell::addValue(const Arguments &arguments)
 QJsonObject Shell::listElements(const Arguments &arguments)
 {
     const EntryPtr entry = findEntry(arguments.text(0));
-    return describeAll(entry->getQueryInterface()->getElements(arguments.enumerator(1, ActivationMask::All),
-                                                               PassThroughFilter()));
+    return describeAll(QStringLiteral("elements"),
+                       OrFail(entry->getQueryInterface())
+                           ->getElements(arguments.enumerator(1, ActivationMask::All), PassThroughFilter()));
 }
 
 QJsonObject Shell::listRange(const Arguments &arguments)
 {
     const EntryPtr entry = findEntry(arguments.text(0));
-    return describeAll(entry->getQueryInterface()->getElementsInRange(
-        timestampOf(arguments.text(1)), timestampOf(arguments.text(2)),
-        arguments.enumerator(3, ActivationMask::All), PassThroughFilter()));
+    return describeAll(
+        QStringLiteral("elements"),
+        OrFail(entry->getQueryInterface())
+            ->getElementsInRange(timestampOf(arguments.text(1)), timestampOf(arguments.text(2)),
+                                 arguments.enumerator(3, ActivationMask::All), PassThroughFilter()));
 }
 
 QJsonObject Shell::changeElement(const Arguments &arguments)
@@ -237,7 +259,7 @@ QJsonObject Shell::changeElement(const Arguments &arguments)
     const QString what = arguments.text(0);
     const EntryPtr entry = findEntry(arguments.text(1));
     const auto element = findElement(entry, arguments.text(2));
-    const auto manipulation = element->getManipulationInterface();
+    const auto manipulation = OrFail(element->getManipulationInterface());
     bool done = false;
     if (what == QLatin1String("set") && arguments.size() > 3)
         done = manipulation->setData(ElementValueKind::ParsedValue, valueFor(*entry, arguments, 3),
@@ -251,12 +273,12 @@ QJsonObject Shell::changeElement(const Arguments &arguments)
     if (!done)
         Fail(QStringLiteral("the element did not take it"));
     return {{QStringLiteral("loaded"),
-             element->getQueryInterface()->performQueryCommand(ElementQueryCommand::IsLoaded)}};
+             OrFail(element->getQueryInterface())->performQueryCommand(ElementQueryCommand::IsLoaded)}};
 }
 
 QJsonObject Shell::memoryStrategy(const Arguments &arguments)
 {
-    const auto memory = findEntry(arguments.text(0))->getMemoryStrategyInterface();
+    const auto memory = OrFail(findEntry(arguments.text(0))->getMemoryStrategyInterface());
     const QString wanted = arguments.text(1);
     const QString parameters = arguments.text(2);
     QString before;

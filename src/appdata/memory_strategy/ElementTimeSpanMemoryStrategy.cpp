@@ -39,6 +39,7 @@ qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
         return NoDecision;
     // The element first: once it can be found the index knows of it, which is told of it only later.
     const auto element = present->getQueryInterface()->getElementById(elementUuid);
+    const auto query = element ? element->getQueryInterface() : nullptr;
     const quint64 changes = present->timeIndex().changes();
     if (seenChanges.load() != changes) {
         range->setDirty();
@@ -46,9 +47,9 @@ qint32 ElementTimeSpanMemoryStrategy::evaluate(const QString &elementUuid)
     }
     range->recompute();
     const TimeRangeProvider::Range resolved = range->getRange();
-    if (resolved.rangeType == TimeRangeProvider::RangeType::None || !element)
+    if (resolved.rangeType == TimeRangeProvider::RangeType::None || !query)
         return NoDecision;
-    return resolved.contains(element->getQueryInterface()->getTimestamp()) ? Keep : Unload;
+    return resolved.contains(query->getTimestamp()) ? Keep : Unload;
 }
 
 void ElementTimeSpanMemoryStrategy::handleElementAdded(const QString & /*elementId*/)
