@@ -120,11 +120,11 @@ private:
     }
     QPair<QString, QString> document(const QString &uuid, int elements) const
     {
-        RemoteEntry entry;
-        entry.info = run->record("load", "served");
+        RemoteDocuments documents;
         for (int element = 0; element < elements; ++element)
-            entry.elements.append({uuid + QString::number(element), values(quint64(element), element)});
-        return {uuid, EncodeEntryDocument(entry, text)};
+            documents.append({uuid + QString::number(element),
+                              EncodeElementDocument(values(quint64(element), element), text)});
+        return {uuid, EncodeEntryDocument(run->record("load", "served"), documents, text)};
     }
 
 private Q_SLOTS:

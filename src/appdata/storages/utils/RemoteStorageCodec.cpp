@@ -29,6 +29,15 @@ constexpr qint64 MaximumText = 256LL * 1024 * 1024; /*!< Bytes of a text message
 /*! Hexadecimal doubles the data; before it text has two bytes a character, after it binary JSON a digit. */
 constexpr qint64 FrameGrowth = 4;
 constexpr qint64 FrameRoom = 64 * 1024; /*!< For all else in the frame. */
+/*! Of an element's own bytes, which are hexadecimal in their document already. */
+constexpr qint64 TextGrowth = 2 * FrameGrowth;
+constexpr qint64 BinaryGrowth = 4 * FrameGrowth;
+
+qint64 bytesOfFrame(RemoteStorageMode mode)
+{
+    return (mode == RemoteStorageMode::Binary ? Shared::Conversion::MaximumBinaryJson : MaximumText)
+        - FrameRoom;
+}
 
 /*! A document in its mode: a QString or a QByteArray. Invalid if binary JSON cannot hold it. */
 QVariant render(FlatMembers members, RemoteStorageMode mode)
@@ -147,9 +156,12 @@ QVariant EncodeElement(const ElementUpdateData &values, RemoteStorageMode mode)
     bool active = false;
     quint64 timestamp = 0;
     QByteArray raw;
+    const bool hasRaw = values.getRawData(raw);
+    if (raw.size() > bytesOfFrame(mode) / (mode == RemoteStorageMode::Binary ? BinaryGrowth : TextGrowth))
+        return {};
     if (values.getActive(active))
         members.push_back(FlatMember::Flag(ActiveKey, active));
-    if (values.getRawData(raw))
+    if (hasRaw)
         members.push_back(FlatMember::Text(DataKey, EncodeRemoteVariant(raw, mode)));
     if (values.getTimestamp(timestamp))
         members.push_back(FlatMember::Text(TimestampKey, QString::number(timestamp)));
@@ -180,17 +192,19 @@ std::optional<EntrySerializeInformation> DecodeEntryInfo(const QVariant &payload
     return readInfo(UncompressStored(FromHexText(payload.toString())));
 }
 
-QString EncodeEntryDocument(const RemoteEntry &entry, RemoteStorageMode mode)
+QString EncodeElementDocument(const ElementUpdateData &values, RemoteStorageMode mode)
+{
+    return embedded(EncodeElement(values, mode));
+}
+
+QString EncodeEntryDocument(const EntrySerializeInformation &info, const RemoteDocuments &elements,
+                            RemoteStorageMode mode)
 {
     FlatMembers members{FlatMember::Object(ElementsKey)};
-    members.reserve(static_cast<std::size_t>(entry.elements.size()) + 2);
-    for (const auto &element : entry.elements) {
-        const QString document = embedded(EncodeElement(element.second, mode));
-        if (document.isNull())
-            return {};
-        members.push_back(FlatMember::Text(element.first, document).within(ElementsKey));
-    }
-    members.push_back(FlatMember::Text(InfoKey, ToHexText(writeInfo(entry.info))));
+    members.reserve(static_cast<std::size_t>(elements.size()) + 2);
+    for (const auto &[uuid, document] : elements)
+        members.push_back(FlatMember::Text(uuid, document).within(ElementsKey));
+    members.push_back(FlatMember::Text(InfoKey, ToHexText(writeInfo(info))));
     return embedded(render(std::move(members), mode));
 }
 
@@ -219,12 +233,10 @@ std::optional<RemoteEntry> DecodeEntryDocument(const QString &document, RemoteSt
 
 qint64 MostDocuments(RemoteStorageMode mode)
 {
-    const qint64 frame
-        = mode == RemoteStorageMode::Binary ? Shared::Conversion::MaximumBinaryJson : MaximumText;
-    return (frame - FrameRoom) / FrameGrowth;
+    return bytesOfFrame(mode) / FrameGrowth;
 }
 
-QVariant EncodeContents(const QList<QPair<QString, QString>> &documents, RemoteStorageMode mode)
+QVariant EncodeContents(const RemoteDocuments &documents, RemoteStorageMode mode)
 {
     const qint64 most = MostDocuments(mode);
     FlatMembers members;
@@ -242,14 +254,14 @@ QVariant EncodeContents(const QList<QPair<QString, QString>> &documents, RemoteS
     return rendered <= most ? contents : QVariant();
 }
 
-QList<QPair<QString, QString>> DecodeContents(const QVariant &payload, RemoteStorageMode mode)
+RemoteDocuments DecodeContents(const QVariant &payload, RemoteStorageMode mode)
 {
-    QList<QPair<QString, QString>> documents;
+    RemoteDocuments documents;
     const bool read = readDocument(payload, mode, [&](const FlatMember &member) {
         if (!member.isInner && member.kind == FlatMember::Kind::Text)
             documents.append({member.key, member.text});
     });
-    return read ? documents : QList<QPair<QString, QString>>();
+    return read ? documents : RemoteDocuments();
 }
 
 QVariant EncodePathMap(const QHash<QString, QString> &map, RemoteStorageMode mode)

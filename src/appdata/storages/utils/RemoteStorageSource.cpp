@@ -15,7 +15,6 @@ namespace {
 
 using EntryRecord = RemoteStorageNode::EntryRecord;
 using ElementValues = RemoteStorageNode::ElementValues;
-using Documents = QList<QPair<QString, QString>>;
 
 constexpr const char *caller = "RemoteStorageSource::MakeAnswer()";
 
@@ -25,24 +24,29 @@ bool IsStopping()
     return !RepositoryProvider::getInstance()->getThreadPool().isRunning();
 }
 
-RemoteEntry ReadEntry(const StorageImplementation &medium, const QString &uuid, const EntryRecord &record)
+/*! The document of an entry, one element read after the other; null where \a mode cannot hold it, or as soon
+ * as it exceeds \a room characters. */
+QString ReadEntry(const StorageImplementation &medium, const QString &uuid, const EntryRecord &record,
+                  RemoteStorageMode mode, qint64 room)
 {
-    RemoteEntry entry;
-    entry.info = record;
     QStringList uuids;
     CallMedium(caller, quint64(0), [&] { return medium.getElementIds(uuid, uuids); });
+    RemoteDocuments elements;
     for (const QString &element : qAsConst(uuids)) {
-        if (IsStopping())
-            break;
         ElementValues values;
         // With the bytes, and of the medium alone: the element stays unloaded in the tree.
-        if (CallMedium(caller, false, [&] {
+        if (!CallMedium(caller, false, [&] {
                 return medium.deserializeElement(uuid, element, values, LoadDataHint::LoadAtOnce);
             })) {
-            entry.elements.append({element, values});
+            continue;
         }
+        const QString document = EncodeElementDocument(values, mode);
+        room -= element.size() + document.size();
+        if (document.isNull() || room < 0 || IsStopping())
+            return {};
+        elements.append({element, document});
     }
-    return entry;
+    return EncodeEntryDocument(record, elements, mode);
 }
 
 /*! Nothing where \a mode cannot hold the contents. */
@@ -50,15 +54,12 @@ QVariant ReadContents(const StorageImplementation &medium, RemoteStorageMode mod
 {
     QHash<QString, EntryRecord> records;
     CallMedium(caller, quint64(0), [&] { return medium.getEntries(records); });
-    const qint64 most = MostDocuments(mode);
-    Documents documents;
-    qint64 size = 0;
+    qint64 room = MostDocuments(mode);
+    RemoteDocuments documents;
     for (auto record = records.cbegin(); record != records.cend(); ++record) {
-        if (IsStopping())
-            return {};
-        const QString document = EncodeEntryDocument(ReadEntry(medium, record.key(), *record), mode);
-        size += document.size();
-        if (document.isNull() || size > most)
+        const QString document = ReadEntry(medium, record.key(), *record, mode, room);
+        room -= document.size();
+        if (document.isNull() || room < 0 || IsStopping())
             return {};
         documents.append({record.key(), document});
     }
@@ -123,8 +124,12 @@ RemoteStoragePush RemoteStorageSource::MakePush(RemoteStorageCommand command, co
     RemoteStoragePush push;
     if (needsBinary)
         push.binary = compose(RemoteStorageMode::Binary, RemoteStorageNode::ComposeBinary);
-    if (needsText || push.binary.isEmpty())
+    if (needsText || push.binary.isEmpty()) {
         push.text = compose(RemoteStorageMode::Text, RemoteStorageNode::ComposeText);
+        if (push.text.isEmpty() && !WordOfCommand(command).isEmpty())
+            FrameworkLog().warning() << "RemoteStorageSource::MakePush() the change of " << path
+                                     << " is too large to be sent";
+    }
     return push;
 }
 

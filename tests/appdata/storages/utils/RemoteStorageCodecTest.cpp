@@ -121,7 +121,10 @@ private Q_SLOTS:
     void entryDocuments()
     {
         for (const auto mode : Modes) {
-            const QString document = EncodeEntryDocument({Info(), {{"b", Element()}, {"a", {}}}}, mode);
+            const QString document = EncodeEntryDocument(
+                Info(),
+                {{"b", EncodeElementDocument(Element(), mode)}, {"a", EncodeElementDocument({}, mode)}},
+                mode);
             const auto contents = DecodeContents(EncodeContents({{"uuid", document}}, mode), mode);
             QCOMPARE(contents, (QList<QPair<QString, QString>>{{"uuid", document}}));
             const auto entry = DecodeEntryDocument(document, mode);
@@ -141,9 +144,11 @@ private Q_SLOTS:
         QVERIFY(EncodeContents({}, RemoteStorageMode::Binary).isValid());
         // What does not fit into binary JSON is told.
         ElementUpdateData large;
-        large.setRawData(QByteArray(20 << 20, 'x'));
+        large.setRawData(QByteArray(5 << 20, 'x'));
         QVERIFY(!EncodeElement(large, RemoteStorageMode::Binary).isValid());
         QVERIFY(EncodeElement(large, RemoteStorageMode::Text).isValid());
+        large.setRawData(QByteArray(32 << 20, 'x'));
+        QVERIFY(!EncodeElement(large, RemoteStorageMode::Text).isValid());
     }
 
     void badFrames()

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void anAnswerToTheLetter();
     void theModeStaysWithoutAnOption();
     void whatBinaryJsonCannotHoldGoesOutAsText();
+    void readingEndsWhereNoFrameHoldsMore();
     void whatTheMediumCannotReadIsLeftOut();
     void aChangeIsRenderedInTheModesThatAreNeeded();
 };
@@ -97,6 +98,20 @@ void RemoteStorageSourceTest::whatBinaryJsonCannotHoldGoesOutAsText()
     QByteArray raw;
     QVERIFY(entry->elements.first().second.getRawData(raw));
     QCOMPARE(raw.size(), 5 << 20);
+}
+
+void RemoteStorageSourceTest::readingEndsWhereNoFrameHoldsMore()
+{
+    Values values;
+    values.setTimestamp(1);
+    values.setRawData(QByteArray(12 << 20, 'x')); // one for all; three of them are more than a text frame
+    QVERIFY(twin->serializeEntry("e", run->record("load", "disk")));
+    for (int element = 0; element < 20; ++element)
+        QVERIFY(twin->serializeElement("e", QString::number(element), values));
+    const auto answer = RemoteStorageSource::MakeAnswer(request("disk", option(true)), false);
+    QVERIFY(answer && !answer->isBinary);
+    QVERIFY(std::get<QString>(answer->frame).isEmpty());
+    QCOMPARE(twin->calls(StorageTwin::Operation::DeserializeElement), 1 + 3);
 }
 
 void RemoteStorageSourceTest::whatTheMediumCannotReadIsLeftOut()

@@ -32,7 +32,8 @@ Data::Entries::EntrySerializeInformation Info()
 
 QVariant Contents(RemoteStorageMode mode)
 {
-    return EncodeContents({{"e", EncodeEntryDocument({Info(), {{"1", Element()}}}, mode)}}, mode);
+    const QString element = EncodeElementDocument(Element(), mode);
+    return EncodeContents({{"e", EncodeEntryDocument(Info(), {{"1", element}}, mode)}}, mode);
 }
 
 /*! Both frames of one message, by mode. */
