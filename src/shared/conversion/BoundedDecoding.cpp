@@ -2,6 +2,7 @@
 
 #include <QtEndian>
 
+#include <cstring>
 #include <limits>
 #include <zlib.h>
 
@@ -103,6 +104,14 @@ quint64 StreamFields::longNumber()
 {
     const uchar *from = take(sizeof(quint64));
     return from ? qFromBigEndian<quint64>(from) : 0;
+}
+
+double StreamFields::real()
+{
+    const quint64 bits = longNumber();
+    double value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
 }
 
 QString StreamFields::text()

@@ -44,6 +44,7 @@ public:
     quint8 byte();
     quint32 number();
     quint64 longNumber();
+    double real();
     /*! Null for the length of a null text or array. */
     QString text();
     QByteArray array();

@@ -1,4 +1,5 @@
 #include <shared/conversion/FlatJson.h>
+#include <shared/conversion/utils/JsonEncoding.h>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,23 +11,8 @@ namespace Shared::Conversion {
 
 namespace {
 
-/*! UTF-16 as QString holds it: RapidJSON's own ends the process on an escaped half of a surrogate pair. */
-struct Encoding : rapidjson::UTF16<char16_t>
-{
-    template <class Stream>
-    static void Encode(Stream &stream, unsigned codePoint)
-    {
-        if (QChar::requiresSurrogates(codePoint)) {
-            stream.Put(QChar::highSurrogate(codePoint));
-            stream.Put(QChar::lowSurrogate(codePoint));
-        } else {
-            stream.Put(static_cast<char16_t>(codePoint));
-        }
-    }
-};
-
-/*! Deeper documents are refused, as QJsonDocument does. */
-constexpr int MaximumDepth = 1024;
+using utils::JsonEncoding;
+using utils::MaximumJsonDepth;
 
 /*! Takes the parser's events. False ends the parse. */
 class MemberEvents
@@ -67,7 +53,7 @@ public:
         } else if (depth > 1) {
             other();
         }
-        return ++depth <= MaximumDepth;
+        return ++depth <= MaximumJsonDepth;
     }
     bool StartArray()
     {
@@ -76,7 +62,7 @@ public:
         other();
         if (depth == 1)
             inObject = false;
-        return ++depth <= MaximumDepth;
+        return ++depth <= MaximumJsonDepth;
     }
     bool EndObject(Size) { return end(); }
     bool EndArray(Size) { return end(); }
@@ -127,8 +113,8 @@ QJsonValue valueOf(const FlatMember &member)
 
 bool ReadFlatJson(const QString &text, const FlatMemberHandler &handler)
 {
-    rapidjson::GenericReader<Encoding, Encoding> reader;
-    rapidjson::GenericStringStream<Encoding> stream(reinterpret_cast<const char16_t *>(text.utf16()));
+    rapidjson::GenericReader<JsonEncoding, JsonEncoding> reader;
+    rapidjson::GenericStringStream<JsonEncoding> stream(reinterpret_cast<const char16_t *>(text.utf16()));
     MemberEvents events(handler);
     // Not recursive, so that depth costs no stack.
     const auto result = reader.Parse<rapidjson::kParseIterativeFlag>(stream, events);

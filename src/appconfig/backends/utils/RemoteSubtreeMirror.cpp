@@ -4,9 +4,9 @@
 #include <appconfig/utils/LiveNode.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/utils/PoolWait.h>
+#include <shared/conversion/FlatJson.h>
 #include <shared/logging/FrameworkLog.h>
 
-#include <QJsonDocument>
 #include <QMutexLocker>
 
 #include <algorithm>
@@ -65,7 +65,7 @@ RemoteValue FromPeer(const QByteArray &serialized)
 
 bool IsJsonObject(const QString &text)
 {
-    return QJsonDocument::fromJson(text.toUtf8()).isObject();
+    return Shared::Conversion::ReadFlatJson(text, [](const auto &) {});
 }
 
 template <class Observer>

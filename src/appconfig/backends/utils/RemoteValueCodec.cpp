@@ -1,9 +1,12 @@
 #include <appconfig/backends/utils/RemoteValueCodec.h>
 #include <shared/conversion/BoundedDecoding.h>
+#include <shared/conversion/JsonText.h>
 
 #include <QCoreApplication>
 #include <QDataStream>
 #include <QDateTime>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QTimeZone>
 
 #include <algorithm>
@@ -29,7 +32,7 @@ void write(QDataStream &stream, const QVariant &value);
 void writePairs(QDataStream &stream, const QList<QPair<QString, QVariant>> &pairs)
 {
     stream << static_cast<quint32>(pairs.size());
-    // From the end, so that inserting them restores the order of the values of one key.
+    // From the end, as Qt does.
     for (auto pair = pairs.crbegin(); pair != pairs.crend(); ++pair) {
         stream << pair->first;
         write(stream, pair->second);
@@ -41,8 +44,11 @@ QList<QPair<QString, QVariant>> pairsOf(const QVariant &value)
 {
     QList<QPair<QString, QVariant>> pairs;
     const auto &container = *static_cast<const Container *>(value.constData());
-    for (auto it = container.cbegin(); it != container.cend(); ++it)
-        pairs.append({it.key(), it.value()});
+    // The values of one key stand together, the one that counts in front.
+    for (auto it = container.cbegin(); it != container.cend(); ++it) {
+        if (pairs.isEmpty() || pairs.last().first != it.key())
+            pairs.append({it.key(), it.value()});
+    }
     return pairs;
 }
 
@@ -64,8 +70,8 @@ void write(QDataStream &stream, const QVariant &value)
         writePairs(stream, pairsOf<QVariantMap>(value));
     } else {
         auto pairs = pairsOf<QVariantHash>(value);
-        std::stable_sort(pairs.begin(), pairs.end(),
-                         [](const auto &left, const auto &right) { return left.first < right.first; });
+        std::sort(pairs.begin(), pairs.end(),
+                  [](const auto &left, const auto &right) { return left.first < right.first; });
         writePairs(stream, pairs);
     }
 }
@@ -99,10 +105,9 @@ bool isLoadable(quint32 type)
 /*! Types of Qt that begin with the length of what follows. */
 bool beginsWithLength(quint32 type)
 {
-    static constexpr std::array types{
-        QMetaType::QUrl,       QMetaType::QLocale,       QMetaType::QJsonObject,
-        QMetaType::QJsonArray, QMetaType::QJsonDocument, QMetaType::QCborValue,
-        QMetaType::QCborArray, QMetaType::QCborMap,      QMetaType::QRegularExpression};
+    static constexpr std::array types{QMetaType::QUrl,       QMetaType::QLocale,
+                                      QMetaType::QCborValue, QMetaType::QCborArray,
+                                      QMetaType::QCborMap,   QMetaType::QRegularExpression};
     return std::find(types.begin(), types.end(), type) != types.end();
 }
 
@@ -165,13 +170,21 @@ private:
             return wrap(readItems<QVariantList>(ValueSize, [this, depth] { return readValue(depth + 1); }),
                         null);
         case QMetaType::QVariantMap:
-            return wrap(QVariantMap(readPairs<QMultiMap<QString, QVariant>>(depth)), null);
+            return wrap(readPairs<QVariantMap>(depth), null);
         case QMetaType::QVariantHash:
-            return wrap(QVariantHash(readPairs<QMultiHash<QString, QVariant>>(depth)), null);
+            return wrap(readPairs<QVariantHash>(depth), null);
         case QMetaType::QVariant: {
             const QVariant inner = readValue(depth + 1);
             return fields.isOk() ? QVariant(QMetaType::QVariant, &inner) : QVariant();
         }
+        case QMetaType::QJsonValue:
+            return wrap(readJsonValue(), null);
+        case QMetaType::QJsonObject:
+            return wrap(readJson().object(), null);
+        case QMetaType::QJsonArray:
+            return wrap(readJson().array(), null);
+        case QMetaType::QJsonDocument:
+            return wrap(readJson(), null);
         case QMetaType::QDateTime:
             return zoneFits() ? readDateTime(null) : failed();
         case QMetaType::User:
@@ -218,6 +231,38 @@ private:
             pairs.insert(key, readValue(depth + 1));
         }
         return pairs;
+    }
+
+    QJsonDocument readJson()
+    {
+        QJsonDocument document;
+        const QByteArray text = fields.array();
+        if (!text.isEmpty() && !Shared::Conversion::ReadJsonText(QString::fromUtf8(text), document))
+            fields.fail();
+        return document;
+    }
+
+    QJsonValue readJsonValue()
+    {
+        const int type = fields.byte();
+        switch (type) {
+        case QJsonValue::Null:
+        case QJsonValue::Undefined:
+            return static_cast<QJsonValue::Type>(type);
+        case QJsonValue::Bool:
+            return fields.byte() != 0;
+        case QJsonValue::Double:
+            return fields.real();
+        case QJsonValue::String:
+            return fields.text();
+        case QJsonValue::Array:
+            return readJson().array();
+        case QJsonValue::Object:
+            return readJson().object();
+        default:
+            fields.fail();
+            return {};
+        }
     }
 
     QVariant readUserType(bool null)

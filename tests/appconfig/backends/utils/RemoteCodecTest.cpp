@@ -2,6 +2,8 @@
 
 #include <QDataStream>
 #include <QDate>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QLine>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -69,7 +71,12 @@ private Q_SLOTS:
             QLine(1, 2, 3, 4),
             QSizeF(1, 2),
             QRegularExpression("a+"),
-            QJsonObject{{"a", 1}},
+            QJsonObject{{"a", 1}, {"b", QJsonArray{0.1, true, QJsonValue(), "x", Q_INT64_C(1) << 40}}},
+            QJsonArray{1, QJsonObject()},
+            QJsonDocument(QJsonArray{"a"}),
+            QJsonValue(1.5),
+            QJsonValue("a"),
+            QJsonValue(QJsonObject{{"a", 1}}),
             NestedLists(64),
         };
         for (const auto &value : values)
@@ -117,6 +124,9 @@ private Q_SLOTS:
         QTest::newRow("pointer") << Bytes("00000027000000000000000000");
         QTest::newRow("type of this process") << Bytes("000004010000000000");
         QTest::newRow("easing curve") << Bytes("0000001d000000007fcdd6f1964000");
+        QTest::newRow("json") << QByteArray(Bytes("0000002e0000000005") + "{\"a\":");
+        QTest::newRow("deep json") << Bytes("0000002f0000100000") + QByteArray(2048, '[')
+                + QByteArray(2048, ']');
         QTest::newRow("65 levels") << SerializeValue(NestedLists(65));
         QTest::newRow("200,000 levels") << Bytes("000000090000000001").repeated(200000);
         QTest::newRow("200,000 variants") << Bytes("0000002900").repeated(200000);
@@ -152,6 +162,25 @@ private Q_SLOTS:
                 QCOMPARE(DeserializeValue(bytes).isValid(), isLegal);
             }
         }
+    }
+
+    void theLastOfTheValuesOfAKeyCounts()
+    {
+        const QByteArray pairs = Bytes("0000000002"
+                                       "000000020061"
+                                       "000000020000000001"
+                                       "000000020061"
+                                       "000000020000000002");
+        QCOMPARE(DeserializeValue(Bytes("00000008") + pairs), QVariant(QVariantMap{{"a", 2}}));
+        QCOMPARE(DeserializeValue(Bytes("0000001c") + pairs), QVariant(QVariantHash{{"a", 2}}));
+        QMultiMap<QString, QVariant> several{{"a", 1}};
+        several.insert("a", 2);
+        QCOMPARE(SerializeValue(QVariantMap(several)), SerializeValue(QVariantMap{{"a", 2}}));
+        const QByteArray json("{\"b\":\"x\",\"a\":[1],\"a\":{\"c\":1,\"c\":2}}");
+        QCOMPARE(DeserializeValue(Bytes("0000002e00000000") + char(json.size()) + json).toJsonObject(),
+                 (QJsonObject{{"a", QJsonObject{{"c", 2}}}, {"b", "x"}}));
+        QCOMPARE(ParseRemoteMessage("{\"path\":\"a\",\"command\":\"init\",\"path\":\"b\"}").path,
+                 QString("b"));
     }
 
     void messagesToTheLetter()
