@@ -84,10 +84,12 @@ RemoteSubtree ParseRemoteSubtree(const QString &text)
 {
     RemoteSubtree subtree;
     const QByteArray invalid = SerializeValue({});
+    qint64 left = MaximumSerialized;
     const bool read = Shared::Conversion::ReadFlatJson(text, [&](const FlatMember &member) {
         if (member.isInner)
             return;
-        const QByteArray serialized = DecodeSerialized(member.text);
+        const QByteArray serialized = DecodeSerialized(member.text, left);
+        left -= serialized.size();
         subtree.insert(member.key, isNothing(serialized) ? invalid : serialized);
     });
     return read ? subtree : RemoteSubtree();

@@ -38,7 +38,7 @@ QString ComposeRemoteMessage(const RemoteMessage &message);
 using RemoteSubtree = QMap<QString, QByteArray>;
 
 /*! The JSON text that carries \a subtree, and back; what is no object reads as an empty subtree. A value that
- * is damaged reads as that of an invalid one. */
+ * is damaged, or no longer within what all of them may have together, reads as that of an invalid one. */
 QString ComposeRemoteSubtree(const RemoteSubtree &subtree);
 RemoteSubtree ParseRemoteSubtree(const QString &text);
 

@@ -25,6 +25,7 @@ void RemoteUpdateQueue::add(const QString &key, const QString &path, const Remot
         updates.path = path;
         updates.values.enqueue(value);
         ++pending;
+        pendingBytes += value.bytes.size();
         if (updates.values.size() > 1)
             return;
     }
@@ -44,7 +45,7 @@ bool RemoteUpdateQueue::takeEcho(const QString &key, const QByteArray &bytes)
 void RemoteUpdateQueue::waitForAtMost(int values)
 {
     const QMutexLocker locker(&mutex);
-    while (pending > values)
+    while (pending > values || pendingBytes > MaximumSerialized)
         fewer.wait(&mutex);
 }
 
@@ -80,7 +81,7 @@ std::optional<RemoteUpdateQueue::Update> RemoteUpdateQueue::next(const QString &
 {
     const QMutexLocker locker(&mutex);
     const auto updates = table.find(key);
-    updates->values.dequeue();
+    pendingBytes -= updates->values.dequeue().bytes.size();
     updates->isEchoed = false;
     --pending;
     fewer.wakeAll();

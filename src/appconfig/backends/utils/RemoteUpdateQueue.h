@@ -37,8 +37,8 @@ public:
     void add(const QString &key, const QString &path, const RemoteValue &value);
     /*! Whether the update of \a key that is under way brings \a bytes; true once for each. */
     bool takeEcho(const QString &key, const QByteArray &bytes);
-    /*! Waits until at most \a values are not set yet. Ends since each task does, at the latest by the stop of
-     * the repository, after which none starts. */
+    /*! Waits until at most \a values are not set yet, and little of their bytes. Ends since each task does,
+     * at the latest by the stop of the repository, after which none starts. */
     void waitForAtMost(int values);
 
 private:
@@ -62,6 +62,7 @@ private:
     QWaitCondition fewer;
     QHash<QString, Updates> table;
     int pending = 0; // values in the table
+    qint64 pendingBytes = 0;
 };
 
 } // namespace Tessellum::AppConfig::Backends::utils

@@ -21,7 +21,6 @@ using Shared::Conversion::StreamFields;
 namespace {
 
 constexpr int MaximumDepth = 64;
-constexpr qint64 MaximumSerialized = 64 * 1024 * 1024;
 /*! A value is at least its type and its null flag, a text or an array at least its length. */
 constexpr int ValueSize = 5;
 constexpr int LengthSize = 4;
@@ -356,9 +355,9 @@ QString EncodeSerialized(const QByteArray &serialized)
     return Shared::Conversion::ToHexText(qCompress(serialized));
 }
 
-QByteArray DecodeSerialized(const QString &encoded)
+QByteArray DecodeSerialized(const QString &encoded, qint64 limit)
 {
-    return Shared::Conversion::UncompressBounded(Shared::Conversion::FromHexText(encoded), MaximumSerialized);
+    return Shared::Conversion::UncompressBounded(Shared::Conversion::FromHexText(encoded), limit);
 }
 
 } // namespace Tessellum::AppConfig::Backends::utils

@@ -25,7 +25,10 @@ QVariant DeserializeValue(const QByteArray &serialized);
 /*! Compressed and in lower-case hexadecimal: what stands in a message. */
 QString EncodeSerialized(const QByteArray &serialized);
 
-/*! The bytes behind \a encoded; null if it is odd or damaged or announces more than 64 MiB. */
-QByteArray DecodeSerialized(const QString &encoded);
+/*! The most serialized bytes that one value, or all values of one subtree, may have. */
+inline constexpr qint64 MaximumSerialized = 64 * 1024 * 1024;
+
+/*! The bytes behind \a encoded; null if it is odd or damaged or announces more than \a limit. */
+QByteArray DecodeSerialized(const QString &encoded, qint64 limit = MaximumSerialized);
 
 } // namespace Tessellum::AppConfig::Backends::utils

@@ -253,6 +253,12 @@ private Q_SLOTS:
         QCOMPARE(ParseRemoteSubtree("{\"a\":\"zz\",\"b\":7}"),
                  (RemoteSubtree{{"a", SerializeValue({})}, {"b", SerializeValue({})}}));
         QVERIFY(ParseRemoteSubtree("{\"a\":\"\"").isEmpty());
+        // Three values of 30 MiB, of which a peer may have two.
+        const QString large = EncodeSerialized(SerializeValue(QByteArray(30 << 20, 'x')));
+        const auto read
+            = ParseRemoteSubtree("{\"a\":\"" + large + "\",\"b\":\"" + large + "\",\"c\":\"" + large + "\"}");
+        QVERIFY(read["a"].size() > 30 << 20 && read["b"].size() > 30 << 20);
+        QCOMPARE(read["c"], SerializeValue({}));
     }
 };
 
