@@ -219,8 +219,9 @@ void RemoteStorageClient::queueFrame(const Frame &frame)
         socket->close(QWebSocketProtocol::CloseCodeTooMuchData);
         return;
     }
-    if (step) {
-        post([weak = weak_from_this(), step] {
+    const auto runner = step ? getWorker() : nullptr;
+    if (runner) {
+        runner->post([weak = weak_from_this(), step] {
             if (const auto client = weak.lock())
                 client->takeFrames();
         });

@@ -58,7 +58,6 @@ struct RemoteStorageConnection
     bool supportsBinaryData = false;
 
     bool isSending = false;
-    qint64 queuedBytes = 0; /*!< Of received frames that wait for the worker. */
     bool toldOfDrops = false;
     int answers = 0; /*!< That are being rendered. */
     QList<RemoteStorageFrame> held; /*!< What came meanwhile, which the answer must not overtake. */

@@ -78,26 +78,13 @@ void RemoteStorageConnections::noteWritten(const QString &uuid, qint64 bytes)
     });
 }
 
-RemoteStorageConnections::Arrival RemoteStorageConnections::noteArrival(const QString &uuid, qint64 size,
-                                                                        qint64 limit)
+bool RemoteStorageConnections::noteDrop(const QString &uuid)
 {
-    Arrival arrival = Arrival::NoPeer;
-    change(uuid, [&arrival, size, limit](RemoteStorageConnection &connection) {
-        const qint64 cost = size + FrameOverhead;
-        if (connection.queuedBytes > 0 && connection.queuedBytes + cost > limit) {
-            arrival = std::exchange(connection.toldOfDrops, true) ? Arrival::Dropped : Arrival::DroppedFirst;
-            return;
-        }
-        connection.queuedBytes += cost;
-        arrival = Arrival::Queued;
+    bool isFirst = false;
+    change(uuid, [&isFirst](RemoteStorageConnection &connection) {
+        isFirst = !std::exchange(connection.toldOfDrops, true);
     });
-    return arrival;
-}
-
-void RemoteStorageConnections::noteWorkedOff(const QString &uuid, qint64 size)
-{
-    change(uuid,
-           [size](RemoteStorageConnection &connection) { connection.queuedBytes -= size + FrameOverhead; });
+    return isFirst;
 }
 
 std::optional<RemoteStorageConnections::Peer> RemoteStorageConnections::beginAnswer(const QString &uuid)

@@ -37,11 +37,8 @@ public:
     void endDelivery(const QString &uuid, qint64 sent);
     void noteWritten(const QString &uuid, qint64 bytes);
 
-    enum class Arrival { Queued, Dropped, DroppedFirst, NoPeer };
-    /*! Whether a received frame of \a size bytes may wait, of which a peer may have \a limit. A single one
-     * may always. The size is given back by noteWorkedOff(). */
-    Arrival noteArrival(const QString &uuid, qint64 size, qint64 limit);
-    void noteWorkedOff(const QString &uuid, qint64 size);
+    /*! A received frame was dropped; whether it is the first one of this peer. */
+    bool noteDrop(const QString &uuid);
 
     struct Peer
     {

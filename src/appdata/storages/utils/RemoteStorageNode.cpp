@@ -215,13 +215,12 @@ qint64 RemoteStorageNode::getLimit(qint64 preset) const
     return limit > 0 ? limit : preset;
 }
 
-bool RemoteStorageNode::post(const std::function<void()> &step)
+std::shared_ptr<Notification::utils::FrameWorker> RemoteStorageNode::getWorker()
 {
-    if (worker && worker->post(step))
-        return true;
     // The node of an application's own storage outlives a run of the repository.
-    worker = AppData::utils::RepositoryProvider::getInstance()->getFrameWorkers().make();
-    return worker && worker->post(step);
+    if (!worker || worker->hasEnded())
+        worker = AppData::utils::RepositoryProvider::getInstance()->getFrameWorkers().make();
+    return worker;
 }
 
 } // namespace Tessellum::AppData::Storages::utils

@@ -10,7 +10,6 @@
 #include <QStringList>
 #include <QUrl>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -103,9 +102,9 @@ protected:
     QString getQueryItem(const QString &key) const;
     /*! The item "limit" of the query in bytes; \a preset where it is missing or no positive number. */
     qint64 getLimit(qint64 preset) const;
-    /*! Lets the node's worker do \a step after what was posted before; false while the repository is stopped.
-     * For the event thread alone. */
-    bool post(const std::function<void()> &step);
+    /*! Does what frames ask for; another one in each run of the repository, null while that is stopped. For
+     * the event thread alone. */
+    std::shared_ptr<Notification::utils::FrameWorker> getWorker();
 
 private:
     QString id;

@@ -196,26 +196,27 @@ void RemoteStorageServer::onBinaryMessageReceived(const QString &connectionUuid,
 
 void RemoteStorageServer::receive(const QString &connectionUuid, const RemoteStorageFrame &frame)
 {
-    const qint64 size = SizeOf(frame);
-    if (size == 0)
+    if (SizeOf(frame) == 0)
         return; // no message, and not worth a step
-    const auto arrival = connections.noteArrival(connectionUuid, size, limit);
-    if (arrival == RemoteStorageConnections::Arrival::DroppedFirst) {
+    const auto step = [weak = weak_from_this(), connectionUuid, frame] {
+        if (const auto self = weak.lock())
+            self->takeFrame(connectionUuid, frame);
+    };
+    const qint64 size = SizeOf(frame) + FrameOverhead;
+    auto added = frames ? frames->add(connectionUuid, size, step) : Frames::Added::Ended;
+    if (added == Frames::Added::Ended) {
+        const auto runner = getWorker();
+        if (!runner)
+            return;
+        // Text takes two bytes a character here, and the largest message must be able to wait.
+        frames = std::make_shared<Frames>(runner, 2 * limit + FrameOverhead);
+        added = frames->add(connectionUuid, size, step);
+    }
+    if (added == Frames::Added::Full && connections.noteDrop(connectionUuid)) {
         FrameworkLog().warning()
             << "RemoteStorageServer::receive() drops messages of a peer that sends faster "
                "than they are worked off";
     }
-    if (arrival != RemoteStorageConnections::Arrival::Queued)
-        return;
-    // Goes with the step, also where that is dropped.
-    const std::shared_ptr<void> arrived(nullptr, [weak = weak_from_this(), connectionUuid, size](void *) {
-        if (const auto self = weak.lock())
-            self->connections.noteWorkedOff(connectionUuid, size);
-    });
-    post([weak = weak_from_this(), connectionUuid, frame, arrived] {
-        if (const auto self = weak.lock())
-            self->takeFrame(connectionUuid, frame);
-    });
 }
 
 void RemoteStorageServer::takeFrame(const QString &connectionUuid, const RemoteStorageFrame &frame)
@@ -293,6 +294,9 @@ void RemoteStorageServer::emitFrame(const QString &connectionUuid, const RemoteS
 
 void RemoteStorageServer::onSocketDisconnected(const QString &connectionUuid)
 {
+    // What it sent and nobody has looked at goes with it: peers that come and go would pile it up.
+    if (frames)
+        frames->drop(connectionUuid);
     const RemoteStorageConnection connection = connections.take(connectionUuid);
     if (connection.socket) {
         connection.socket->disconnect(this);

@@ -5,6 +5,7 @@
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/storages/utils/RemoteStorageSource.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
+#include <notification/utils/FrameQueue.h>
 #include <notification/utils/WebSocketListener.h>
 
 #include <atomic>
@@ -69,11 +70,14 @@ private:
     void push(RemoteStorageCommand command, const QString &path, const RemoteStorageSource::Payload &payload);
     void emitFrame(const QString &connectionUuid, const RemoteStorageFrame &frame);
 
+    using Frames = Notification::utils::FrameQueue<QString>;
+
     const int port;
     const qint64 limit;
     Notification::utils::WebSocketListener *server = nullptr; // a child
     std::atomic<bool> listening{false};
     std::unique_ptr<AppConfig::utils::ShownAttribute> shownPort;
+    std::shared_ptr<Frames> frames; // of the peers, for this run of the repository
     RemoteStorageMirror mirror; // for the worker alone
     RemoteStorageConnections connections;
 };

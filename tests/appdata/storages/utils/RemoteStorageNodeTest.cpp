@@ -44,7 +44,6 @@ private Q_SLOTS:
     void aLimitIsAPositiveNumber();
     void bytesOnTheirWayBoundWhatAPeerGets();
     void whatComesDuringAnAnswerWaitsBehindIt();
-    void aPeerThatSendsTooFastLosesFrames();
 };
 
 void RemoteStorageNodeTest::elementsStayWithTheirEntryInTheOrderOfArrival()
@@ -144,20 +143,6 @@ void RemoteStorageNodeTest::whatComesDuringAnAnswerWaitsBehindIt()
     for (int frame = 0; frame < 10; ++frame)
         QVERIFY(peers.hold("p", QByteArray(1 << 20, 'x')));
     QCOMPARE(peers.takeHeld("p").size(), 2);
-}
-
-void RemoteStorageNodeTest::aPeerThatSendsTooFastLosesFrames()
-{
-    using Arrival = RemoteStorageConnections::Arrival;
-    RemoteStorageConnections peers;
-    QVERIFY(peers.noteArrival("p", 1, 1000) == Arrival::NoPeer);
-    peers.add("p", nullptr, "address");
-    QVERIFY(peers.noteArrival("p", 5000, 1000) == Arrival::Queued); // one may always
-    QVERIFY(peers.noteArrival("p", 1, 1000) == Arrival::DroppedFirst);
-    QVERIFY(peers.noteArrival("p", 1, 1000) == Arrival::Dropped);
-    peers.noteWorkedOff("p", 5000);
-    QVERIFY(peers.noteArrival("p", 1, 1000) == Arrival::Queued);
-    QVERIFY(peers.noteArrival("p", 1, 1000) == Arrival::Queued);
 }
 
 QTEST_GUILESS_MAIN(RemoteStorageNodeTest)
