@@ -7,6 +7,7 @@
 #include <core/Library.h>
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -15,6 +16,7 @@
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
+#include <optional>
 #include <plugins/support/LoadedStorages.h>
 #include <plugins/support/PostgresServer.h>
 #include <plugins/support/StorageRecords.h>
@@ -78,6 +80,14 @@ private:
     int number = 0;
 };
 
+double residentBytes()
+{
+    QFile pages(QStringLiteral("/proc/self/statm"));
+    pages.open(QIODevice::ReadOnly);
+    constexpr int resident = 1, pageSize = 4096;
+    return pages.readAll().split(' ').value(resident).toDouble() * pageSize;
+}
+
 QByteArray bytesOf(double value)
 {
     return QByteArray(reinterpret_cast<const char *>(&value), sizeof value);
@@ -104,44 +114,105 @@ void record(benchmark::State &state, bool postgresql)
     state.counters["aim"] = wantedRatio;
 }
 
-/*! By addDataElementValue(), without waiting for each. */
-void recordByLibrary(benchmark::State &state, bool postgresql)
+/*! A storage in the running library with one entry, both of which go with it. */
+class RecordedEntry
 {
-    Place &place = Place::instance();
-    const auto repository = getCoreInterface()->getAppDataRepository();
-    const QString name = QStringLiteral("archive");
-    for (auto _ : state) {
-        state.PauseTiming();
+public:
+    RecordedEntry(bool postgresql, quint64 capacity)
+        : medium(Place::instance().makeStorage(postgresql))
+        , repository(getCoreInterface()->getAppDataRepository()) // which the place has started
+    {
         Storages::StorageCreateDataDetails details;
-        details.implementation = place.makeStorage(postgresql);
+        details.implementation = medium;
         repository->getStorageInterface()->addStorage(QStringLiteral("bench"), name, details,
                                                       CreatePoint::Done, name);
-        const auto entry = repository->getDataEntryInterface()->addDataEntryExtended(
+        entry = repository->getDataEntryInterface()->addDataEntryExtended(
             name,
             {{Property::Classification(), QStringLiteral("bench")},
              {Property::Name(), QStringLiteral("values")},
              {Property::CategoryType(), quint32(CategoryType::Float)},
              {Property::Persistence(), quint32(PersistenceType::Persistent)},
-             {Property::Capacity(), quint64(0)}});
-        if (!entry) {
+             {Property::Capacity(), capacity}});
+    }
+    ~RecordedEntry() { repository->getStorageInterface()->removeStorage(name); }
+    RecordedEntry(const RecordedEntry &) = delete;
+    RecordedEntry &operator=(const RecordedEntry &) = delete;
+
+    bool isThere() const { return entry != nullptr; }
+    quint64 count() const { return entry->getQueryInterface()->countElements(ActivationMask::All); }
+    void add(qint64 number, const CreatePoint &point = CreatePoint::All)
+    {
+        const auto manipulation = entry->getManipulationInterface();
+        for (qint64 i = 0; i < number; ++i)
+            manipulation->addDataElementValue(quint64(i), ElementValueKind::ParsedValue, double(i), point);
+    }
+    /*! Ends when all is on the medium. */
+    void flush() { medium->disconnectStorage(); }
+
+private:
+    const QString name = QStringLiteral("archive");
+    const std::shared_ptr<StorageImplementation> medium;
+    const std::shared_ptr<Interfaces::RepositoryInterface> repository;
+    std::shared_ptr<Interfaces::DataEntryInterface> entry;
+};
+
+/*! By addDataElementValue(), without waiting for each. */
+void recordByLibrary(benchmark::State &state, bool postgresql)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::optional<RecordedEntry> recorded(std::in_place, postgresql, 0);
+        if (!recorded->isThere()) {
             state.SkipWithError("the entry is not made");
             break;
         }
         state.ResumeTiming();
-        const auto manipulation = entry->getManipulationInterface();
-        for (qint64 i = 0; i < state.range(0); ++i)
-            manipulation->addDataElementValue(quint64(i), ElementValueKind::ParsedValue, double(i),
-                                              CreatePoint::All);
-        while (entry->getQueryInterface()->countElements(ActivationMask::All) < quint64(state.range(0)))
+        recorded->add(state.range(0));
+        while (recorded->count() < quint64(state.range(0)))
             QThread::msleep(100); // counting costs more the more there are
-        details.implementation->disconnectStorage();
+        recorded->flush();
         state.PauseTiming();
-        repository->getStorageInterface()->removeStorage(name);
+        recorded.reset();
         state.ResumeTiming();
     }
     state.counters["items"] = double(state.range(0));
     state.counters["aim"] = wantedRatio;
 }
+
+/*! No faster than the values are taken: a queue that grows is no growth of the ring. */
+void addInGroups(RecordedEntry &recorded, qint64 number)
+{
+    for (qint64 done = 0; done < number; done += groupSize) {
+        recorded.add(groupSize - 1);
+        recorded.add(1, CreatePoint::Done);
+    }
+}
+
+/*! A full ring on a medium: the bytes are the growth of the resident memory for each overwrite, and have to
+ * be none. */
+void OverwriteRingSqlite(benchmark::State &state)
+{
+    constexpr int capacity = 10000;
+    constexpr int warmUp = 20 * capacity;
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::optional<RecordedEntry> recorded(std::in_place, false, capacity);
+        if (!recorded->isThere()) {
+            state.SkipWithError("the entry is not made");
+            break;
+        }
+        addInGroups(*recorded, warmUp);
+        const double before = residentBytes();
+        state.ResumeTiming();
+        addInGroups(*recorded, state.range(0));
+        state.PauseTiming();
+        state.counters["bytes"] = (residentBytes() - before) / double(state.range(0));
+        recorded.reset();
+        state.ResumeTiming();
+    }
+    state.counters["items"] = double(state.range(0));
+}
+BENCHMARK(OverwriteRingSqlite)->Arg(1000000)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 /*! The rows, with stamp and value alone. */
 void insertRows(benchmark::State &state, QSqlDatabase &database, const QString &table)
