@@ -51,7 +51,7 @@ RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &storage
     : RemoteStorageNode(IdOf(url), url)
     , AppDataRepositoryEventThreadUser(this)
     , limit(getLimit(DefaultLimit))
-    , mirror(*this, storageName)
+    , mirror(*this, storageName, limit)
 {
     connect(this, &RemoteStorageClient::requestInitialization, this,
             &RemoteStorageClient::onInitializationRequested);

@@ -37,7 +37,7 @@ class RemoteStorageClient : public RemoteStorageNode,
 
 public:
     /*! The items of the query: "id" names this client, "path" the storage of the server, "limit" (bytes, 256
-     * MiB without it) bounds a received message and what waits to be worked off. */
+     * MiB without it) bounds a received message, what waits to be worked off, and the copy itself. */
     RemoteStorageClient(const QUrl &url, const QString &storageName);
     ~RemoteStorageClient() override;
 

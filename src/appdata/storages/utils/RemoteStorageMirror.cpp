@@ -7,6 +7,7 @@
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/PoolWait.h>
+#include <shared/logging/FrameworkLog.h>
 #include <shared/synchronization/ScopedLock.h>
 
 #include <QUuid>
@@ -24,12 +25,14 @@ using Notification::CreateObserver;
 using Notification::CreatePoint;
 using Notification::UpdatePoint;
 using Notification::utils::WaitForTask;
+using Shared::Logging::FrameworkLog;
 using Shared::Synchronization::ScopedLock;
 
 namespace {
 
 /*! The most changes that are on their way at once. */
 constexpr std::size_t MostUnderWay = 1024;
+constexpr int FewCopies = 1024; // for which nobody looks how many are gone
 
 Notification::ThreadPool &Pool()
 {
@@ -83,9 +86,11 @@ bool Differs(const Element &element, const RemoteStorageNode::ElementValues &val
 
 } // namespace
 
-RemoteStorageMirror::RemoteStorageMirror(RemoteStorageNode &ownNode, const QString &nameOfStorage)
+RemoteStorageMirror::RemoteStorageMirror(RemoteStorageNode &ownNode, const QString &nameOfStorage,
+                                         qint64 mostBytes)
     : node(ownNode)
     , storageName(nameOfStorage)
+    , copies(ownNode, mostBytes)
 { }
 
 RemoteStorageMirror::~RemoteStorageMirror() = default;
@@ -116,7 +121,7 @@ void RemoteStorageMirror::take(const RemoteStorageMessage &message, RemoteStorag
             node.replaceMap(*map);
         return;
     case RemoteStorageCommand::Unknown:
-        break;
+        return;
     }
 }
 
@@ -129,7 +134,8 @@ void RemoteStorageMirror::flush()
 void RemoteStorageMirror::takeContents(const RemoteStorageMessage &message, RemoteStorageMode mode)
 {
     flush();
-    forgetGoneTargets();
+    forgetGoneCopies();
+    toldOfBound = false;
     const auto documents = DecodeContents(message.data, mode);
     for (const auto &[remoteEntry, document] : documents) {
         const auto contents = DecodeEntryDocument(document, mode);
@@ -139,17 +145,25 @@ void RemoteStorageMirror::takeContents(const RemoteStorageMessage &message, Remo
         for (const auto &[remote, values] : contents->elements) {
             if (!Pool().isRunning())
                 return;
-            const ElementPtr element = findElement(entry, remote);
-            if (!element) {
-                addElement(entry, remote, values);
-                continue;
-            }
-            node.storeElement(entry->getId(), element->getId(), values);
-            if (Differs(*element, values))
-                changeElement(entry, element, values);
+            takeElementOfContents(entry, remote, values);
         }
     }
     flush();
+}
+
+void RemoteStorageMirror::takeElementOfContents(const EntryPtr &entry, const QString &remote,
+                                                ElementValues values)
+{
+    const ElementPtr element = findElement(entry, remote);
+    if (!element)
+        return addElement(entry, remote, values);
+    complete(entry, element, values);
+    if (!copies.change(element->getId(), values))
+        return tellOfBound();
+    // The cache was cleared for this connection, the tree was not.
+    node.storeElement(entry->getId(), element->getId(), values);
+    if (Differs(*element, values))
+        changeElement(entry, element, values);
 }
 
 void RemoteStorageMirror::takeElement(const QStringList &path, const ElementValues &values, bool mayCreate)
@@ -172,13 +186,15 @@ RemoteStorageMirror::EntryPtr RemoteStorageMirror::putEntry(const QString &remot
     if (remote.isEmpty())
         return nullptr;
     record.storageName = storageName;
+    // Whatever it is at the peer: any other entry would be made outside the storage, or not at all.
     record.persistence = PersistenceType::Persistent;
     if (const EntryPtr entry = findEntry(remote)) {
         node.storeEntry(entry->getId(), record);
         return entry;
     }
     const auto provider = RepositoryProvider::getInstance()->getDataEntryProvider();
-    if (!provider)
+    const qint64 cost = RemoteStorageCopies::CostOf(remote, record);
+    if (!provider || !makeRoom(cost))
         return nullptr;
     const auto created = std::dynamic_pointer_cast<Entry>(provider->addDataEntryExtended(
         storageName,
@@ -189,47 +205,54 @@ RemoteStorageMirror::EntryPtr RemoteStorageMirror::putEntry(const QString &remot
          {Property::Persistence(), static_cast<quint32>(record.persistence)},
          {Property::Capacity(), record.capacity}}));
     if (created)
-        node.setMapping(remote, created->getId());
+        copies.put(remote, created->getId(), cost);
     return created;
 }
 
 void RemoteStorageMirror::deleteEntry(const QString &remote)
 {
     flush();
-    const EntryPtr entry = findEntry(remote);
+    const QString local = node.mapPath(remote);
     const auto provider = RepositoryProvider::getInstance()->getDataEntryProvider();
-    if (!provider)
+    if (!provider || local.isEmpty())
         return;
-    if (entry) {
-        goneMappings += 1 + int(entry->getNumberOfChildren());
-        provider->removeDataEntry(entry->getId());
-    } else if (const QString local = node.mapPath(remote); !local.isEmpty()) {
+    if (const EntryPtr entry = findEntry(remote)) {
+        const auto elements = entry->getChildren(false);
+        provider->removeDataEntry(local);
+        for (const auto &element : elements)
+            copies.drop(element->getId());
+    } else {
         // An entry that is not attached is on the storage alone.
         provider->removeDataEntryFromStorage(storageName, local);
     }
-    node.removeMapping(remote);
-    // Not each time: the map may be large.
-    if (goneMappings > node.getMap().size() / 2)
-        forgetGoneTargets();
+    copies.drop(local);
 }
 
-void RemoteStorageMirror::forgetGoneTargets()
+/*! What was removed here, and not by the peer. */
+void RemoteStorageMirror::forgetGoneCopies()
 {
-    goneMappings = 0;
-    QSet<QString> living;
-    if (const auto place = storage()) {
-        const auto entries = place->getChildren(false);
-        for (const auto &entry : entries) {
-            living.insert(entry->getId());
-            const auto elements = entry->getChildren(false);
-            for (const auto &element : elements)
-                living.insert(element->getId());
-        }
-    }
-    QHash<QString, QString> map = node.getMap();
-    for (auto mapping = map.begin(); mapping != map.end();)
-        mapping = living.contains(*mapping) ? std::next(mapping) : map.erase(mapping);
-    node.replaceMap(map);
+    copies.forgetGone(storage());
+    copiesToLook = 2 * copies.size() + FewCopies;
+}
+
+/*! Whether the peer may have something more kept. */
+bool RemoteStorageMirror::makeRoom(qint64 cost)
+{
+    const bool hasRoom = copies.hasRoom(cost);
+    if ((hasRoom && copies.size() < copiesToLook) || (!hasRoom && toldOfBound))
+        return hasRoom;
+    flush();
+    forgetGoneCopies();
+    if (!copies.hasRoom(cost))
+        tellOfBound();
+    return copies.hasRoom(cost);
+}
+
+void RemoteStorageMirror::tellOfBound()
+{
+    if (!std::exchange(toldOfBound, true))
+        FrameworkLog().warning()
+            << "RemoteStorageMirror::tellOfBound() a peer tells more than may be kept in " << storageName;
 }
 
 std::shared_ptr<Storage> RemoteStorageMirror::storage()
@@ -265,6 +288,9 @@ void RemoteStorageMirror::addElement(const EntryPtr &entry, const QString &remot
     if (creates >= MostUnderWay)
         flushCreates();
     FillUp(values);
+    const qint64 cost = RemoteStorageCopies::CostOf(remote, values);
+    if (!makeRoom(cost))
+        return;
     const auto info = std::make_shared<ElementInfo>();
     info->uuid = QUuid::createUuid().toString();
     values.setInfo(info);
@@ -273,7 +299,7 @@ void RemoteStorageMirror::addElement(const EntryPtr &entry, const QString &remot
     batch.elements.emplace_back(remote, values);
     ++creates;
     pending.insert(info->uuid);
-    node.setMapping(remote, info->uuid);
+    copies.put(remote, info->uuid, cost);
 }
 
 void RemoteStorageMirror::changeElement(const EntryPtr &entry, const ElementPtr &element,
@@ -282,6 +308,8 @@ void RemoteStorageMirror::changeElement(const EntryPtr &entry, const ElementPtr 
     if (updates.size() >= MostUnderWay)
         flushUpdates();
     complete(entry, element, values);
+    if (!copies.change(element->getId(), values))
+        return tellOfBound();
     if (const auto observer
         = Pool().startUpdateTask(element, QVariant::fromValue(values), UpdatePoint::Done)) {
         updates.push_back(observer);
@@ -318,6 +346,8 @@ void RemoteStorageMirror::flushCreates()
     }
     for (const auto &create : started)
         WaitForTask(Pool(), create);
+    for (const Batch &batch : qAsConst(batches))
+        dropFailed(batch);
     batches.clear();
     creates = 0;
     if (updates.empty())
@@ -337,15 +367,23 @@ void RemoteStorageMirror::createEach(const Batch &batch)
         create.getActive(active);
         const QString local
             = values->addDataElementValue(timestamp, ElementValueKind::RawData, raw, CreatePoint::Done);
-        if (local.isEmpty()) {
-            node.removeMapping(remote);
+        if (local.isEmpty())
             continue;
-        }
-        node.setMapping(remote, local);
+        copies.put(remote, local, RemoteStorageCopies::CostOf(remote, create));
         const auto element
             = active ? nullptr : std::dynamic_pointer_cast<Element>(batch.entry->getChildById(local));
         if (element)
             element->getManipulationInterface()->setActive(false, UpdatePoint::Done);
+    }
+}
+
+/*! Names of what was not created would lead nowhere. */
+void RemoteStorageMirror::dropFailed(const Batch &batch)
+{
+    for (const auto &element : batch.elements) {
+        const QString uuid = element.second.getInfo()->uuid;
+        if (!batch.entry->hasChild(uuid))
+            copies.drop(uuid);
     }
 }
 

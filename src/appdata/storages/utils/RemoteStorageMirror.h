@@ -1,6 +1,7 @@
 #pragma once
 
 #include <appdata/data/entries/Entry.h>
+#include <appdata/storages/utils/RemoteStorageCopies.h>
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <notification/Observer.h>
 
@@ -29,7 +30,8 @@ namespace Tessellum::AppData::Storages::utils {
  * before everything is done, and flush() does the rest and waits for it.
  *
  * The map of the node leads from the peer's uuids to those here. What it leads to and what is alive is
- * changed and never created a second time. Nothing outside the storage is touched, whatever a peer sends.
+ * changed and never created a second time. Nothing outside the storage is touched, whatever a peer sends,
+ * and what has no room is dropped, with a line for the first of it.
  *
  * Threads: one at a time, never the event thread: it waits for tasks. Those end with the repository's stop,
  * after which messages are dropped.
@@ -37,8 +39,9 @@ namespace Tessellum::AppData::Storages::utils {
 class RemoteStorageMirror
 {
 public:
-    /*! \a node outlives the mirror; new entries go into the storage \a nameOfStorage. */
-    RemoteStorageMirror(RemoteStorageNode &node, const QString &nameOfStorage);
+    /*! \a node outlives the mirror; new entries go into the storage \a nameOfStorage. \a mostBytes bounds
+     * what the peers may have kept there. */
+    RemoteStorageMirror(RemoteStorageNode &node, const QString &nameOfStorage, qint64 mostBytes);
     ~RemoteStorageMirror();
     Q_DISABLE_COPY_MOVE(RemoteStorageMirror)
 
@@ -64,28 +67,34 @@ private:
     void takeElement(const QStringList &path, const ElementValues &values, bool mayCreate);
     EntryPtr putEntry(const QString &remote, EntryRecord record);
     void deleteEntry(const QString &remote);
-    void forgetGoneTargets();
+    void forgetGoneCopies();
+    bool makeRoom(qint64 cost);
+    void tellOfBound();
 
     std::shared_ptr<Storage> storage();
     EntryPtr findEntry(const QString &remote);
     ElementPtr findElement(const EntryPtr &entry, const QString &remote);
 
     void addElement(const EntryPtr &entry, const QString &remote, ElementValues values);
+    void takeElementOfContents(const EntryPtr &entry, const QString &remote, ElementValues values);
     void changeElement(const EntryPtr &entry, const ElementPtr &element, ElementValues values);
     void complete(const EntryPtr &entry, const ElementPtr &element, ElementValues &values) const;
     void flushCreates();
     void flushUpdates();
     void createEach(const Batch &batch);
+    void dropFailed(const Batch &batch);
 
     RemoteStorageNode &node;
     const QString storageName;
     std::weak_ptr<Storage> knownStorage;
+    RemoteStorageCopies copies;
+    int copiesToLook = 0; // with more of them it is time to look which are gone
+    bool toldOfBound = false; // since the last contents
 
     QHash<QString, Batch> batches; // by the entries' uuids here
     std::size_t creates = 0; // in all batches
     QSet<QString> pending; // the uuids here of elements with a create or an update on its way
     std::vector<std::shared_ptr<Notification::UpdateObserver>> updates;
-    int goneMappings = 0; // about as many lead nowhere since the last look
 };
 
 } // namespace Tessellum::AppData::Storages::utils

@@ -35,7 +35,7 @@ RemoteStorageServer::RemoteStorageServer(const QString &storageName, const QUrl 
     , AppDataRepositoryEventThreadUser(this)
     , port(serverUrl.port(-1))
     , limit(getLimit(defaultLimit))
-    , mirror(*this, storageName)
+    , mirror(*this, storageName, limit)
 {
     connect(this, &RemoteStorageServer::requestInitialization, this,
             &RemoteStorageServer::onInitializationRequested);

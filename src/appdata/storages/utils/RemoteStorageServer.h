@@ -31,7 +31,8 @@ class RemoteStorageServer : public RemoteStorageNode,
 
 public:
     /*! The items of the query: "bind" is the address to listen on, all addresses without it; "limit" (bytes,
-     * 64 MiB without it) bounds a received message and what waits of one peer. Port 0 takes a free one. */
+     * 64 MiB without it) bounds a received message, what waits of one peer, and what all peers may have kept
+     * here. Port 0 takes a free one. */
     RemoteStorageServer(const QString &storageName, const QUrl &url);
     ~RemoteStorageServer() override;
 

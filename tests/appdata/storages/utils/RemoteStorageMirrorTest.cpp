@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <support/LogCapture.h>
 #include <thread>
 #include <tuple>
 
@@ -21,6 +22,7 @@ using Tessellum::Notification::UpdatePoint;
 using Tessellum::Notification::utils::MakeEventThreadObject;
 using Tessellum::Notification::utils::MakeNode;
 using TestSupport::CacheNode;
+using TestSupport::LogCapture;
 using TestSupport::RunningDataRepository;
 using TestSupport::SourceStorage;
 using Values = Data::Elements::ElementUpdateData;
@@ -162,7 +164,7 @@ private Q_SLOTS:
                                         CreatePoint::Done)));
         mirrored = Tessellum::AppData::utils::FindStorage("mirror");
         QVERIFY(mirrored);
-        mirror = std::make_unique<RemoteStorageMirror>(*node, "mirror");
+        mirror = std::make_unique<RemoteStorageMirror>(*node, "mirror", 1 << 20);
     }
     void cleanup()
     {
@@ -180,6 +182,7 @@ private Q_SLOTS:
     void anotherConnectionCreatesNothingTwice();
     void theNewestOfManyChangesHolds();
     void aFullEntryOverwritesItsOldest();
+    void aPeerFillsNoMemory();
     void whatIsNotMirroredIsOutOfReach();
     void aStopEndsWhatIsOnItsWay();
 };
@@ -309,6 +312,38 @@ void RemoteStorageMirrorTest::aFullEntryOverwritesItsOldest()
         send(entry->getId() + QStringLiteral(".more%1").arg(number), RemoteStorageCommand::CreateElement,
              EncodeElement(values(quint64(number + 10), number), source->mode));
     QCOMPARE(copyOf(entry->getId())->getNumberOfChildren(), quint64(3));
+    QCOMPARE(node->getMap().size(), 1 + 3); // a name for each copy, however many came
+}
+
+void RemoteStorageMirrorTest::aPeerFillsNoMemory()
+{
+    mirror = std::make_unique<RemoteStorageMirror>(*node, "mirror", 4096);
+    const QVariant document = EncodeElement(values(5, 2.5), source->mode);
+    const LogCapture log;
+    for (const QString entry : {"e", "f"}) {
+        send(entry, RemoteStorageCommand::CreateEntry,
+             EncodeEntryInfo(run->record(entry, "served"), source->mode));
+        for (int element = 0; element < 40; ++element)
+            send(entry + '.' + entry + QString::number(element), RemoteStorageCommand::CreateElement,
+                 document);
+        const auto kept = int(copyOf(entry)->getNumberOfChildren());
+        QVERIFY(kept > 8 && kept < 16);
+        Values large;
+        large.setRawData(QByteArray(4096, 'x'));
+        send(entry + '.' + entry + '0', RemoteStorageCommand::UpdateElement,
+             EncodeElement(large, source->mode));
+        QCOMPARE(numberOf(copyOf(entry, entry + '0')), 2.5);
+        QCOMPARE(node->getMap().size(), 1 + kept);
+        send(entry, RemoteStorageCommand::DeleteEntry, QVariant());
+        QVERIFY(node->getMap().isEmpty());
+    }
+    QCOMPARE(log.lines().filter("RemoteStorageMirror::tellOfBound()").size(), 1);
+    // What comes to nothing keeps no name.
+    auto record = run->record("odd", "served");
+    record.category = {CategoryType::Custom, QStringLiteral("nobody's")};
+    send("g", RemoteStorageCommand::CreateEntry, EncodeEntryInfo(record, source->mode));
+    send("g.one", RemoteStorageCommand::CreateElement, document);
+    QVERIFY(node->mapPath("one").isEmpty());
 }
 
 void RemoteStorageMirrorTest::whatIsNotMirroredIsOutOfReach()
