@@ -1,3 +1,4 @@
+#include <notification/utils/ClientSocketGuard.h>
 #include <notification/utils/WebSocketListener.h>
 #include <shared/foundation/platform/Descriptors.h>
 #include <shared/logging/FrameworkLog.h>
@@ -7,6 +8,7 @@
 #include <QTimer>
 #include <QWebSocket>
 
+#include <memory>
 #include <utility>
 
 namespace Tessellum::Notification::utils {
@@ -109,6 +111,7 @@ void WebSocketListener::endHandshakes()
         finish(*socket);
         socket->setMaxAllowedIncomingMessageSize(quint64(limit));
         socket->setMaxAllowedIncomingFrameSize(quint64(limit));
+        std::make_unique<ClientSocketGuard>(socket, limit).release(); // a child
         Q_EMIT connected(socket);
     }
 }

@@ -1,3 +1,4 @@
+#include <notification/utils/ClientSocketGuard.h>
 #include <notification/utils/SendWithoutDelay.h>
 #include <notification/utils/WebSocketListener.h>
 
@@ -9,6 +10,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+using Tessellum::Notification::utils::ClientSocketGuard;
 using Tessellum::Notification::utils::SendWithoutDelay;
 using Tessellum::Notification::utils::WebSocketListener;
 
@@ -30,6 +32,8 @@ private Q_SLOTS:
     void nothingIsLeftOfPeersThatHaveGone();
     void anEndTakesWhoeverIsThere();
     void aReserveOfDescriptorsIsKept();
+    void aPeerThatTakesNothingIsClosed_data();
+    void aPeerThatTakesNothingIsClosed();
     void aTakenPortIsTold();
     void neitherEndHoldsMessagesBack();
 };
@@ -155,6 +159,58 @@ void WebSocketListenerTest::neitherEndHoldsMessagesBack()
         delete accepted;
         QTRY_COMPARE(peer.state(), QAbstractSocket::UnconnectedState);
     }
+}
+
+void WebSocketListenerTest::aPeerThatTakesNothingIsClosed_data()
+{
+    QTest::addColumn<bool>("asks");
+    QTest::newRow("answers to its pings") << true;
+    QTest::newRow("a message") << false;
+}
+
+void WebSocketListenerTest::aPeerThatTakesNothingIsClosed()
+{
+    QFETCH(bool, asks);
+    const TestSupport::LogCapture log;
+    QWebSocketServer server("test", QWebSocketServer::NonSecureMode);
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    std::vector<std::unique_ptr<QWebSocket>> accepted;
+    connect(&server, &QWebSocketServer::newConnection, this, [&] {
+        accepted.emplace_back(server.nextPendingConnection());
+        new ClientSocketGuard(accepted.back().get(), 1000, asks ? 60000 : 300);
+        if (!asks)
+            accepted.back()->sendBinaryMessage(QByteArray(50 << 20, 'm'));
+    });
+
+    // One that reads is not.
+    QWebSocket healthy;
+    int heard = 0;
+    connect(&healthy, &QWebSocket::binaryMessageReceived, this, [&heard] { ++heard; });
+    connect(&healthy, &QWebSocket::pong, this, [&heard] { ++heard; });
+    healthy.open(QUrl(QStringLiteral("ws://127.0.0.1:%1").arg(server.serverPort())));
+    QTRY_COMPARE(healthy.state(), QAbstractSocket::ConnectedState);
+    for (int ping = 0; asks && ping < 1000; ++ping)
+        healthy.ping("hello");
+    QTRY_COMPARE_WITH_TIMEOUT(heard, asks ? 1000 : 1, 20000);
+
+    QTcpSocket deaf;
+    deaf.setReadBufferSize(1);
+    deaf.connectToHost(QHostAddress(QHostAddress::LocalHost), server.serverPort());
+    deaf.write("GET / HTTP/1.1\r\nHost: a\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+               "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+    QTRY_COMPARE(accepted.size(), std::size_t(2));
+    const QByteArray ping = QByteArray("\x89\xfd").append(4, '\0') + QByteArray(125, 'p');
+    const auto isTold
+        = [&log] { return log.lines().filter("ClientSocketGuard::close() peer=127.0.0.1:").size(); };
+    for (int i = 0; asks && !isTold() && i < 10000; ++i) {
+        deaf.write(ping.repeated(1000));
+        QTest::qWait(0);
+    }
+    QTRY_COMPARE(isTold(), 1);
+    QCOMPARE(accepted[1]->closeCode(), QWebSocketProtocol::CloseCodeTooMuchData);
+    if (!asks) // it is cut then
+        QTRY_COMPARE(accepted[1]->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(accepted[0]->state(), QAbstractSocket::ConnectedState);
 }
 
 QTEST_GUILESS_MAIN(WebSocketListenerTest)

@@ -20,8 +20,6 @@ namespace {
 constexpr qint64 DefaultLimit = 64 * 1024 * 1024;
 constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
 constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
-constexpr int StalledMilliseconds = 10000;
-constexpr int CheckMilliseconds = 1000;
 
 QString StatusPath(const char *parent, const QString &id)
 {
@@ -101,9 +99,7 @@ void RemoteBackendServer::onStart()
     if (listener)
         return;
     listener = std::make_unique<WebSocketListener>(settings.limit, nullptr);
-    progressTimer = std::make_unique<QTimer>();
     connect(listener.get(), &WebSocketListener::connected, this, &RemoteBackendServer::addConnection);
-    connect(progressTimer.get(), &QTimer::timeout, this, &RemoteBackendServer::checkProgress);
     const quint16 port = listen() ? listener->getPort() : 0;
     shownPort = std::make_unique<ShownAttribute>(StatusPath("remote_server_ports", name), int(port));
 }
@@ -125,13 +121,9 @@ void RemoteBackendServer::addConnection(QWebSocket *socket)
     connection.socket = socket;
     connection.source = makeSource(number);
     connection.waitingBytes = std::make_shared<std::atomic<qint64>>(0);
-    connection.progress.start();
     connect(socket, &QWebSocket::textMessageReceived, this,
             [this, number](const QString &frame) { onTextMessageReceived(number, frame); });
-    connect(socket, &QWebSocket::bytesWritten, this, [this, number] {
-        if (Connection *const found = find(number); found && !found->isClosing)
-            found->progress.start();
-    });
+    connect(socket, &QWebSocket::aboutToClose, this, [this, number] { onSocketClosing(number); });
     connect(socket, &QWebSocket::disconnected, this, [this, number] { onSocketDisconnected(number); });
     if (socket->state() == QAbstractSocket::UnconnectedState)
         onSocketDisconnected(number);
@@ -220,46 +212,23 @@ void RemoteBackendServer::sendTextMessage(quint64 number, const QString &frame)
         closeOverfull(*connection, "unsent bytes");
         return;
     }
-    if (socket.bytesToWrite() == 0)
-        connection->progress.start();
     socket.sendTextMessage(frame);
-    if (!progressTimer->isActive())
-        progressTimer->start(CheckMilliseconds);
 }
 
 void RemoteBackendServer::closeOverfull(Connection &connection, const char *reason)
 {
     FrameworkLog().warning() << "RemoteBackendServer::closeOverfull() id=" << name
                              << " status_path=" << connection.statusPath << " reason=" << reason;
-    connection.isClosing = true;
-    connection.progress.start();
-    dropOnWorker({std::move(connection.source)});
-    if (!progressTimer->isActive())
-        progressTimer->start(CheckMilliseconds);
     connection.socket->close(QWebSocketProtocol::CloseCodeTooMuchData); // may end the connection at once
 }
 
-void RemoteBackendServer::checkProgress()
+/*! The end may take a while, in which nothing is done for the peer any more. */
+void RemoteBackendServer::onSocketClosing(quint64 number)
 {
-    std::vector<quint64> stalled;
-    bool isNeeded = false;
-    for (const auto &[number, connection] : connections) {
-        const bool isWatched = connection.isClosing || connection.socket->bytesToWrite() > 0;
-        isNeeded = isNeeded || isWatched;
-        if (isWatched && connection.progress.hasExpired(StalledMilliseconds))
-            stalled.push_back(number);
-    }
-    if (!isNeeded)
-        progressTimer->stop();
-    for (const quint64 number : stalled) {
-        Connection *const connection = find(number);
-        if (!connection)
-            continue;
-        if (connection->isClosing)
-            connection->socket->abort();
-        else
-            closeOverfull(*connection, "unsent bytes do not go");
-    }
+    Connection *const connection = find(number);
+    if (!connection || std::exchange(connection->isClosing, true))
+        return;
+    dropOnWorker({std::move(connection->source)});
 }
 
 /*! The end of a source waits for its running handlers, which the event thread must not. */

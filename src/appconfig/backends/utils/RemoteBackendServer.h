@@ -6,9 +6,7 @@
 #include <notification/utils/WebSocketListener.h>
 #include <shared/synchronization/SharedLockable.h>
 
-#include <QElapsedTimer>
 #include <QHostAddress>
-#include <QTimer>
 #include <QUrl>
 #include <QWebSocket>
 
@@ -26,8 +24,8 @@ namespace Tessellum::AppConfig::Backends::utils {
  * id, if updates may create attributes. Both go with what they show.
  *
  * A connection is closed (1009) by a frame over the limit, by unsent bytes over the limit when a further
- * frame is due, by ten seconds in which none of them went, and by more received frames than memory should
- * hold.
+ * frame is due, and by more received frames than memory should hold. The listener closes those that do not
+ * take what they are sent.
  *
  * Made by Make(); lives and dies on the event thread, where all its members but the worker are used, so its
  * lock guards nothing. A connection is known by a running number alone.
@@ -69,7 +67,6 @@ private:
         std::shared_ptr<std::atomic<qint64>> waitingBytes; // received and not yet worked on
         std::unique_ptr<AppConfig::utils::ShownAttribute> status;
         QString statusPath;
-        QElapsedTimer progress; // since unsent bytes went, or it was closed
         bool isClosing = false;
     };
 
@@ -79,10 +76,10 @@ private:
     std::shared_ptr<RemoteSubtreeSource> makeSource(quint64 number);
     void onTextMessageReceived(quint64 number, const QString &frame);
     void onClientNamed(quint64 number, const QString &id);
+    void onSocketClosing(quint64 number);
     void onSocketDisconnected(quint64 number);
     void sendTextMessage(quint64 number, const QString &frame);
     void closeOverfull(Connection &connection, const char *reason);
-    void checkProgress();
     void dropOnWorker(std::vector<std::shared_ptr<RemoteSubtreeSource>> &&sources);
     Connection *find(quint64 number);
 
@@ -90,7 +87,6 @@ private:
     const Settings settings;
     std::shared_ptr<Notification::utils::FrameWorker> worker;
     std::unique_ptr<Notification::utils::WebSocketListener> listener;
-    std::unique_ptr<QTimer> progressTimer;
     std::map<quint64, Connection> connections;
     quint64 lastNumber = 0;
     std::unique_ptr<AppConfig::utils::ShownAttribute> shownPort;
