@@ -10,8 +10,11 @@ using Elements::Element;
 void PointRingAtOldest(Entry &entry)
 {
     const quint64 capacity = entry.getCapacity();
+    // Most entries are no full ring, and a copy of their elements for each few that come costs the square.
+    if (capacity == 0 || entry.getNumberOfChildren() < capacity)
+        return;
     const auto children = entry.getChildren(false);
-    if (capacity == 0 || quint64(children.size()) < capacity)
+    if (quint64(children.size()) < capacity)
         return;
     // Elements behind the capacity are out of the ring's reach.
     const auto end = children.cbegin() + int(capacity);
