@@ -50,13 +50,13 @@ constexpr RemoteStorageDelivery JudgeDelivery(qint64 elapsed, qint64 bytesInFlig
 struct RemoteStorageConnection
 {
     QPointer<QWebSocket> socket; /*!< For the event thread alone. */
-    QString address; /*!< Of the peer. */
     std::weak_ptr<Storage> storage; /*!< What it asked for; a shared one would keep its own server alive. */
     QElapsedTimer elapsedTimer;
     qint64 bytesInFlight = 0; /*!< Negative only while a message is being sent. */
     QString clientId;
     bool supportsBinaryData = false;
 
+    QString address; /*!< Of the peer. */
     bool isSending = false;
     bool toldOfDrops = false;
     int answers = 0; /*!< That are being rendered. */

@@ -33,18 +33,6 @@ RemoteStorageNode::RemoteStorageNode(const QString &nodeId, const QUrl &nodeUrl)
 
 RemoteStorageNode::~RemoteStorageNode() = default;
 
-QString RemoteStorageNode::getId() const
-{
-    const QMutexLocker locker(&mutex);
-    return id;
-}
-
-void RemoteStorageNode::setId(const QString &newId)
-{
-    const QMutexLocker locker(&mutex);
-    id = newId;
-}
-
 void RemoteStorageNode::storeEntry(const QString &path, const EntryRecord &info)
 {
     const QMutexLocker locker(&mutex);

@@ -20,7 +20,7 @@ namespace Tessellum::AppData::Storages::utils {
  * uuids, and the map from the peer's uuids to the local ones.
  *
  * Threads: any, for all members but the slots of the classes that derive. Made by MakeEventThreadObject(), so
- * that it dies on the event thread. The mutex guards id, map and cache; nothing is called while it is held.
+ * that it dies on the event thread. The mutex guards map and cache; nothing is called while it is held.
  */
 class RemoteStorageNode : public QObject
 {
@@ -54,8 +54,7 @@ public:
     /*! False for an unknown entry. */
     virtual bool removeEntry(const QString &path) = 0;
 
-    QString getId() const;
-    void setId(const QString &newId);
+    QString getId() const { return id; }
     QUrl getUrl() const { return location; }
 
     /*! The elements of an entry that is there stay. */
@@ -107,7 +106,7 @@ protected:
     std::shared_ptr<Notification::utils::FrameWorker> getWorker();
 
 private:
-    QString id;
+    const QString id;
     mutable QMutex mutex;
     QHash<QString, QString> map;
     QHash<QString, CachedEntry> entries;

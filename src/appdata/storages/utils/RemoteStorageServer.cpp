@@ -54,7 +54,7 @@ RemoteStorageServer::~RemoteStorageServer()
         return;
     listening = false;
     server->disconnect(this);
-    dropConnections();
+    onServerClosed();
     delete server;
 }
 
@@ -304,7 +304,7 @@ void RemoteStorageServer::onSocketDisconnected(const QString &connectionUuid)
     }
 }
 
-void RemoteStorageServer::dropConnections()
+void RemoteStorageServer::onServerClosed()
 {
     const QStringList uuids = connections.keys();
     for (const QString &uuid : uuids)

@@ -58,10 +58,11 @@ public Q_SLOTS:
     void onBinaryMessageReceived(const QString &connectionUuid, const QByteArray &message);
     void onSocketDisconnected(const QString &connectionUuid);
     void onBytesWritten(const QString &connectionUuid, qint64 bytes);
+    /*! The listener has ended: all connections end. */
+    void onServerClosed();
 
 private:
     void listen();
-    void dropConnections();
     template <class Send>
     void deliver(const QString &connectionUuid, const Send &send);
     void receive(const QString &connectionUuid, const RemoteStorageFrame &frame);

@@ -126,6 +126,7 @@ void RemoteStorageSourceTest::whatTheMediumCannotReadIsLeftOut()
     const auto entry = DecodeEntryDocument(documents.value(0).second, RemoteStorageMode::Text);
     QVERIFY(entry);
     QCOMPARE(entry->elements.size(), 2);
+    QVERIFY(!storage->hasChild("e")); // nothing was attached for it
 }
 
 void RemoteStorageSourceTest::aChangeIsRenderedInTheModesThatAreNeeded()
