@@ -63,17 +63,29 @@ public:
         return postNext() ? Added::Queued : Added::Ended;
     }
 
-    /*! Drops what waits of a peer that has gone; its running step goes on. */
+    /*! Drops what waits of a peer; its running step goes on. */
     void drop(const Peer &peer)
     {
         Lane dropped;
         const QMutexLocker locker(&mutex);
+        takeLocked(peer, dropped);
+    }
+
+    /*! For a peer that has gone: what waits is still done, but for that of a peer by which all that have gone
+     * would have more waiting than one may. */
+    void leave(const Peer &peer)
+    {
+        Lane dropped;
+        const QMutexLocker locker(&mutex);
         const auto lane = lanes.find(peer);
-        if (lane == lanes.end())
+        if (lane == lanes.end() || lane->second.hasLeft)
             return;
-        dropped = std::move(lane->second);
-        lanes.erase(lane);
-        turns.erase(std::find(turns.begin(), turns.end(), peer));
+        if (lane->second.bytes > limit - leftBytes) {
+            takeLocked(peer, dropped);
+            return;
+        }
+        lane->second.hasLeft = true;
+        leftBytes += lane->second.bytes;
     }
 
 private:
@@ -86,7 +98,20 @@ private:
     {
         std::deque<Frame> frames; // never empty in the table
         qint64 bytes = 0;
+        bool hasLeft = false;
     };
+
+    void takeLocked(const Peer &peer, Lane &taken)
+    {
+        const auto lane = lanes.find(peer);
+        if (lane == lanes.end())
+            return;
+        taken = std::move(lane->second);
+        if (taken.hasLeft)
+            leftBytes -= taken.bytes;
+        lanes.erase(lane);
+        turns.erase(std::find(turns.begin(), turns.end(), peer));
+    }
 
     qint64 waitingLocked(const Peer &peer) const
     {
@@ -112,6 +137,7 @@ private:
         const QMutexLocker locker(&mutex);
         dropped.swap(lanes);
         turns.clear();
+        leftBytes = 0;
         isPosted = false;
     }
 
@@ -136,6 +162,8 @@ private:
             Frame frame = std::move(lane->second.frames.front());
             lane->second.frames.pop_front();
             lane->second.bytes -= frame.bytes;
+            if (lane->second.hasLeft)
+                leftBytes -= frame.bytes;
             step = std::move(frame.step);
             if (lane->second.frames.empty())
                 lanes.erase(lane);
@@ -152,6 +180,7 @@ private:
     QMutex mutex;
     std::map<Peer, Lane> lanes;
     std::deque<Peer> turns; // of those in the table
+    qint64 leftBytes = 0; // of the peers that have gone
     bool isPosted = false;
 };
 

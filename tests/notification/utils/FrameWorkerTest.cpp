@@ -148,14 +148,17 @@ void FrameWorkerTest::everyPeerHasItsTurn()
     for (int i = 0; i < 10; ++i)
         QCOMPARE(add("a", 100, "a" + QString::number(i)), Queue::Added::Queued);
     QCOMPARE(add("a", 1, "full"), Queue::Added::Full);
-    QCOMPARE(add("gone", 1, "gone"), Queue::Added::Queued);
+    for (const auto *peer : {"dropped", "left", "left too"})
+        QCOMPARE(add(peer, 600, peer), Queue::Added::Queued);
     QCOMPARE(add("b", 1000, "b0"), Queue::Added::Queued);
-    queue->drop("gone");
+    queue->drop("dropped");
+    queue->leave("left");
+    queue->leave("left too"); // too much together
     QVERIFY(worker->post([&] { order.append("other"); }));
     gate.release();
-    QVERIFY(done.tryAcquire(11, Patience));
-    QCOMPARE(order.mid(0, 5), QStringList({"a0", "other", "b0", "a1", "a2"}));
-    QCOMPARE(order.size(), 12);
+    QVERIFY(done.tryAcquire(12, Patience));
+    QCOMPARE(order.mid(0, 6), QStringList({"a0", "other", "left", "b0", "a1", "a2"}));
+    QCOMPARE(order.size(), 13);
     QCOMPARE(order.last(), QString("a9"));
 
     // Its end and that of the worker drop what waits.

@@ -90,6 +90,7 @@ bool RemoteBackendServer::start()
     worker = RepositoryProvider::getInstance()->getFrameWorkers().make();
     if (!worker)
         return false;
+    frames = std::make_shared<Frames>(worker, 2 * settings.limit + WaitingBytes);
     Q_EMIT startRequested();
     return true;
 }
@@ -120,7 +121,6 @@ void RemoteBackendServer::addConnection(QWebSocket *socket)
     Connection &connection = connections[number];
     connection.socket = socket;
     connection.source = makeSource(number);
-    connection.waitingBytes = std::make_shared<std::atomic<qint64>>(0);
     connect(socket, &QWebSocket::textMessageReceived, this,
             [this, number](const QString &frame) { onTextMessageReceived(number, frame); });
     connect(socket, &QWebSocket::aboutToClose, this, [this, number] { onSocketClosing(number); });
@@ -150,15 +150,12 @@ void RemoteBackendServer::onTextMessageReceived(quint64 number, const QString &f
     if (!connection || connection->isClosing)
         return;
     const qint64 size = frame.size() * qint64(sizeof(QChar)) + FrameBytes;
-    const auto waiting = connection->waitingBytes;
-    if (waiting->fetch_add(size) + size > 2 * settings.limit + WaitingBytes) {
-        closeOverfull(*connection, "received frames");
+    const auto added
+        = frames->add(number, size, [source = connection->source, frame] { source->receive(frame); });
+    if (added != Frames::Added::Full)
         return;
-    }
-    worker->post([source = connection->source, waiting, size, frame] {
-        waiting->fetch_sub(size);
-        source->receive(frame);
-    });
+    frames->drop(number);
+    closeOverfull(*connection, "received frames");
 }
 
 void RemoteBackendServer::onClientNamed(quint64 number, const QString &id)
@@ -192,6 +189,7 @@ void RemoteBackendServer::onSocketDisconnected(quint64 number)
     connections.erase(found);
     connection.socket->disconnect(this);
     connection.socket->deleteLater();
+    frames->leave(number);
     dropOnWorker({std::move(connection.source)});
     if (!connection.statusPath.isEmpty()) {
         FrameworkLog().log() << "RemoteBackendServer::onSocketDisconnected() status_path="
@@ -228,6 +226,7 @@ void RemoteBackendServer::onSocketClosing(quint64 number)
     Connection *const connection = find(number);
     if (!connection || std::exchange(connection->isClosing, true))
         return;
+    frames->leave(number);
     dropOnWorker({std::move(connection->source)});
 }
 
@@ -236,7 +235,7 @@ void RemoteBackendServer::dropOnWorker(std::vector<std::shared_ptr<RemoteSubtree
 {
     // The worker lives until it has done this.
     if (worker)
-        worker->post([dropped = std::move(sources), own = worker] {});
+        worker->post([dropped = std::move(sources), own = worker, queue = frames] {});
 }
 
 RemoteBackendServer::Connection *RemoteBackendServer::find(quint64 number)

@@ -3,6 +3,7 @@
 #include <appconfig/backends/utils/RemoteSubtreeSource.h>
 #include <appconfig/utils/AppConfigRepositoryEventThreadUser.h>
 #include <appconfig/utils/ShownAttribute.h>
+#include <notification/utils/FrameQueue.h>
 #include <notification/utils/WebSocketListener.h>
 #include <shared/synchronization/SharedLockable.h>
 
@@ -10,7 +11,6 @@
 #include <QUrl>
 #include <QWebSocket>
 
-#include <atomic>
 #include <map>
 
 namespace Tessellum::AppConfig::Backends::utils {
@@ -23,9 +23,9 @@ namespace Tessellum::AppConfig::Backends::utils {
  * listen, 0 if it could not; appconfig.backends.remote_server.ID shows the address of the client with that
  * id, if updates may create attributes. Both go with what they show.
  *
- * A connection is closed (1009) by a frame over the limit, by unsent bytes over the limit when a further
- * frame is due, and by more received frames than memory should hold. The listener closes those that do not
- * take what they are sent.
+ * One frame of each connection is worked on in turn. A connection is closed (1009) by a frame over the limit,
+ * by unsent bytes over the limit when a further frame is due, and by more received frames than memory should
+ * hold. The listener closes those that do not take what they are sent.
  *
  * Made by Make(); lives and dies on the event thread, where all its members but the worker are used, so its
  * lock guards nothing. A connection is known by a running number alone.
@@ -60,11 +60,11 @@ Q_SIGNALS:
     void clientNamed(quint64 number, const QString &id);
 
 private:
+    using Frames = Notification::utils::FrameQueue<quint64>;
     struct Connection
     {
         QWebSocket *socket = nullptr; // the table's, given back by deletion
         std::shared_ptr<RemoteSubtreeSource> source;
-        std::shared_ptr<std::atomic<qint64>> waitingBytes; // received and not yet worked on
         std::unique_ptr<AppConfig::utils::ShownAttribute> status;
         QString statusPath;
         bool isClosing = false;
@@ -86,6 +86,7 @@ private:
     const QString name;
     const Settings settings;
     std::shared_ptr<Notification::utils::FrameWorker> worker;
+    std::shared_ptr<Frames> frames;
     std::unique_ptr<Notification::utils::WebSocketListener> listener;
     std::map<quint64, Connection> connections;
     quint64 lastNumber = 0;
