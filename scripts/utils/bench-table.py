@@ -2,8 +2,8 @@
 """Makes one Markdown table of the JSON files that the benchmarks wrote: bench-table.py [--record FILE] FOLDER
 
 A benchmark "Name/arguments" is compared to its floor "Name_Floor/arguments" (or "Name_Floor" where the floor takes
-none), and likewise to "Name_Peer". The counters "items", "aim", "aim_ns", "bytes" and "aim_bytes" are those that
-docs/performance.md tells.
+none), and likewise to "Name_Peer". The counters "items", "aim", "aim_ns", "bytes", "aim_bytes" and those whose
+names end in "_ns" are those that docs/performance.md tells.
 """
 
 import argparse
@@ -24,10 +24,13 @@ class Run:
     def __init__(self, entry):
         # Counters come as the sum over the threads.
         counters = {key: entry[key] / entry["threads"] for key in COUNTERS if key in entry}
-        self.name = entry["run_name"]
+        # How often it ran, and by which clock, is no part of what it is.
+        self.name = re.sub(r"/(iterations:\d+|repeats:\d+|real_time|manual_time)(?=/|$)", "", entry["run_name"])
         self.time = entry["real_time"] * NANOSECONDS[entry["time_unit"]] / counters.get("items", 1)
         self.aim, self.aim_ns = counters.get("aim"), counters.get("aim_ns")
         self.bytes, self.aim_bytes = counters.get("bytes"), counters.get("aim_bytes")
+        times = {key[:-3]: value for key, value in entry.items() if key.endswith("_ns")}
+        self.parts = {key: (time, times.get("aim_" + key)) for key, time in times.items() if not key.startswith("aim")}
 
 
 def load(path):
@@ -50,9 +53,15 @@ def number(value):
     return "" if value is None else f"{value:,.0f}" if value >= 100 else f"{value:.3g}"
 
 
+def time_verdict(time, aim):
+    if aim is None:
+        return "", ""
+    return number(aim) + " ns", "ok" if time <= aim else "over"
+
+
 def verdict(run, ratio):
     if run.aim_ns is not None:
-        return number(run.aim_ns) + " ns", "ok" if run.time <= run.aim_ns else "over"
+        return time_verdict(run.time, run.aim_ns)
     if run.aim is None or ratio is None:
         return "", ""
     return number(run.aim), "ok" if ratio <= run.aim else "over"
@@ -84,6 +93,10 @@ def rows(runs, pinned):
                 number(run.bytes),
                 *memory_verdict(run),
             ]
+        for part, (time, aim) in run.parts.items():
+            alone_time = alone.parts.get(part, (None, None))[0] if alone else None
+            told = [number(time), "", "", *time_verdict(time, aim), number(alone_time)]
+            yield [f"{name} ({part})"] + told + [""] * (len(HEAD) - 1 - len(told))
 
 
 def table(folder):
