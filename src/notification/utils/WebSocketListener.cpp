@@ -90,7 +90,9 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
     const quint16 port = socket->peerPort();
     toldOfPause = false;
     ++alive;
-    connect(socket, &QObject::destroyed, &context, [this] { --alive; });
+    // Qt cuts all connections of a web socket's socket, but not those of its child.
+    const auto child = std::make_unique<QObject>(socket).release();
+    connect(child, &QObject::destroyed, &context, [this] { --alive; });
     socket->setReadBufferSize(limit + headerBytes);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // an answer waits for nothing
     unfinished.insert(port, socket);
