@@ -1,6 +1,7 @@
+#include "support/RemotePeerProcess.h"
+
 #include <core/Library.h>
 
-#include <QProcess>
 #include <QtTest>
 #include <QUrl>
 
@@ -12,40 +13,9 @@ using Notification::UpdatePoint;
 
 namespace {
 
-constexpr int Patience = 60000;
+using Peer = TestSupport::RemotePeerProcess;
+constexpr int Patience = Peer::Patience;
 constexpr int Rounds = 20;
-
-/*! A RemotePeer; it ends with this at the latest. */
-class Peer
-{
-public:
-    explicit Peer(const QStringList &arguments)
-    {
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QStringLiteral(REMOTE_PEER), arguments);
-    }
-    ~Peer() { kill(); }
-    Q_DISABLE_COPY_MOVE(Peer)
-
-    QByteArray readLine()
-    {
-        while (!process.canReadLine() && process.waitForReadyRead(Patience)) { }
-        return process.readLine().trimmed();
-    }
-    void kill()
-    {
-        process.kill();
-        process.waitForFinished();
-    }
-    int finish()
-    {
-        process.closeWriteChannel();
-        return process.waitForFinished(Patience) ? process.exitCode() : -1;
-    }
-
-private:
-    QProcess process;
-};
 
 } // namespace
 
