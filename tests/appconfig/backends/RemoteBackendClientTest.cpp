@@ -108,10 +108,12 @@ private Q_SLOTS:
     {
         QVERIFY(mirror("path=plant&id=a"_s));
         for (int round = 0; round < 5; ++round) {
+            fixture->takeLog(LogMessageType::log);
             fixture->node("net"_s)->setDeleteFlag();
             QTRY_COMPARE_WITH_TIMEOUT(value(Status), QVariant("disconnected"_s), Patience);
             QTRY_VERIFY_WITH_TIMEOUT(!fixture->node(ServerStatus) && !fixture->node(PortPath), Patience);
-            fixture->takeLog(LogMessageType::warning);
+            const QStringList told = fixture->takeLog(LogMessageType::log);
+            QCOMPARE(told.filter("RemoteBackendClient::onDisconnected() id="_s).size(), 1);
             control("connect"_s); // to nobody
             QVERIFY(logs(LogMessageType::warning, "onDisconnected() error: Connection refused"_s));
             const QString name = "plant.n%1"_s.arg(round);

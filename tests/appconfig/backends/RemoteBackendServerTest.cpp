@@ -124,9 +124,11 @@ private Q_SLOTS:
         QVERIFY(first.isConnected() && second->isConnected() && odd.isConnected());
         first.tell(RemoteCommand::Init, "plant"_s, "a"_s);
         second->tell(RemoteCommand::Init, "plant"_s, "a"_s);
-        odd.tell(RemoteCommand::Init, "plant"_s, "a."_s);
+        odd.tell(RemoteCommand::Init, "plant"_s, "a."_s + QString(100000, QLatin1Char('x')));
         QVERIFY(second->hears(RemoteCommand::Init, "plant"_s) && odd.hears(RemoteCommand::Init, "plant"_s));
         QTRY_VERIFY_WITH_TIMEOUT(value(status).toString().contains("127.0.0.1"_s), Patience);
+        const QStringList warnings = fixture->takeLog(Shared::Logging::LogMessageType::warning);
+        QVERIFY(warnings.size() == 1 && warnings.first().size() < 500);
         // What a peer without a proper id leaves takes nothing of others with it.
         odd.socket.abort();
         second.reset();

@@ -5,12 +5,11 @@
 #include <notification/utils/MakeNode.h>
 #include <notification/utils/NotificationProvider.h>
 #include <notification/utils/SendWithoutDelay.h>
+#include <notification/utils/UrlLimit.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QUrlQuery>
 #include <QWebSocket>
-
-#include <optional>
 
 using Shared::Logging::FrameworkLog;
 using Tessellum::AppConfig::Attributes::AttributeAccess;
@@ -34,24 +33,12 @@ QString QueryItem(const QUrl &url, const char *name)
     return QUrlQuery(url).queryItemValue(QString::fromLatin1(name), QUrl::FullyDecoded);
 }
 
-/*! Nothing where it is no number of bytes. */
-std::optional<qint64> LimitOf(const QUrl &url)
-{
-    if (!QUrlQuery(url).hasQueryItem(QStringLiteral("limit")))
-        return DefaultLimit;
-    bool isNumber = false;
-    const qint64 limit = QueryItem(url, "limit").toLongLong(&isNumber);
-    if (!isNumber || limit <= 0)
-        return std::nullopt;
-    return qMin(limit, static_cast<qint64>(QWebSocket::maxIncomingMessageSize()));
-}
-
 } // namespace
 
 RemoteBackendClientPtr RemoteBackendClient::Make(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node,
                                                  const QUrl &url)
 {
-    const auto limit = LimitOf(url);
+    const auto limit = Notification::utils::ReadUrlLimit(url, DefaultLimit);
     if (!limit)
         return nullptr;
     auto client = Notification::utils::MakeEventThreadObject<RemoteBackendClient>(url, *limit);
@@ -201,6 +188,7 @@ void RemoteBackendClient::onInitializationRequested()
 void RemoteBackendClient::makeSocket()
 {
     socket = std::make_unique<QWebSocket>(QString(), QWebSocketProtocol::Version13, this).release();
+    isEndTold = false;
     socket->setMaxAllowedIncomingFrameSize(static_cast<quint64>(limit));
     socket->setMaxAllowedIncomingMessageSize(static_cast<quint64>(limit));
     connect(socket, &QWebSocket::connected, this, &RemoteBackendClient::onConnected);
@@ -239,6 +227,9 @@ void RemoteBackendClient::onConnected()
 
 void RemoteBackendClient::onDisconnected()
 {
+    // Qt tells of most ends twice, as an error and as an end.
+    if (std::exchange(isEndTold, true))
+        return;
     FrameworkLog().log() << "RemoteBackendClient::onDisconnected() id=" << describedUrl();
     endInitialization();
     if (socket->error() != QAbstractSocket::UnknownSocketError) {

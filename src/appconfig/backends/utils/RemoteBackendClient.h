@@ -96,6 +96,7 @@ private:
     Notification::Interfaces::NotificationInterface::HandlePointer control;
     QWebSocket *socket = nullptr; // a child, made on the event thread
     bool isEstablished = false; // as the status says, on the event thread
+    bool isEndTold = false; // of this socket
 };
 
 } // namespace Tessellum::AppConfig::Backends::utils

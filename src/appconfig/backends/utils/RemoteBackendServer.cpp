@@ -2,6 +2,7 @@
 #include <appconfig/InternalSettingsProvider.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/utils/MakeNode.h>
+#include <notification/utils/UrlLimit.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QUrlQuery>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr qint64 DefaultLimit = 64 * 1024 * 1024;
 constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
+constexpr int LongestId = 200; // of a client, in a line and in the tree
 constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
 
 QString StatusPath(const char *parent, const QString &id)
@@ -33,17 +35,6 @@ bool MayCreateStatus()
         QStringLiteral("repository"), QStringLiteral("automatic_create_through_updates"), false);
 }
 
-bool ReadLimit(const QUrlQuery &query, qint64 &limit)
-{
-    limit = DefaultLimit;
-    if (!query.hasQueryItem(QStringLiteral("limit")))
-        return true;
-    bool isNumber = false;
-    const qint64 asked = query.queryItemValue(QStringLiteral("limit")).toLongLong(&isNumber);
-    limit = qMin(asked, static_cast<qint64>(QWebSocket::maxIncomingMessageSize()));
-    return isNumber && limit > 0;
-}
-
 } // namespace
 
 std::shared_ptr<RemoteBackendServer> RemoteBackendServer::Make(const QString &name, const QUrl &url)
@@ -51,10 +42,11 @@ std::shared_ptr<RemoteBackendServer> RemoteBackendServer::Make(const QString &na
     Settings settings;
     const QUrlQuery query(url);
     const QString bind = query.queryItemValue(QStringLiteral("bind"), QUrl::FullyDecoded);
-    if (url.port(-1) < 0 || !ReadLimit(query, settings.limit)
-        || (!bind.isEmpty() && !settings.address.setAddress(bind)))
+    const auto limit = Notification::utils::ReadUrlLimit(url, DefaultLimit);
+    if (url.port(-1) < 0 || !limit || (!bind.isEmpty() && !settings.address.setAddress(bind)))
         return nullptr;
     settings.port = static_cast<quint16>(url.port());
+    settings.limit = *limit;
     return Notification::utils::MakeEventThreadObject<RemoteBackendServer>(name, settings);
 }
 
@@ -165,9 +157,10 @@ void RemoteBackendServer::onClientNamed(quint64 number, const QString &id)
         return;
     connection->status.reset();
     connection->statusPath.clear();
-    if (id.isEmpty() || RepositoryProvider::getInstance()->getPathElementsFromPath(id).size() != 1) {
+    if (id.isEmpty() || id.size() > LongestId
+        || RepositoryProvider::getInstance()->getPathElementsFromPath(id).size() != 1) {
         FrameworkLog().warning() << "RemoteBackendServer::onTextMessageReceived() no status for client id='"
-                                 << id << "'";
+                                 << id.left(LongestId) << "'";
         return;
     }
     connection->statusPath = StatusPath("remote_server", id);

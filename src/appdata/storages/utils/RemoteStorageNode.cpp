@@ -1,5 +1,6 @@
 #include <appdata/storages/utils/RemoteStorageNode.h>
 #include <appdata/utils/RepositoryProvider.h>
+#include <notification/utils/UrlLimit.h>
 #include <shared/hierarchy/HierarchyNode.h>
 #include <shared/hierarchy/HierarchyStringPath.h>
 
@@ -199,8 +200,7 @@ QString RemoteStorageNode::getQueryItem(const QString &key) const
 
 qint64 RemoteStorageNode::getLimit(qint64 preset) const
 {
-    const qint64 limit = getQueryItem(QStringLiteral("limit")).toLongLong();
-    return limit > 0 ? limit : preset;
+    return Notification::utils::ReadUrlLimit(location, preset).value_or(preset);
 }
 
 std::shared_ptr<Notification::utils::FrameWorker> RemoteStorageNode::getWorker()
