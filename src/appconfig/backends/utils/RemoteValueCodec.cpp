@@ -1,5 +1,6 @@
 #include <appconfig/backends/utils/RemoteValueCodec.h>
 #include <shared/conversion/BoundedDecoding.h>
+#include <shared/conversion/Compression.h>
 #include <shared/conversion/JsonText.h>
 
 #include <QCoreApplication>
@@ -352,7 +353,7 @@ QVariant DeserializeValue(const QByteArray &serialized)
 
 QString EncodeSerialized(const QByteArray &serialized)
 {
-    return Shared::Conversion::ToHexText(qCompress(serialized));
+    return Shared::Conversion::ToHexText(Shared::Conversion::Compress(serialized));
 }
 
 QByteArray DecodeSerialized(const QString &encoded, qint64 limit)

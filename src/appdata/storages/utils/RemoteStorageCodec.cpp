@@ -1,6 +1,7 @@
 #include <appdata/DataTypeStrings.h>
 #include <appdata/storages/utils/RemoteStorageCodec.h>
 #include <shared/conversion/BoundedDecoding.h>
+#include <shared/conversion/Compression.h>
 #include <shared/conversion/FlatJson.h>
 
 #include <QDataStream>
@@ -179,7 +180,7 @@ QVariant EncodeEntryInfo(const EntrySerializeInformation &info, RemoteStorageMod
     const QByteArray bytes = writeInfo(info);
     if (mode == RemoteStorageMode::Binary)
         return bytes;
-    return ToHexText(qCompress(bytes, 0));
+    return ToHexText(Shared::Conversion::CompressStored(bytes));
 }
 
 std::optional<EntrySerializeInformation> DecodeEntryInfo(const QVariant &payload, RemoteStorageMode mode)

@@ -1,5 +1,6 @@
 #include <appdata/storages/utils/RemoteStorageMessage.h>
 #include <shared/conversion/BoundedDecoding.h>
+#include <shared/conversion/Compression.h>
 #include <shared/conversion/FlatJson.h>
 
 #include <QDataStream>
@@ -111,9 +112,8 @@ QString EncodeRemoteVariant(const QVariant &value, RemoteStorageMode mode)
     QDataStream stream(&serialized, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_5_15);
     stream << value;
-    constexpr int stored = 0;
-    return Shared::Conversion::ToHexText(mode == RemoteStorageMode::Text ? qCompress(serialized, stored)
-                                                                         : serialized);
+    return Shared::Conversion::ToHexText(
+        mode == RemoteStorageMode::Text ? Shared::Conversion::CompressStored(serialized) : serialized);
 }
 
 QVariant DecodeRemoteVariant(const QString &text, RemoteStorageMode mode)
