@@ -96,8 +96,10 @@ void PushElements_Floor(benchmark::State &state)
     for (auto _ : state) {
         for (int i = 0; i < pushCount; ++i) {
             const QByteArray frame = RemoteFrames::ofElement(paths.at(i), quint64(i), double(i));
-            for (QWebSocket *const socket : peers.sockets)
+            for (QWebSocket *const socket : peers.sockets) {
                 socket->sendBinaryMessage(frame);
+                socket->flush(); // as a server does, whose flow control counts what has been written
+            }
             goOnAfter(i);
         }
         peers.getProcess().readWithEvents();
