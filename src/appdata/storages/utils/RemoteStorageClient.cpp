@@ -37,10 +37,8 @@ QString IdOf(const QUrl &url)
 
 std::unique_ptr<ShownAttribute> AttributesOf(const QString &id)
 {
-    if (!RemoteStorageNode::IsPathElement(id)) {
-        FrameworkLog().warning() << "RemoteStorageClient::initialize() no status attribute for id=" << id;
+    if (!RemoteStorageNode::IsPathElement(id))
         return nullptr;
-    }
     return std::make_unique<ShownAttribute>(Configuration().getPathFromPathElements(
         {QStringLiteral("appdata"), QStringLiteral("storages"), QStringLiteral("remote_clients"), id}));
 }
@@ -51,6 +49,7 @@ RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &storage
     : RemoteStorageNode(IdOf(url), url)
     , AppDataRepositoryEventThreadUser(this)
     , limit(getLimit(DefaultLimit))
+    , attributes(AttributesOf(getId()))
     , mirror(*this, storageName, limit)
 {
     connect(this, &RemoteStorageClient::requestInitialization, this,
@@ -69,10 +68,12 @@ RemoteStorageClient::~RemoteStorageClient()
 bool RemoteStorageClient::initialize()
 {
     FrameworkLog().debug() << "RemoteStorageClient::initialize() id=" << getId();
-    attributes = AttributesOf(getId());
     if (attributes) {
         attributes->showChild(control, QString());
         observeControl();
+    } else {
+        FrameworkLog().warning() << "RemoteStorageClient::initialize() no status attribute for id="
+                                 << getId();
     }
     Q_EMIT requestInitialization();
     return true;

@@ -76,7 +76,7 @@ private:
 
     const qint64 limit;
     std::atomic<bool> supportsBinaryData = true;
-    std::unique_ptr<AppConfig::utils::ShownAttribute> attributes; // null with an id that has none
+    const std::unique_ptr<AppConfig::utils::ShownAttribute> attributes; // null with an id that has none
     Notification::Interfaces::NotificationInterface::HandlePointer controlHandle;
     RemoteStorageMirror mirror;
     QPointer<QWebSocket> socket; // a child
