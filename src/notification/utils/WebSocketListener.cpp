@@ -113,6 +113,7 @@ void WebSocketListener::endHandshakes()
         finish(*socket);
         socket->setMaxAllowedIncomingMessageSize(quint64(limit));
         socket->setMaxAllowedIncomingFrameSize(quint64(limit));
+        socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
         std::make_unique<ClientSocketGuard>(socket, limit).release(); // a child
         Q_EMIT connected(socket);
     }

@@ -104,6 +104,17 @@ private Q_SLOTS:
         QVERIFY(peer.hears(RemoteCommand::Write, "speed"_s));
         QCOMPARE(value("plant.speed"_s), QVariant(7));
 
+        int parts = 0;
+        connect(&peer.socket, &QWebSocket::textFrameReceived, this,
+                [&parts](const QString &, bool isLast) { parts += !isLast; });
+        QByteArray large(2000000, Qt::Uninitialized);
+        for (char &byte : large)
+            byte = char(QRandomGenerator::global()->generate());
+        set("plant.speed"_s, large);
+        while (peer.value() != large)
+            QVERIFY(peer.hears(RemoteCommand::Update, "speed"_s));
+        QCOMPARE(parts, 0); // a message is one frame
+
         // Its end takes the server with it, and the port is free again.
         const int port = value(PortPath).toInt();
         fixture->node("net"_s)->setDeleteFlag();

@@ -191,6 +191,7 @@ void RemoteBackendClient::makeSocket()
     isEndTold = false;
     socket->setMaxAllowedIncomingFrameSize(static_cast<quint64>(limit));
     socket->setMaxAllowedIncomingMessageSize(static_cast<quint64>(limit));
+    socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
     connect(socket, &QWebSocket::connected, this, &RemoteBackendClient::onConnected);
     connect(socket, &QWebSocket::disconnected, this, &RemoteBackendClient::onDisconnected);
     connect(socket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,

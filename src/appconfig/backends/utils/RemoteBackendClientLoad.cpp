@@ -18,6 +18,7 @@ using Attributes::AttributeCreateData;
 namespace {
 
 constexpr int SliceMilliseconds = 20;
+constexpr ulong LongestTimeout = 1000000000; // a deadline counts in nanoseconds
 
 /*! Nothing tells of the stop of the repository, so waits look for it. */
 bool IsRepositoryRunning()
@@ -31,7 +32,7 @@ QDeadlineTimer LimitOf(const QUrl &url)
     const QString key = QStringLiteral("timeout");
     if (!query.hasQueryItem(key))
         return QDeadlineTimer(QDeadlineTimer::Forever);
-    return QDeadlineTimer(static_cast<qint64>(query.queryItemValue(key).toULong()));
+    return QDeadlineTimer(static_cast<qint64>(std::min(query.queryItemValue(key).toULong(), LongestTimeout)));
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include <QTimeZone>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <new>
 
@@ -91,6 +90,8 @@ bool isLoadable(quint32 type)
     case QMetaType::QPen:
     case QMetaType::QPalette:
     case QMetaType::QTextFormat:
+    case QMetaType::QColorSpace:
+    case QMetaType::QRegion: // loops as often as it announces, and nests without end
         return false;
     default:
         break;
@@ -102,13 +103,27 @@ bool isLoadable(quint32 type)
         && application->inherits("QGuiApplication");
 }
 
-/*! Types of Qt that begin with the length of what follows. */
-bool beginsWithLength(quint32 type)
+/*! For types of Qt that begin with a number of items: the bytes of each; 0 for all others. */
+int itemSizeOf(quint32 type)
 {
-    static constexpr std::array types{QMetaType::QUrl,       QMetaType::QLocale,
-                                      QMetaType::QCborValue, QMetaType::QCborArray,
-                                      QMetaType::QCborMap,   QMetaType::QRegularExpression};
-    return std::find(types.begin(), types.end(), type) != types.end();
+    switch (type) {
+    case QMetaType::QBitArray: // counts its bits
+    case QMetaType::QUrl:
+    case QMetaType::QLocale:
+    case QMetaType::QCborValue:
+    case QMetaType::QCborArray:
+    case QMetaType::QCborMap:
+    case QMetaType::QRegularExpression:
+        return 1;
+    case QMetaType::QKeySequence:
+        return 4;
+    case QMetaType::QPolygon:
+        return 8;
+    case QMetaType::QPolygonF:
+        return 16;
+    default:
+        return 0;
+    }
 }
 
 /*! Qt opens the file of a time zone by its id, wherever that leads: no dots, and no way from the root. */
@@ -272,15 +287,18 @@ private:
         return type >= QMetaType::User ? load(type, null) : failed();
     }
 
-    /*! Checks the length in front without going past it. A bit array counts its bits. */
+    /*! Checks the number in front without going past it. */
     bool lengthFits(quint32 type)
     {
-        if (type != QMetaType::QBitArray && !beginsWithLength(type))
+        const int itemSize = itemSizeOf(type);
+        if (itemSize == 0)
             return true;
         const int start = fields.getPosition();
-        const qint64 length = fields.number();
-        const qint64 bytes = type == QMetaType::QBitArray ? (length + 7) / 8 : length;
-        const bool fits = bytes <= fields.getLeft() || (beginsWithLength(type) && length == 0xffffffff);
+        const qint64 items = fields.number();
+        const bool isBits = type == QMetaType::QBitArray;
+        const qint64 bytes = isBits ? (items + 7) / 8 : items * itemSize;
+        const bool isNull = items == 0xffffffff && itemSize == 1 && !isBits;
+        const bool fits = isNull || bytes <= fields.getLeft();
         fields.seek(start);
         return fits;
     }

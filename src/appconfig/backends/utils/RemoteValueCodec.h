@@ -18,8 +18,8 @@ QByteArray SerializeValue(const QVariant &value);
 
 /*! The value of \a serialized; invalid if it is cut, nested deeper than 64 levels, announces more than there
  * is, holds an unknown type or time zone, or the stream reports a fault, or if bytes are left over. Types
- * that no peer may bring (pictures, QEasingCurve, QRegExp) read as invalid too. A user type needs stream
- * operators that bear bad bytes, and time zones that name any file. */
+ * that no peer may bring (pictures, QRegion, QEasingCurve, QRegExp) read as invalid too. A user type needs
+ * stream operators that bear bad bytes, and time zones that name any file. */
 QVariant DeserializeValue(const QByteArray &serialized);
 
 /*! Compressed and in lower-case hexadecimal: what stands in a message. */
