@@ -20,7 +20,7 @@ namespace {
 constexpr int Patience = 60000;
 constexpr int MostPeers = 10000;
 constexpr int OwnDescriptors = 200; // what this process needs beside its silent sockets
-constexpr qint64 MostBytes = 64 * 1024; // of memory for each of them; Qt's buffers are the most of it
+constexpr qint64 MostBytes = 100 * 1024; // of memory for each of them; Qt's buffers are the most of it
 constexpr int Waiting = 40; // that the system holds for the server without letting more wait a second
 const QByteArray Handshake
     = "GET / HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
