@@ -30,11 +30,12 @@ public:
     using Step = std::function<void()>;
     enum class Added {
         Queued,
-        Full, /*!< The peer has more waiting than it may. */
+        Full, /*!< The peer would have more waiting than it may. */
         Ended /*!< The worker takes nothing any more. */
     };
 
-    /*! \a bytesOfPeer: the most that may wait of one peer. */
+    /*! \a bytesOfPeer: the most that may wait of one peer. Where four times as much waits of all together,
+     * each may only have its share of it. */
     FrameQueue(std::shared_ptr<FrameWorker> frameWorker, qint64 bytesOfPeer)
         : worker(std::move(frameWorker))
         , limit(bytesOfPeer)
@@ -50,12 +51,13 @@ public:
         }
         {
             const QMutexLocker locker(&mutex);
-            if (bytes > limit - waitingLocked(peer))
+            if (!fitsLocked(waitingLocked(peer), bytes))
                 return Added::Full;
             Lane &lane = lanes[peer];
             if (lane.frames.empty())
                 turns.push_back(peer);
             lane.bytes += bytes;
+            allBytes += bytes;
             lane.frames.push_back({bytes, std::move(step)});
             if (std::exchange(isPosted, true))
                 return Added::Queued;
@@ -107,6 +109,7 @@ private:
         if (lane == lanes.end())
             return;
         taken = std::move(lane->second);
+        allBytes -= taken.bytes;
         if (taken.hasLeft)
             leftBytes -= taken.bytes;
         lanes.erase(lane);
@@ -117,6 +120,15 @@ private:
     {
         const auto lane = lanes.find(peer);
         return lane == lanes.end() ? 0 : lane->second.bytes;
+    }
+
+    bool fitsLocked(qint64 waiting, qint64 bytes) const
+    {
+        constexpr int peersWithoutShares = 4;
+        if (bytes > limit - waiting)
+            return false;
+        return allBytes + bytes <= peersWithoutShares * limit
+            || waiting + bytes <= limit / static_cast<qint64>(lanes.size());
     }
 
     /*! One frame at a time, so that whatever else the worker has to do comes soon. */
@@ -137,6 +149,7 @@ private:
         const QMutexLocker locker(&mutex);
         dropped.swap(lanes);
         turns.clear();
+        allBytes = 0;
         leftBytes = 0;
         isPosted = false;
     }
@@ -162,6 +175,7 @@ private:
             Frame frame = std::move(lane->second.frames.front());
             lane->second.frames.pop_front();
             lane->second.bytes -= frame.bytes;
+            allBytes -= frame.bytes;
             if (lane->second.hasLeft)
                 leftBytes -= frame.bytes;
             step = std::move(frame.step);
@@ -180,6 +194,7 @@ private:
     QMutex mutex;
     std::map<Peer, Lane> lanes;
     std::deque<Peer> turns; // of those in the table
+    qint64 allBytes = 0;
     qint64 leftBytes = 0; // of the peers that have gone
     bool isPosted = false;
 };

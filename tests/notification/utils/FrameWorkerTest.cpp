@@ -151,6 +151,7 @@ void FrameWorkerTest::everyPeerHasItsTurn()
     for (const auto *peer : {"dropped", "left", "left too"})
         QCOMPARE(add(peer, 600, peer), Queue::Added::Queued);
     QCOMPARE(add("b", 1000, "b0"), Queue::Added::Queued);
+    QCOMPARE(add("c", 300, "c"), Queue::Added::Full); // its share of all that waits is less
     queue->drop("dropped");
     queue->leave("left");
     queue->leave("left too"); // too much together
