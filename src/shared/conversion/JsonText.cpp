@@ -52,20 +52,15 @@ public:
         levels.back().key = textOf(text, length);
         return true;
     }
-    bool StartObject() { return start(); }
-    bool StartArray() { return start(); }
+    bool StartObject() { return start(false); }
+    bool StartArray() { return start(true); }
     bool EndObject(Size)
     {
         return end([](Level &level) { return objectOf(level.members); });
     }
     bool EndArray(Size)
     {
-        return end([](Level &level) {
-            QJsonArray array;
-            for (const auto &member : level.members)
-                array.append(member.second);
-            return array;
-        });
+        return end([](Level &level) { return level.array; });
     }
 
     QJsonDocument document;
@@ -73,8 +68,10 @@ public:
 private:
     struct Level
     {
-        QString key; // of the next member; stays empty in an array
+        bool isArray = false;
+        QString key; // of the next member
         Members members;
+        QJsonArray array;
     };
 
     static QString textOf(const Ch *text, Size length)
@@ -86,13 +83,18 @@ private:
     {
         if (levels.empty())
             return false;
-        levels.back().members.emplace_back(levels.back().key, member);
+        Level &level = levels.back();
+        if (level.isArray)
+            level.array.append(member);
+        else
+            level.members.emplace_back(level.key, member);
         return true;
     }
 
-    bool start()
+    bool start(bool isArray)
     {
         levels.emplace_back();
+        levels.back().isArray = isArray;
         return levels.size() <= utils::MaximumJsonDepth;
     }
 
