@@ -10,6 +10,7 @@
 #include <QWebSocketServer>
 
 #include <support/LogCapture.h>
+#include <thread>
 
 using namespace Tessellum::AppData;
 using namespace Tessellum::AppData::Storages::utils;
@@ -140,6 +141,7 @@ private Q_SLOTS:
         server.reset();
     }
 
+    void theServerIsAskedWhenTheTreeHasTheStorage();
     void theModeIsThatOfTheAnswer();
     void theConnectionObeysTheControlAttribute();
     void anEndLeavesNothing();
@@ -148,6 +150,20 @@ private Q_SLOTS:
     void localChangesStayHere();
     void aStopDoesNotWaitForTheRest();
 };
+
+void RemoteStorageClientTest::theServerIsAskedWhenTheTreeHasTheStorage()
+{
+    QMutex &entering = run->provider().pairMutex(); // the last step of the storage's task takes it
+    entering.lock();
+    std::thread adding([this] { addClient(); });
+    const bool isEarly = QTest::qWaitFor([this] { return server->connections > 0; }, 300);
+    entering.unlock();
+    adding.join();
+    QVERIFY(!isEarly);
+    QTRY_COMPARE(server->received.size(), 1);
+    server->answer({document("e", 1)});
+    QTRY_COMPARE(entries().size(), 1);
+}
 
 void RemoteStorageClientTest::theModeIsThatOfTheAnswer()
 {

@@ -45,9 +45,10 @@ std::unique_ptr<ShownAttribute> AttributesOf(const QString &id)
 
 } // namespace
 
-RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &storageName)
+RemoteStorageClient::RemoteStorageClient(const QUrl &url, const QString &nameOfStorage)
     : RemoteStorageNode(IdOf(url), url)
     , AppDataRepositoryEventThreadUser(this)
+    , storageName(nameOfStorage)
     , limit(getLimit(DefaultLimit))
     , attributes(AttributesOf(getId()))
     , mirror(*this, storageName, limit)
@@ -130,6 +131,8 @@ bool RemoteStorageClient::removeEntry(const QString &path)
 
 void RemoteStorageClient::onInitializationRequested()
 {
+    if (!isStorageEntered(storageName, [this] { onInitializationRequested(); }))
+        return;
     // The map stays: with it the next contents find what is here already.
     clearEntries();
     if (!socket)

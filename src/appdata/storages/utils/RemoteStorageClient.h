@@ -38,7 +38,7 @@ class RemoteStorageClient : public RemoteStorageNode,
 public:
     /*! The items of the query: "id" names this client, "path" the storage of the server, "limit" (bytes, 256
      * MiB without it) bounds a received message, what waits to be worked off, and the copy itself. */
-    RemoteStorageClient(const QUrl &url, const QString &storageName);
+    RemoteStorageClient(const QUrl &url, const QString &nameOfStorage);
     ~RemoteStorageClient() override;
 
     /*! Starts the first connection; true. */
@@ -74,6 +74,7 @@ private:
     void takeFrames();
     void takeFrame(const Frame &frame);
 
+    const QString storageName;
     const qint64 limit;
     std::atomic<bool> supportsBinaryData = true;
     const std::unique_ptr<AppConfig::utils::ShownAttribute> attributes; // null with an id that has none

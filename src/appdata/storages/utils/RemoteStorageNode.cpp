@@ -1,10 +1,12 @@
 #include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/UrlLimit.h>
 #include <shared/hierarchy/HierarchyNode.h>
 #include <shared/hierarchy/HierarchyStringPath.h>
 
 #include <QMutexLocker>
+#include <QTimer>
 #include <QUrlQuery>
 
 namespace Tessellum::AppData::Storages::utils {
@@ -13,6 +15,9 @@ using Shared::Hierarchy::HierarchyNode;
 using Shared::Hierarchy::HierarchyStringPath;
 
 namespace {
+
+constexpr int MostLooks = 200;
+constexpr int LookPause = 5; // milliseconds
 
 RemoteStorageMessage MakeMessage(const QString &path, RemoteStorageCommand command, const QVariant &data,
                                  const QVariantHash &options)
@@ -201,6 +206,18 @@ QString RemoteStorageNode::getQueryItem(const QString &key) const
 qint64 RemoteStorageNode::getLimit(qint64 preset) const
 {
     return Notification::utils::ReadUrlLimit(location, preset).value_or(preset);
+}
+
+bool RemoteStorageNode::isStorageEntered(const QString &storageName, const std::function<void()> &again)
+{
+    if (looksForStorage >= MostLooks)
+        return true;
+    // A storage that an application connects by itself has no place in the tree.
+    looksForStorage = AppData::utils::FindStorage(storageName) ? MostLooks : looksForStorage + 1;
+    if (looksForStorage >= MostLooks)
+        return true;
+    QTimer::singleShot(LookPause, this, again);
+    return false;
 }
 
 std::shared_ptr<Notification::utils::FrameWorker> RemoteStorageNode::getWorker()

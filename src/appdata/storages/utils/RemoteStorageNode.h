@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -101,6 +102,10 @@ protected:
     QString getQueryItem(const QString &key) const;
     /*! The item "limit" of the query in bytes; \a preset where it is missing or no positive number. */
     qint64 getLimit(qint64 preset) const;
+    /*! Whether the tree has the storage that this is the end of, or it was looked for long enough. False
+     * while the task that connects it has not come so far, where a peer could come first and find nothing; \a
+     * again is called a little later then. For the event thread alone. */
+    bool isStorageEntered(const QString &storageName, const std::function<void()> &again);
     /*! Does what frames ask for; another one in each run of the repository, null while that is stopped. For
      * the event thread alone. */
     std::shared_ptr<Notification::utils::FrameWorker> getWorker();
@@ -111,6 +116,7 @@ private:
     QHash<QString, QString> map;
     QHash<QString, CachedEntry> entries;
     const QUrl location;
+    int looksForStorage = 0;
     std::shared_ptr<Notification::utils::FrameWorker> worker;
 };
 

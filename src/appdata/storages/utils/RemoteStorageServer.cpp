@@ -106,7 +106,7 @@ bool RemoteStorageServer::removeEntry(const QString &path)
 
 void RemoteStorageServer::onInitializationRequested()
 {
-    if (server)
+    if (server || !isStorageEntered(getId(), [this] { onInitializationRequested(); }))
         return;
     server = std::make_unique<WebSocketListener>(limit, this).release();
     connect(server, &WebSocketListener::connected, this, &RemoteStorageServer::onNewConnection);
