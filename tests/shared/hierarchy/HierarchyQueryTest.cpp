@@ -5,38 +5,62 @@
 #include <support/Literals.h>
 
 using namespace HierarchyTree;
+using Shared::Hierarchy::HierarchyStringPath;
 
+namespace {
+
+using PathPointer = std::shared_ptr<HierarchyStringPath>;
+
+PathPointer makePath(const PathPointer &parent, const QString &id)
+{
+    return std::make_shared<HierarchyStringPath>(parent, "."_s, id);
+}
+
+} // namespace
+
+/*! Paths, and what is found by them. */
 class HierarchyQueryTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void query_data()
+    void validAndEmpty()
     {
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char *name, const char *pattern, const char *expected) {
-            QTest::newRow(name) << QString::fromLatin1(pattern) << QString::fromLatin1(expected);
-        };
-        row("one node", "a.b", "a.b");
-        row("one node has no subtree", "a", "a");
-        row("no such node", "a.x", "");
-        row("case counts", "A", "");
-        row("empty", "", "");
-        row("everything", "*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d;z[1]");
-        row("all below one", "a.*", "a.b;a.b.d;a.c");
-        row("star in the middle", "*.b.d", "a.b.d;aa.b.d");
-        row("star alone in the middle, named end", "a.*.d", "a.b.d");
-        row("star at the end", "a*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d");
-        row("star in front has no subtree", "*a", "a;aa");
-        row("question mark has a subtree", "?a", "aa;aa.b;aa.e;aa.b.d");
-        row("set of characters has no subtree", "[ab]", "a");
-        row("range in the middle", "a.[a-c].d", "a.b.d");
-        row("bracket that is no set", "z[1]", "");
-        row("separator at the end", "a.", "a");
-        row("separator at the end after a star", "a*.", "a;aa");
-        row("empty element ends the search", "a..b", "a");
-        row("separator in front", ".a", "");
+        for (const char *valid : {"a.b_1", "größe.Ω"})
+            QVERIFY2(HierarchyStringPath::IsValidPath(valid, "."), valid);
+        for (const char *invalid : {"a b", "a\n", "", "a..b", ".a", "a."})
+            QVERIFY2(!HierarchyStringPath::IsValidPath(invalid, "."), invalid);
+        QVERIFY(!HierarchyStringPath::IsEmptyPath({}, ".")); // an empty text is one empty element
+    }
+
+    void elements()
+    {
+        const PathPointer path = makePath(makePath(makePath({}, "a"_s), "b"_s), "c"_s);
+        QCOMPARE(HierarchyStringPath::RemoveBack(*path, 1), "a.b"_s);
+        QCOMPARE(HierarchyStringPath::RemoveFront(*path, 1), "b.c"_s);
+        QVERIFY(path->at(3).isEmpty() && path->at(-1).isEmpty());
+        QString last;
+        QString parent;
+        path->getPathElementsFromPath(last, parent);
+        QCOMPARE(last, "c"_s);
+        QCOMPARE(parent, "a.b"_s);
+        QCOMPARE(path->getPathElementsFromPath("x..y"), QStringList({"x"_s, QString(), "y"_s}));
+        QCOMPARE(makePath(makePath({}, QString()), "a")->getFullPath(), "a"_s);
+    }
+
+    void pathsFollowMoves()
+    {
+        const PathPointer a = makePath({}, "a"_s);
+        const PathPointer b = makePath({}, "b"_s);
+        QCOMPARE(a->getPathVersion(), b->getPathVersion());
+        const PathPointer x = makePath(a, "x"_s);
+        const PathPointer below = makePath(x, "y"_s);
+        QCOMPARE(below->getFullPath(), "a.x.y"_s);
+        x->setPathParent(b);
+        QCOMPARE(below->getFullPath(), "b.x.y"_s);
+        QCOMPARE(x->getFullPath(), "b.x"_s);
+        x->setPathParent({});
+        QCOMPARE(below->getFullPath(), "x.y"_s);
     }
 
     void query()
@@ -44,8 +68,29 @@ private Q_SLOTS:
         const NodePointer root = make();
         for (const char *path : {"a.b.d", "a.c", "aa.b.d", "aa.e", "z[1]"})
             grow(root, QString::fromLatin1(path));
-        QFETCH(QString, pattern);
-        QTEST(pathsOf(root->queryChildren<HierarchyNode>(pattern)).join(QLatin1Char(';')), "expected");
+        const QPair<const char *, const char *> queries[] = {
+            {"a.b", "a.b"},
+            {"a", "a"}, // one node has no subtree
+            {"a.x", ""},
+            {"A", ""},
+            {"", ""},
+            {"*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d;z[1]"},
+            {"a.*", "a.b;a.b.d;a.c"},
+            {"*.b.d", "a.b.d;aa.b.d"},
+            {"a.*.d", "a.b.d"},
+            {"a*", "a;a.b;a.c;a.b.d;aa;aa.b;aa.e;aa.b.d"},
+            {"*a", "a;aa"}, // a star in front has no subtree
+            {"?a", "aa;aa.b;aa.e;aa.b.d"},
+            {"[ab]", "a"},
+            {"a.[a-c].d", "a.b.d"},
+            {"z[1]", ""},
+            {"a.", "a"},
+            {"a*.", "a;aa"},
+            {"a..b", "a"}, // an empty element ends the search
+            {".a", ""},
+        };
+        for (const auto &[pattern, expected] : queries)
+            QCOMPARE(pathsOf(root->queryChildren<HierarchyNode>(pattern)).join(QLatin1Char(';')), expected);
     }
 
     void findsByPath()

@@ -1,7 +1,10 @@
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
+#include <shared/logging/LogMessageEvent.h>
+#include <shared/logging/LogMessageMonitor.h>
 #include <shared/logging/utils/StackTraceSource.h>
 
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <functional>
@@ -248,8 +251,8 @@ private Q_SLOTS:
     {
         const auto levelOf
             = [](const char *text) { return LogLevel::ConvertStringToLogLevel(text).getLogLevel(); };
-        const QStringList names{"VERBOSE", "DEBUG", "LOG", "WARNING", "CRITICAL", "FATAL"};
-        QCOMPARE(LogLevel::GetLogLevelStrings(), names);
+        const QStringList names = LogLevel::GetLogLevelStrings();
+        QCOMPARE(names.join(' '), "VERBOSE DEBUG LOG WARNING CRITICAL FATAL"_s);
         for (int number = 0; number < names.size(); ++number) {
             QCOMPARE(QString(LogLevel(LogMessageType(number))), names.at(number));
             QCOMPARE(levelOf(names.at(number).toLower().toLatin1()), LogMessageType(number));
@@ -258,13 +261,30 @@ private Q_SLOTS:
             QCOMPARE(QString(LogLevel(LogMessageType(unknown))), "UNKNOWN"_s);
         for (const char *text : {"nonsense", "", "UNKNOWN", " LOG"})
             QCOMPARE(levelOf(text), LogMessageType::log);
-        const QPair<QtMsgType, LogMessageType> ofQt[] = {{QtDebugMsg, LogMessageType::debug},
-                                                         {QtWarningMsg, LogMessageType::warning},
-                                                         {QtCriticalMsg, LogMessageType::log},
-                                                         {QtFatalMsg, LogMessageType::fatal},
-                                                         {QtInfoMsg, LogMessageType::verbose}};
-        for (const auto &[type, level] : ofQt)
-            QCOMPARE(LogLevel(type).getLogLevel(), level);
+    }
+
+    void eventsBecomeSignals()
+    {
+        const LogMessageContext context(QString(), -1, QString(), "Test"_s, {7}, {});
+        for (const bool consume : {false, true}) {
+            LogMessageMonitor behind(nullptr, false); // a filter that was installed later is asked earlier
+            LogMessageMonitor monitor(nullptr, consume);
+            QSignalSpy heardBehind(&behind, &LogMessageMonitor::logMessageReceived);
+            QSignalSpy heard(&monitor, &LogMessageMonitor::logMessageReceived);
+            LogMessageEvent event(context, LogMessageType::critical, "text"_s);
+            QCoreApplication::sendEvent(qApp, &event);
+            QCOMPARE(heard.size(), 1);
+            QCOMPARE(heard.first().at(0).toString(), "text"_s);
+            QCOMPARE(heard.first().at(1).value<LogMessageType>(), LogMessageType::critical);
+            QCOMPARE(heard.first().at(2).value<LogMessageContext>().parameters, QList<QVariant>{7});
+            QCOMPARE(heardBehind.size(), consume ? 0 : 1);
+            QEvent imposter(LogMessageEvent::GetType()); // only has the number
+            QCoreApplication::sendEvent(qApp, &imposter);
+            QEvent end(static_cast<QEvent::Type>(1002));
+            QCoreApplication::sendEvent(qApp, &end);
+            QCoreApplication::sendEvent(qApp, &event); // it is deaf now
+            QCOMPARE(heard.size(), 1);
+        }
     }
 
     void threadsLogAtOnce()

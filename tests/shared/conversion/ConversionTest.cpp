@@ -1,0 +1,117 @@
+#include <shared/conversion/DoubleConversion.h>
+#include <shared/conversion/TimeStringConversion.h>
+
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+#include <support/Literals.h>
+#include <support/LogCapture.h>
+
+using Shared::Conversion::ConvertDouble;
+using Shared::Conversion::TimeStringConversion;
+
+namespace {
+
+template <class T>
+void CheckLimits(T lowest, T highest)
+{
+    const int type = qMetaTypeId<T>();
+    const double largest = std::numeric_limits<double>::max();
+    for (double value : {-largest, -HUGE_VAL, double(lowest)}) {
+        QCOMPARE(ConvertDouble(type, value), QVariant::fromValue(lowest));
+        QCOMPARE(ConvertDouble(type, value).userType(), type);
+    }
+    // The highest as a double is the first value beyond the type for the 64 bit types.
+    for (double value : {largest, HUGE_VAL, double(highest)})
+        QCOMPARE(ConvertDouble(type, value), QVariant::fromValue(highest));
+    if (type != QMetaType::Float) {
+        QCOMPARE(ConvertDouble(type, 99.9), QVariant::fromValue(T(99)));
+        QCOMPARE(ConvertDouble(type, -0.9).toInt(), 0);
+    }
+}
+
+} // namespace
+
+/*! Numbers of the types, and durations from texts. */
+class ConversionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void convertsWithinTheLimitsOfTheType()
+    {
+        CheckLimits<char>(-128, 127);
+        CheckLimits<unsigned char>(0, 255);
+        CheckLimits<short>(-32768, 32767);
+        CheckLimits<unsigned short>(0, 65535);
+        CheckLimits<int>(-2147483647 - 1, 2147483647);
+        CheckLimits<unsigned int>(0, 4294967295U);
+        CheckLimits<long>(-2147483648L, 2147483647);
+        CheckLimits<unsigned long>(0, 4294967295U);
+        CheckLimits(std::numeric_limits<long long>::min(), std::numeric_limits<long long>::max());
+        CheckLimits(0ULL, std::numeric_limits<unsigned long long>::max());
+        CheckLimits(-std::numeric_limits<float>::max(), std::numeric_limits<float>::max());
+    }
+
+    void notANumberIsZeroOnlyWhereItHasNoForm()
+    {
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        QCOMPARE(ConvertDouble(QMetaType::Int, nan), QVariant(0));
+        QCOMPARE(ConvertDouble(QMetaType::ULongLong, nan), QVariant(0ULL));
+        QVERIFY(std::isnan(ConvertDouble(QMetaType::Double, nan).toDouble()));
+        QVERIFY(std::isnan(ConvertDouble(QMetaType::Float, nan).toFloat()));
+        QCOMPARE(ConvertDouble(QMetaType::Double, HUGE_VAL).toDouble(), std::numeric_limits<double>::max());
+    }
+
+    void unknownTypeIsInvalidAndLogged()
+    {
+        TestSupport::LogCapture log;
+        QVERIFY(!ConvertDouble(QMetaType::QString, 1.0).isValid());
+        QVERIFY(!ConvertDouble(QMetaType::Bool, 1.0).isValid());
+        const auto line = "WARNING DoubleConversionFunctionWrapper::defaultConvert() called!"_s;
+        QCOMPARE(log.lines(), QStringList({line, line}));
+    }
+
+    void durationsAreANumberAndAUnit()
+    {
+        const QPair<const char *, double> durations[] = {{"90", 90.0},
+                                                         {"3.", 3.0},
+                                                         {"2a", 63115200.0},
+                                                         {"1d", 86400.0},
+                                                         {"1.5h", 5400.0},
+                                                         {"1m", 60.0},
+                                                         {"2 \t ms", 0.002},
+                                                         {"5us", 5 * 0.000001},
+                                                         {"5ns", 5 * 0.000000001},
+                                                         {"5ps", 5 * 0.000000000001}};
+        for (const auto &[text, seconds] : durations)
+            QCOMPARE(TimeStringConversion(text).toSeconds(), seconds);
+    }
+
+    void whatIsNoDurationIsRefused()
+    {
+        const auto expectLine = [](const QString &text, const QString &line) {
+            TestSupport::LogCapture log;
+            QVERIFY(!TimeStringConversion(text).isValid());
+            QCOMPARE(log.lines(),
+                     QStringList("WARNING TimeStringConversion::parseTimeString() can not " + line + text));
+        };
+        for (const char *text : {"", "-1s", ".5s", "1,5s", "5x", "s", "1 s ", " 1s", "1msx", "1S"})
+            expectLine(text, "parse the provided duration=");
+        expectLine("\u0663s", "convert the provided duration value="); // an Arabic-Indic digit
+    }
+
+    void failedReadingReplacesTheDuration()
+    {
+        TimeStringConversion duration("1h"_s);
+        QCOMPARE(duration.toMinutes(), 60.0);
+        QVERIFY(!duration.parseTimeString("soon"_s));
+        QCOMPARE(duration.toSeconds(), 0.0);
+        QVERIFY(duration.parseTimeString("2m"_s));
+        QCOMPARE(duration.toSeconds(), 120.0);
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversionTest)
+#include "ConversionTest.moc"
