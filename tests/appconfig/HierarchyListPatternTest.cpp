@@ -10,11 +10,8 @@
 #include <support/LogCapture.h>
 #include <support/Notes.h>
 
-using namespace Tessellum::AppConfig::Attributes;
-using namespace Tessellum::Notification;
+using namespace TestSupport;
 using Tessellum::Core::HierarchyListPattern;
-using Tessellum::Notification::utils::MakeNode;
-using TestSupport::AttributeTree;
 
 namespace {
 

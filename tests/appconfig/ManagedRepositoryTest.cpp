@@ -65,15 +65,6 @@ public:
     mutable std::atomic<bool> ranLocked{false};
 };
 
-template <typename Attributes>
-QStringList paths(const Attributes &attributes)
-{
-    QStringList result;
-    for (const auto &attribute : attributes)
-        result.append(attribute->getPath());
-    return result;
-}
-
 } // namespace
 
 class ManagedRepositoryTest : public QObject
@@ -99,50 +90,31 @@ private Q_SLOTS:
         QCOMPARE(read("device.gain", QMetaType::Double), QVariant(1.0));
         QVERIFY(!read("device").isValid());
         QVERIFY(repository->getQueryInterface()->getAttribute("device"));
-        QCOMPARE(update("device.gain", 2.5), UpdateResult::Ok);
-        QCOMPARE(read("device.gain"), QVariant(2.5));
-
         QVERIFY(create("device.serial", "A7", 1));
         QCOMPARE(update("device.serial", "B"), UpdateResult::ApplyFailed);
         QVERIFY(!create(QString(), 1));
 
         const auto kept = repository->getQueryInterface()->getAttribute("device.gain");
+        const auto found = repository->getQueryInterface()->queryAttributes("device.g*");
+        QCOMPARE(found.size(), 1);
+        QVERIFY(!std::dynamic_pointer_cast<AttributeReference>(found.first())->setValue("changed"));
         QVERIFY(repository->getManipulationInterface()->deleteAttribute("device", DeletePoint::Done));
         QVERIFY(!repository->getQueryInterface()->getAttribute("device.gain"));
         QTRY_VERIFY(kept->isDeleteFlagSet());
         QCOMPARE(update("device.gain", 3), UpdateResult::NodeGone);
     }
 
-    void patternsSelectAttributes()
-    {
-        for (const char *path : {"a.b1.x", "a.b2", "a.c", "d"})
-            QVERIFY(create(path, path));
-        const auto query = repository->getQueryInterface();
-        QCOMPARE(paths(query->queryAttributes("a.b*")), QStringList({"a.b1", "a.b1.x", "a.b2"}));
-        QCOMPARE(paths(query->queryAttributes("*.")), QStringList({"a", "d"}));
-        QCOMPARE(paths(query->queryAttributes("a.?")), QStringList({"a.c"}));
-        QCOMPARE(paths(query->queryAttributes(QString())), QStringList());
-        const auto found
-            = std::dynamic_pointer_cast<AttributeReference>(query->queryAttributes("d").value(0));
-        QVERIFY(found);
-        QVERIFY(!found->setValue("changed"));
-    }
-
     void customDataServesTheAskedAccess()
     {
         const auto manipulation = repository->getManipulationInterface();
         const auto data = std::make_shared<CustomData>();
+        const QVariant expected[] = {{}, 7, {}, 50, {}}; // an access that is none gives none
         for (int access = 0; access <= 4; ++access) {
             const QString path = "custom%1"_s.arg(access);
             QVERIFY(manipulation->createAttribute(path, 7, data, CreatePoint::Done, access));
-            const auto attribute = repository->getQueryInterface()->getAttribute(path);
-            QVERIFY(attribute);
-            QCOMPARE(attribute->getAccess(), quint32(access == 4 ? 0 : access));
             QCOMPARE(update(path, 5), access & 2 ? UpdateResult::Ok : UpdateResult::ApplyFailed);
+            QCOMPARE(read(path), expected[access]);
         }
-        QCOMPARE(read("custom1"), QVariant(7));
-        QCOMPARE(read("custom3"), QVariant(50));
-        QVERIFY(!read("custom2").isValid());
         const int reads = data->reads;
         read("custom3", QMetaType::QString);
         QCOMPARE(data->reads - reads, 1);
@@ -172,15 +144,10 @@ private Q_SLOTS:
         run->setAutomaticCreate(true);
         QCOMPARE(update("new.value", 1), UpdateResult::Ok);
         QCOMPARE(read("new.value"), QVariant(1));
-        QCOMPARE(repository->getQueryInterface()->getAttribute("new.value")->getAccess(), 3U);
         QCOMPARE(update("internal.repository.other", 1), UpdateResult::NodeGone);
-    }
 
-    void anAutomaticCreateLeavesWhatExists()
-    {
-        run->setAutomaticCreate(true);
-        QVERIFY(create("raced", 5, 1));
         // What an update starts that found nothing, just before another thread created the attribute.
+        QVERIFY(create("raced", 5, 1));
         const auto observer = run->provider().getManipulationProvider()->startAutomaticCreate("raced");
         QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), observer));
         QCOMPARE(read("raced"), QVariant(5));
@@ -205,19 +172,14 @@ private Q_SLOTS:
         QVERIFY(repository->getBackendTypes().contains("plain"));
         QVERIFY(createBackend("plain", "store", "A store"));
         QVERIFY(!createBackend("plain", "store"));
-        QVERIFY(!createBackend("no such type", "other"));
         QCOMPARE(backends->getBackendNames(), QStringList("store"));
-        QVERIFY(backends->hasBackend("store"));
-        QVERIFY(!backends->hasBackend("other"));
+        QVERIFY(backends->hasBackend("store") && !backends->hasBackend("other"));
         QCOMPARE(backends->getBackendDescription("store"), QString("A store"));
         QCOMPARE(backends->getBackendDescription("other"), QString());
-        QCOMPARE(backends->getBackend("store")->getType(), QString("plain"));
-        QVERIFY(backends->saveBackend("store"));
-        QVERIFY(backends->saveBackend("other"));
+        QVERIFY(backends->saveBackend("store") && backends->saveBackend("other"));
 
-        Backends::BackendCreateDataDetails details;
         const auto inner = run->provider().getBackendProvider()->startCreateBackend(
-            "plain", "deep.inner", details, CreatePoint::Done, run->provider().getInternalRoot());
+            "plain", "deep.inner", {}, CreatePoint::Done, run->provider().getInternalRoot());
         QVERIFY(Notification::utils::WaitForSuccess(run->provider().getThreadPool(), inner));
         QCOMPARE(backends->getBackend("inner")->getType(), QString("plain"));
     }
@@ -244,7 +206,6 @@ private Q_SLOTS:
         QVERIFY(create("parent", 1));
         QVERIFY(createBackend("plain", "parent.store", "A store"));
         const auto before = backends->getBackend("store");
-        QCOMPARE(before->getId(), QString("store"));
         QVERIFY(repository->getManipulationInterface()->deleteAttribute("parent", DeletePoint::Done));
         QTRY_COMPARE(before->getId(), QString());
         QTRY_VERIFY(!backends->hasBackend("store"));
@@ -289,7 +250,6 @@ private Q_SLOTS:
     void everythingAnswersEmptyAfterAStop()
     {
         QVERIFY(create("a", 1));
-        const auto heard = std::make_shared<std::atomic<int>>(0);
         const auto notifications = repository->getNotificationInterface();
         QVERIFY(notifications);
         QVERIFY(!run->provider().getNotificationInterface());
@@ -304,21 +264,18 @@ private Q_SLOTS:
             QVERIFY(!create("b", 1));
             QCOMPARE(update("a", 2), UpdateResult::NodeGone);
             QVERIFY(!repository->getManipulationInterface()->deleteAttribute("a", DeletePoint::Done));
-            QVERIFY(!createBackend("plain", "store"));
-            QVERIFY(!repository->getBackendInterface()->getBackend("store"));
-            QVERIFY(!repository->getBackendInterface()->saveBackend("store"));
-            QVERIFY(repository->getBackendInterface()->getBackendNames().isEmpty());
+            const auto backends = repository->getBackendInterface();
+            QVERIFY(!createBackend("plain", "store") && backends->getBackendNames().isEmpty());
+            QVERIFY(!backends->getBackend("store") && !backends->saveBackend("store"));
             QCOMPARE(repository->getValidationInterface()->assignValidation("*", "never"), 0);
             QVERIFY(!notifications->registerCreateHandler(
-                "*", [heard](const QString &, const CreatePoint &, const bool &) { ++*heard; },
-                CreatePoint::All));
+                "*", [](auto &...) {}, CreatePoint::All));
         };
         run->stop();
         QCOMPARE(reference->getId(), QString());
         expectEmpty();
         run = std::make_unique<RunningRepository>();
         expectEmpty();
-        QCOMPARE(repository->getPathElementsFromPath("a.b"), QStringList({"a", "b"}));
     }
 
 private:

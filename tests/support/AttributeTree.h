@@ -13,27 +13,30 @@
 
 namespace TestSupport {
 
+using namespace Tessellum::AppConfig;
+using namespace Tessellum::AppConfig::Attributes;
+using namespace Tessellum::Notification;
+using Shared::Hierarchy::HierarchyNodeInstance;
+using Tessellum::Notification::utils::MakeNode;
+
 // A tree of attributes with a pool of tasks and registrations of its own, apart from the repository's.
 class AttributeTree
 {
 public:
-    using Attribute = Tessellum::AppConfig::Attributes::Attribute;
-    using AttributeCreateData = Tessellum::AppConfig::Attributes::AttributeCreateData;
-
     AttributeTree()
         : pool(
             "test"_s,
-            [this](const auto &parent, const QString &path, const QVariant &data, auto waitPoint) {
-                return std::make_unique<Tessellum::AppConfig::Attributes::AttributeCreateTask>(
-                    notifications.getCreateRegistration(), parent, path, data, waitPoint);
+            [this](const auto &...arguments) {
+                return std::make_unique<AttributeCreateTask>(notifications.getCreateRegistration(),
+                                                             arguments...);
             },
-            [this](const auto &node, const QVariant &value, auto waitPoint) {
-                return std::make_unique<Tessellum::AppConfig::Attributes::AttributeUpdateTask>(
-                    notifications.getUpdateRegistration(), node, value, waitPoint);
+            [this](const auto &...arguments) {
+                return std::make_unique<AttributeUpdateTask>(notifications.getUpdateRegistration(),
+                                                             arguments...);
             },
-            [this](const auto &node, const QString &path, const QVariant &data, auto waitPoint) {
-                return std::make_unique<Tessellum::AppConfig::Attributes::AttributeDeleteTask>(
-                    pool, notifications.getDeleteRegistration(), node, path, data, waitPoint);
+            [this](const auto &...arguments) {
+                return std::make_unique<AttributeDeleteTask>(pool, notifications.getDeleteRegistration(),
+                                                             arguments...);
             },
             QThread::idealThreadCount(), false)
     { }
@@ -48,7 +51,7 @@ public:
     // A plain attribute beneath the root; path of one element.
     std::shared_ptr<Attribute> add(const QString &id, const QVariant &value)
     {
-        const auto attribute = Tessellum::Notification::utils::MakeNode<Attribute>(id, value);
+        const auto attribute = MakeNode<Attribute>(id, value);
         return root->addChild(attribute) ? attribute : nullptr;
     }
     std::shared_ptr<Attribute> find(const QString &path) const
@@ -70,9 +73,8 @@ public:
     }
 
     Tessellum::Notification::utils::NotificationProvider notifications;
-    const std::shared_ptr<Shared::Hierarchy::HierarchyNode> root
-        = Tessellum::Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>();
-    Tessellum::Notification::ThreadPool pool;
+    const std::shared_ptr<Shared::Hierarchy::HierarchyNode> root = MakeNode<HierarchyNodeInstance>();
+    ThreadPool pool;
 };
 
 // Runs a task on the calling thread; what it reports, in its order.

@@ -7,14 +7,10 @@
 #include <support/Literals.h>
 #include <support/Notes.h>
 
-using namespace Tessellum::AppConfig::Attributes;
-using namespace Tessellum::Notification;
+using namespace TestSupport;
 using Reports = QList<DeleteObserver::ResultType>;
-using Shared::Hierarchy::HierarchyNodeInstance;
 using Shared::Hierarchy::HierarchyNodeLink;
 using Tessellum::AppConfig::utils::GlobalPoolJobs;
-using Tessellum::Notification::utils::MakeNode;
-using TestSupport::AttributeTree;
 
 namespace {
 
@@ -23,7 +19,7 @@ Reports remove(AttributeTree &tree, const std::weak_ptr<Shared::Hierarchy::Hiera
 {
     AttributeDeleteTask task(tree.pool, tree.notifications.getDeleteRegistration(), node, path, QVariant(),
                              DeletePoint::Done);
-    return TestSupport::RunAndRecord(task);
+    return RunAndRecord(task);
 }
 
 void create(AttributeTree &tree, const QStringList &names)
@@ -41,19 +37,6 @@ class AttributeDeleteTaskTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void deletes()
-    {
-        AttributeTree tree;
-        const auto attribute = tree.add("a"_s, 1);
-        const Reports notThere{{DeletePoint::Begin, false}};
-        QCOMPARE(remove(tree, attribute, "a"_s),
-                 (Reports{{DeletePoint::Begin, true}, {DeletePoint::Done, true}}));
-        QVERIFY(attribute->isDeleteFlagSet());
-        QVERIFY(!tree.find("a"_s));
-        QCOMPARE(remove(tree, attribute, "a"_s), notThere);
-        QCOMPARE(remove(tree, {}, "a"_s), notThere);
-    }
-
     void everyNestedAttributeReportsItsEnd()
     {
         AttributeTree tree;
@@ -63,7 +46,7 @@ private Q_SLOTS:
             expected << branch << branch + ".c"_s << branch + ".c.d"_s;
             create(tree, {expected.last()});
         }
-        TestSupport::Notes notes;
+        Notes notes;
         const auto handle = tree.notifications.registerDeleteHandler(
             "a*",
             [&](const QString &path, const DeletePoint &, const bool &result) {
@@ -83,7 +66,9 @@ private Q_SLOTS:
         const auto parent = tree.find("a"_s);
         const auto link = MakeNode<HierarchyNodeLink>(tree.find("target"_s), "link"_s, false);
         parent->addChild(link);
-        remove(tree, parent, "a"_s);
+        QCOMPARE(remove(tree, parent, "a"_s),
+                 (Reports{{DeletePoint::Begin, true}, {DeletePoint::Done, true}}));
+        QCOMPARE(remove(tree, parent, "a"_s), (Reports{{DeletePoint::Begin, false}}));
         QTRY_VERIFY_WITH_TIMEOUT(link->isDeleteFlagSet(), 20000);
         QVERIFY(tree.find("target.x"_s));
     }

@@ -1,4 +1,5 @@
 #include <appconfig/attributes/AttributeReference.h>
+#include <appconfig/utils/ValueConversion.h>
 #include <appconfig/validation/AttributeValidationInterface.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/localization/LocalizationInterfaceProvider.h>
@@ -49,39 +50,13 @@ private Q_SLOTS:
             const bool mayRead = access & AttributeAccess::Read;
             const bool mayWrite = access & AttributeAccess::Write;
             const auto attribute = MakeNode<Attribute>("a", detailsOf(1, access));
-            QCOMPARE(attribute->getAccess(), access);
             QCOMPARE(attribute->hasValue(), mayRead);
             QCOMPARE(attribute->setValue(2), mayWrite);
             value.clear();
             QCOMPARE(attribute->getValue(value, 0), mayRead);
             QCOMPARE(value, mayRead ? QVariant(mayWrite ? 2 : 1) : QVariant());
         }
-        const auto interior = MakeNode<Attribute>("a");
-        QCOMPARE(interior->getAccess(), quint32(3));
-        QVERIFY(!interior->hasValue());
-        QVERIFY(interior->getValue(value, 0));
-        QVERIFY(!value.isValid());
-    }
-
-    void functionsCarryTheValue()
-    {
-        auto details = detailsOf(10, 3);
-        details.reader = [](const QVariant &stored, QVariant &out) {
-            out = stored.toInt() + 1;
-            return true;
-        };
-        details.writer = [](QVariant &stored, const QVariant &in) {
-            stored = in.toInt() * 2;
-            return in.toInt() >= 0;
-        };
-        const auto attribute = MakeNode<Attribute>("a"_s, details);
-        QVariant value;
-        QVERIFY(attribute->getValue(value, QMetaType::QString));
-        QCOMPARE(value, QVariant("11"_s));
-        QVERIFY(attribute->setValue(4));
-        QVERIFY(attribute->getValue(value, 0));
-        QCOMPARE(value, QVariant(9));
-        QVERIFY(!attribute->setValue(-1));
+        QVERIFY(!MakeNode<Attribute>("a")->hasValue());
     }
 
     void functionsThatThrow()
@@ -99,44 +74,37 @@ private Q_SLOTS:
 
     void referenceReadsUnderItsLocalization()
     {
+        using Shared::Localization::LocalizationInterface;
         const QLocale locale("de_DE"_s);
         auto german = std::make_shared<Tessellum::TessellumLocalizationInterfaceProvider>(locale);
         const auto plain = std::make_shared<Shared::Localization::LocalizationInterfaceProvider>(locale);
         const auto attribute = MakeNode<Attribute>("a"_s, "1,5"_s);
-        const std::weak_ptr<const Attribute> readable = attribute;
-        const AttributeReference reference(
-            readable, std::weak_ptr<Shared::Localization::LocalizationInterface>(german));
-
+        const auto reference = [&attribute](const std::shared_ptr<LocalizationInterface> &localization) {
+            return AttributeReference(std::weak_ptr<const Attribute>(attribute),
+                                      std::weak_ptr<LocalizationInterface>(localization));
+        };
+        const auto ofGerman = reference(german);
         QVariant value;
-        QVERIFY(reference.getValue(value, QMetaType::Double));
+        QVERIFY(ofGerman.getValue(value, QMetaType::Double));
         QCOMPARE(value, QVariant(1.5));
         // Only a registry of the core counts, and only while it lives.
-        QVERIFY(
-            !AttributeReference(readable, std::weak_ptr<Shared::Localization::LocalizationInterface>(plain))
-                 .getValue(value, QMetaType::Double));
+        QVERIFY(!reference(plain).getValue(value, QMetaType::Double));
         german.reset();
-        QVERIFY(!reference.getValue(value, QMetaType::Double));
-        QVERIFY(reference.getValue(value, 0));
-        QCOMPARE(value, QVariant("1,5"));
+        QVERIFY(!ofGerman.getValue(value, QMetaType::Double));
     }
 
     void referenceOfADeadAttribute()
     {
         auto attribute = MakeNode<Attribute>("a"_s, 1);
         AttributeReference reference(std::weak_ptr<Attribute>(attribute), {});
-        QVERIFY(reference.setValue(2));
-        QVERIFY(reference.markForDeletion());
-        QVERIFY(reference.isDeleteFlagSet());
+        QVERIFY(reference.markForDeletion() && reference.isDeleteFlagSet());
         QVERIFY(reference.hasValue()); // on its way out, yet readable
 
         attribute.reset();
         QTRY_COMPARE(reference.getId(), QString());
         QVariant value;
-        QVERIFY(reference.isDeleteFlagSet());
-        QVERIFY(reference.markForDeletion());
-        QVERIFY(!reference.hasValue());
-        QVERIFY(!reference.getValue(value, 0));
-        QVERIFY(!reference.setValue(3));
+        QVERIFY(reference.isDeleteFlagSet() && reference.markForDeletion());
+        QVERIFY(!reference.hasValue() && !reference.getValue(value, 0) && !reference.setValue(3));
         QCOMPARE(reference.getPath(), QString());
         QVERIFY(!reference.addValidation(MakeNode<AnyValueIsFine>()));
     }
@@ -146,17 +114,52 @@ private Q_SLOTS:
         const auto attribute = MakeNode<Attribute>("a"_s, 1);
         AttributeReference reference(std::weak_ptr<const Attribute>(attribute), {});
         QVERIFY(!reference.setValue(2));
-        QVariant value;
-        QVERIFY(attribute->getValue(value, 0));
-        QCOMPARE(value, QVariant(1));
-        QVERIFY(!reference.markForDeletion());
-        QVERIFY(!attribute->isDeleteFlagSet());
+        QVERIFY(!reference.markForDeletion() && !attribute->isDeleteFlagSet());
         // Validations are no part of what it protects.
         QVERIFY(reference.addValidation(MakeNode<AnyValueIsFine>()));
         QVERIFY(attribute->hasValidation("any"_s));
         QVERIFY(reference.removeValidation("any"_s));
         attribute->markForDeletion();
         QVERIFY(reference.markForDeletion());
+    }
+
+    void textsAreReadUnderEachLocale()
+    {
+        struct Case
+        {
+            const char *defaultLocale; // empty: no localization at all
+            const char *furtherLocale;
+            QVariant value;
+            int metaType;
+            QVariant expected; // invalid: cannot be converted
+        };
+        const Case cases[] = {
+            {"de_DE", "", "1,5", QMetaType::Double, 1.5},
+            {"de_DE", "en_US", "1.5", QMetaType::Double, 1.5},
+            {"en_US", "", "1,000", QMetaType::Int, {}}, // a group separator is no number
+            {"en_US", "de_DE", "1,000", QMetaType::Int, 1},
+            {"de_DE", "en_US", "1.234,5", QMetaType::Double, {}},
+            {"de_DE", "", "ab", QMetaType::QByteArray, QByteArray("ab")},
+            {"de_DE", "", 5, QMetaType::QString, "5"},
+            {"", "", "1,5", QMetaType::Double, {}},
+            {"", "", "1,000", QMetaType::QString, "1,000"},
+            {"de_DE", "", "1,000", QMetaType::UnknownType, {}},
+        };
+        for (const Case &each : cases) {
+            std::shared_ptr<Tessellum::TessellumLocalizationInterfaceProvider> localization;
+            if (*each.defaultLocale)
+                localization = std::make_shared<Tessellum::TessellumLocalizationInterfaceProvider>(
+                    QLocale(each.defaultLocale));
+            if (*each.furtherLocale)
+                localization->registerAdditionalLocale(QLocale(each.furtherLocale));
+            QVariant value = each.value;
+            QCOMPARE(utils::ConvertValue(value, localization, each.metaType), each.expected.isValid());
+            if (each.expected.isValid() || localization) {
+                const QVariant &expected = each.expected.isValid() ? each.expected : each.value;
+                QCOMPARE(value.userType(), expected.userType());
+                QCOMPARE(value, expected);
+            }
+        }
     }
 };
 

@@ -8,12 +8,8 @@
 #include <support/LogCapture.h>
 #include <support/Notes.h>
 
-using namespace Tessellum::AppConfig;
-using namespace Tessellum::AppConfig::Attributes;
-using namespace Tessellum::Notification;
+using namespace TestSupport;
 using Reports = QList<UpdateObserver::ResultType>;
-using Tessellum::Notification::utils::MakeNode;
-using TestSupport::AttributeTree;
 using Validation::ValidationResult;
 
 namespace {
@@ -38,10 +34,16 @@ private:
     const Function judge;
 };
 
+bool validate(const std::shared_ptr<Attribute> &attribute, const QString &id,
+              const FunctionValidation::Function &function)
+{
+    return attribute->addValidation(MakeNode<FunctionValidation>(id, function));
+}
+
 Reports update(AttributeTree &tree, const std::weak_ptr<Attribute> &attribute, const QVariant &value)
 {
     AttributeUpdateTask task(tree.notifications.getUpdateRegistration(), attribute, value, UpdatePoint::Done);
-    return TestSupport::RunAndRecord(task);
+    return RunAndRecord(task);
 }
 
 const Reports applied{{UpdatePoint::Check, UpdateResult::Ok},
@@ -72,11 +74,11 @@ private Q_SLOTS:
     {
         AttributeTree tree;
         auto attribute = tree.add("a"_s, 1);
-        attribute->addValidation(MakeNode<FunctionValidation>("end"_s, [&](QVariant &) {
+        validate(attribute, "end", [&](QVariant &) {
             attribute->markForDeletion();
             attribute.reset();
             return ValidationResult::Valid;
-        }));
+        });
         QCOMPARE(update(tree, attribute, 2),
                  (Reports{{UpdatePoint::Check, UpdateResult::Ok},
                           {UpdatePoint::Apply, UpdateResult::NodeGone},
@@ -88,17 +90,17 @@ private Q_SLOTS:
     {
         AttributeTree tree;
         const auto attribute = tree.add("a"_s, 1);
-        attribute->addValidation(MakeNode<FunctionValidation>("clip"_s, [](QVariant &value) {
+        validate(attribute, "clip", [](QVariant &value) {
             value = qMin(value.toInt(), 10);
             return ValidationResult::Adjusted;
-        }));
-        attribute->addValidation(MakeNode<FunctionValidation>("even"_s, [](QVariant &value) {
+        });
+        validate(attribute, "even", [](QVariant &value) {
             return value.toInt() == 10 ? ValidationResult::Failed : ValidationResult::Valid;
-        }));
+        });
         const QString adjusted
             = "LOG AttributeUpdateTask::runUpdate() pre check: adjusted update value to: %1"_s;
         {
-            const TestSupport::LogCapture log;
+            const LogCapture log;
             QCOMPARE(update(tree, attribute, 11), refused);
             QCOMPARE(tree.value("a"_s), QVariant(1));
             QCOMPARE(log.lines(),
@@ -107,7 +109,7 @@ private Q_SLOTS:
                                   "WARNING AttributeUpdateTask::runUpdate() update failed for "
                                   "attribute: a pre check even failed"_s}));
         }
-        const TestSupport::LogCapture log;
+        const LogCapture log;
         QCOMPARE(update(tree, attribute, 5), applied);
         QCOMPARE(tree.value("a"_s), QVariant(5));
         QCOMPARE(log.lines(), QStringList{adjusted.arg("QVariant(int, 5)"_s)});
@@ -120,9 +122,8 @@ private Q_SLOTS:
         for (const auto &[result, line] : refusals) {
             AttributeTree tree;
             const auto attribute = tree.add("a", 1);
-            attribute->addValidation(MakeNode<FunctionValidation>(
-                "v", [number = result](QVariant &) { return ValidationResult(number); }));
-            const TestSupport::LogCapture log;
+            validate(attribute, "v", [number = result](QVariant &) { return ValidationResult(number); });
+            const LogCapture log;
             QCOMPARE(update(tree, attribute, 2), refused);
             QCOMPARE(log.lines().first(), "WARNING AttributeUpdateTask::runUpdate() " + line);
             QCOMPARE(tree.value("a"), QVariant(1));
@@ -140,7 +141,7 @@ private Q_SLOTS:
         };
         attribute->setDetails(details);
 
-        TestSupport::Notes notes;
+        Notes notes;
         const auto handle = tree.notifications.registerUpdateHandler(
             "a",
             [&](const QString &, const UpdatePoint &point, const UpdateResult &, const QVariant &oldValue,
@@ -173,19 +174,6 @@ private Q_SLOTS:
         update(tree, tree.add("m"_s, 1), 2);
         QVERIFY(marker.tryAcquire(1, 20000));
         QCOMPARE(wrong.available(), 0);
-    }
-
-    void exceptionInAValidation()
-    {
-        AttributeTree tree;
-        const auto attribute = tree.add("a"_s, 1);
-        attribute->addValidation(MakeNode<FunctionValidation>(
-            "v"_s, [](QVariant &) -> ValidationResult { throw std::bad_alloc(); }));
-        const TestSupport::LogCapture log;
-        const auto observer = tree.pool.startUpdateTask(attribute, 2, UpdatePoint::Done);
-        QVERIFY(!observer->waitForResult());
-        QCOMPARE(tree.value("a"), QVariant(1));
-        QCOMPARE(log.lines(), QStringList{"CRITICAL UpdateTask::run() catched exception"_s});
     }
 };
 

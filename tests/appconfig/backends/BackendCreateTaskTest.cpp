@@ -4,7 +4,6 @@
 #include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/backends/MemoryBackend.h>
 #include <notification/utils/MakeNode.h>
-#include <notification/utils/PoolWait.h>
 
 #include <QtTest>
 
@@ -65,37 +64,23 @@ private Q_SLOTS:
         fixture.reset();
     }
 
-    void refusesWhatItCannotCreate_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("message");
-        const QString prefix = "BackendCreateTask::createBackendForHierarchy() "_s;
-        const QString unknown
-            = prefix + "cannot create backend with unknown type: '%1' or empty name: '%2'"_s;
-        QTest::newRow("unregistered") << "xml"
-                                      << "a.b" << unknown.arg("xml", "a.b");
-        QTest::newRow("exact look-up") << "Memory"
-                                       << "a" << unknown.arg("Memory", "a");
-        QTest::newRow("no type") << ""
-                                 << "a" << prefix + "supplied creation data is empty, no backend created";
-        QTest::newRow("empty element") << "memory"
-                                       << "a..b" << prefix + "failed to create backend 'b'";
-        QTest::newRow("empty last element") << "memory"
-                                            << "a." << prefix + "failed to create backend ''";
-    }
-
     void refusesWhatItCannotCreate()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, name);
-        QFETCH(QString, message);
-        const auto observer = fixture->backends().startCreateBackend(type, name, {}, CreatePoint::Done);
-        QVERIFY(
-            !Tessellum::Notification::utils::WaitForSuccess(fixture->repository().getThreadPool(), observer));
-        QCOMPARE(observer->getResult(), CreateObserver::ResultType(CreatePoint::Done, false));
-        QCOMPARE(fixture->takeLog(LogMessageType::warning), QStringList(message));
-        QVERIFY(!fixture->node("a"));
+        const QString unknown = "cannot create backend with unknown type: '%1' or empty name: '%2'";
+        const std::tuple<QString, QString, QString> cases[]
+            = {{"xml", "a.b", unknown.arg("xml", "a.b")},
+               {"Memory", "a", unknown.arg("Memory", "a")},
+               {"", "a", "supplied creation data is empty, no backend created"},
+               {memory, "a..b", "failed to create backend 'b'"},
+               {memory, "a.", "failed to create backend ''"}};
+        for (const auto &[type, name, message] : cases) {
+            const auto observer = fixture->backends().startCreateBackend(type, name, {}, CreatePoint::Done);
+            observer->wait();
+            QCOMPARE(observer->getResult(), CreateObserver::ResultType(CreatePoint::Done, false));
+            QCOMPARE(fixture->takeLog(LogMessageType::warning),
+                     QStringList("BackendCreateTask::createBackendForHierarchy() " + message));
+            QVERIFY(!fixture->node("a"));
+        }
     }
 
     void refusesWithoutPayloadOrPlace()
@@ -123,9 +108,7 @@ private Q_SLOTS:
         for (const QString &name : {"m"_s, "a.b.m"_s}) {
             QVERIFY(fixture->create(memory, name));
             const auto first = fixture->node(name);
-            const auto observer = fixture->backends().startCreateBackend(memory, name, {}, CreatePoint::Done);
-            observer->wait();
-            QCOMPARE(observer->getResult(), CreateObserver::ResultType(CreatePoint::Begin, false));
+            QVERIFY(!fixture->create(memory, name));
             QCOMPARE(fixture->node(name), first);
         }
         // Two of one id at different places are both listed.
@@ -225,30 +208,21 @@ private Q_SLOTS:
     void overridesAccess()
     {
         registerScript([](AttributesCreateData &out) {
-            out.append(Element("stored", 1));
             AttributeCreateData readable = Element("readable", {});
             readable.details.valueSource = AttributeValueSource::Functions;
             readable.details.access = 1;
-            readable.details.reader = [](const QVariant &, QVariant &value) {
-                value = 2;
-                return true;
-            };
+            readable.details.reader = [](const QVariant &, QVariant &) { return true; };
             AttributeCreateData both = readable;
             both.name = "both";
             both.details.writer = [](QVariant &, const QVariant &) { return true; };
-            out << readable << both;
+            out << Element("stored", 1) << readable << both;
             return true;
         });
-        QVERIFY(fixture->create(scripted, "s", {}, 3));
-        const auto access = [this](const QString &path) {
-            return fixture->repository().getQueryInterface()->getAttribute(path)->getAccess();
-        };
-        QCOMPARE(access("s.stored"), 3u);
-        QCOMPARE(access("s.readable"), 1u);
-        QCOMPARE(access("s.both"), 3u);
-        QVERIFY(fixture->create(scripted, "r", {}, 0));
-        QCOMPARE(access("r.stored"), 1u);
-        QCOMPARE(access("r.both"), 1u);
+        QVERIFY(fixture->create(scripted, "s", {}, 3) && fixture->create(scripted, "r", {}, 0));
+        const QPair<const char *, quint32> expected[]
+            = {{"s.stored", 3}, {"s.readable", 1}, {"s.both", 3}, {"r.stored", 1}, {"r.both", 1}};
+        for (const auto &[path, access] : expected)
+            QCOMPARE(fixture->repository().getQueryInterface()->getAttribute(path)->getAccess(), access);
         QCOMPARE(BackendCreateData(memory, "m", {{}, {}, 2}).access, 3u); // always readable
     }
 

@@ -6,12 +6,11 @@
 #include <appconfig/utils/RepositoryBackendProvider.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/RepositoryHierarchyThreadProvider.h>
-#include <shared/logging/LogHandler.h>
 
 #include <QMap>
-#include <QMutex>
 
 #include <support/Literals.h>
+#include <support/LogCapture.h>
 
 // The repository, active for the length of a test, and what the backends' classes log meanwhile.
 class RepositoryFixture
@@ -20,24 +19,13 @@ public:
     using CreatePoint = Tessellum::Notification::CreatePoint;
     using Values = QMap<QString, QVariant>;
 
-    RepositoryFixture()
-        : sink(Shared::Logging::LogHandler::RegisterMessageSink(
-            [this](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &level,
-                   const QString &text) {
-                const QMutexLocker lock(&mutex);
-                if (text.contains(QLatin1String("Backend")) || text.contains(QLatin1String("CreateTask")))
-                    lines.append({Shared::Logging::LogMessageType(level), text});
-            }))
-    {
-        repository().setRepositoryActive(keeper, false);
-    }
+    RepositoryFixture() { repository().setRepositoryActive(keeper, false); }
     ~RepositoryFixture()
     {
         repository().setRepositoryActive(keeper, true);
         keeper.reset();
         // The nodes die on the event thread, and need the application object for that.
         Tessellum::Core::RepositoryHierarchyThreadProvider::getInstance()->barrier();
-        Shared::Logging::LogHandler::UnregisterMessageSink(sink);
     }
     Q_DISABLE_COPY(RepositoryFixture)
 
@@ -81,19 +69,19 @@ public:
     // The lines of the level since the last call, of all levels.
     QStringList takeLog(Shared::Logging::LogMessageType level)
     {
-        const QMutexLocker lock(&mutex);
+        const QString prefix = QString(Shared::Logging::LogLevel(level)) + ' ';
+        const QStringList lines = log.lines();
         QStringList texts;
-        for (const auto &line : qAsConst(lines)) {
-            if (line.first == level)
-                texts.append(line.second);
+        for (const QString &line : lines.mid(taken)) {
+            if (line.startsWith(prefix) && (line.contains("Backend") || line.contains("CreateTask")))
+                texts.append(line.mid(prefix.size()));
         }
-        lines.clear();
+        taken = lines.size();
         return texts;
     }
 
 private:
+    TestSupport::LogCapture log;
+    int taken = 0;
     std::shared_ptr<Shared::Hierarchy::HierarchyNode> keeper;
-    QMutex mutex;
-    QList<QPair<Shared::Logging::LogMessageType, QString>> lines; // guarded by mutex
-    const QString sink;
 };

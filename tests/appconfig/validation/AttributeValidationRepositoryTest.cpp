@@ -53,23 +53,20 @@ private Q_SLOTS:
 
     void registersAnIdOnce()
     {
-        const auto first = MakeNode<LimitsValidation<int>>("once"_s);
-        QVERIFY(!repository->registerValidation(nullptr));
-        QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>(QString())));
+        const auto first = node("once");
+        QVERIFY(!repository->registerValidation(nullptr) && !repository->registerValidation(node("")));
         QVERIFY(repository->registerValidation(first));
-        QVERIFY(!repository->registerValidation(MakeNode<LimitsValidation<int>>("once"_s)));
-        QCOMPARE(repository->getValidation("once"_s), std::shared_ptr<AttributeValidationInterface>(first));
-        QVERIFY(repository->registerValidation(MakeNode<LimitsValidation<int>>("a"_s)));
+        QVERIFY(!repository->registerValidation(node("once")));
+        QCOMPARE(repository->getValidation("once"_s), first);
+        QVERIFY(repository->registerValidation(node("a")));
         QCOMPARE(repository->getValidationIds(), QStringList({"a", "once"}));
-        QVERIFY(repository->unregisterValidation("a"_s));
-        QVERIFY(!repository->unregisterValidation("a"_s));
+        QVERIFY(repository->unregisterValidation("a"_s) && !repository->unregisterValidation("a"_s));
         QVERIFY(repository->unregisterValidation("once"_s));
     }
 
     void forgetsWhatBackendsRegistered()
     {
         RunningRepository running;
-        const auto node = [](const char *id) { return MakeNode<LimitsValidation<int>>(QString(id)); };
         const auto backend = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("backend"_s);
         QVERIFY(repository->registerValidation(node("kept")));
         QVERIFY(repository->registerBackendValidation(node("file"), backend));
@@ -82,8 +79,7 @@ private Q_SLOTS:
         QVERIFY(!repository->registerBackendValidation(fresh, other));
         backend->setDeleteFlag();
         QVERIFY(repository->registerBackendValidation(fresh, other));
-        QCOMPARE(repository->getValidation("file"),
-                 std::shared_ptr<Validation::AttributeValidationInterface>(fresh));
+        QCOMPARE(repository->getValidation("file"), fresh);
         repository->unregisterBackendValidations();
         QVERIFY(repository->unregisterValidation("kept"_s));
     }
@@ -93,7 +89,7 @@ private Q_SLOTS:
         RunningRepository running;
         const auto list = RunningRepository::provider().getListPattern("names", "validations");
         QVERIFY(list);
-        const auto validation = MakeNode<LimitsValidation<int>>("listed"_s);
+        const auto validation = node("listed");
         QVERIFY(repository->registerValidation(validation));
         QVERIFY(!repository->registerValidation(validation));
         QCOMPARE(list->getElements(), QStringList("listed"));
@@ -108,6 +104,11 @@ private Q_SLOTS:
     }
 
 private:
+    static std::shared_ptr<AttributeValidationInterface> node(const char *id)
+    {
+        return MakeNode<LimitsValidation<int>>(QString(id));
+    }
+
     AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
 };
 
