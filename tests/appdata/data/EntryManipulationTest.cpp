@@ -5,26 +5,15 @@
 
 #include <malloc.h>
 
-using namespace Tessellum::AppData;
+using namespace TestSupport;
 using namespace Tessellum::AppData::Data::Entries;
-using Tessellum::Notification::CreatePoint;
-using Tessellum::Notification::UpdatePoint;
-using TestSupport::LogCapture;
-using TestSupport::RunningDataRepository;
-using TestSupport::StorageTwin;
-using Operation = StorageTwin::Operation;
-using Fault = StorageTwin::Fault;
 
-class EntryManipulationTest : public QObject
+class EntryManipulationTest : public QObject, private DiskFixture
 {
     Q_OBJECT
 
 private:
     using EntryPtr = std::shared_ptr<Entry>;
-
-    std::unique_ptr<RunningDataRepository> run;
-    std::shared_ptr<StorageTwin> twin;
-    std::shared_ptr<Storages::Storage> storage;
 
     static QString add(const EntryPtr &entry, quint64 timestamp, double value, qint64 *index = nullptr,
                        CreatePoint point = CreatePoint::Done)
@@ -35,19 +24,8 @@ private:
     QStringList ids(const EntryPtr &entry) { return entry->getChildIds(); }
 
 private Q_SLOTS:
-    void init()
-    {
-        run = std::make_unique<RunningDataRepository>();
-        twin = StorageTwin::Make();
-        storage = run->addStorage("disk", twin);
-    }
-    void cleanup()
-    {
-        twin->release();
-        storage.reset();
-        run.reset();
-        twin.reset();
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void ringGoesRound_data()
     {
@@ -204,8 +182,7 @@ private Q_SLOTS:
         run->addEntry(run->record("speed"));
         const auto second = Data::Entries::utils::EntriesOfPair("plant.speed").value(1);
         const QString other = add(second, 3, 3);
-        const auto pair = Data::Entries::utils::FindPair("plant.speed");
-        const auto ofPair = pair->getManipulationInterface();
+        const auto ofPair = Data::Entries::utils::FindPair("plant.speed")->getManipulationInterface();
         const auto ofEntry = entry->getManipulationInterface();
         const auto parsed = ElementValueKind::ParsedValue;
 
@@ -217,34 +194,11 @@ private Q_SLOTS:
         QCOMPARE(twin->getElementRawData(entry->getId(), uuid), run->raw(2.5));
         QVERIFY(ofPair->writeDataElementValueByIndex(2, parsed, 7.5, UpdatePoint::Done));
         QCOMPARE(ofPair->readDataElementValueByUuid(other)->toDouble(), 7.5);
-        QCOMPARE(ofPair->readDataElementValueByIndex(1)->toDouble(), 2.0);
         QVERIFY(ofPair->changeDataElementActivationByIndex(2, true)); // as it is
         QVERIFY(ofPair->changeDataElementActivationByUuid(other, false));
         QTRY_VERIFY(!run->element(second, 0)->isActive());
-        QCOMPARE(entry->getQueryInterface()->countElements(ActivationMask::Active), 2u);
         const QString added = ofPair->addDataElementValue(4, parsed, 4.0, CreatePoint::Done);
         QVERIFY(entry->hasChild(added)); // to the first entry
-
-        // Nothing there: an empty result and the line that says so.
-        LogCapture log;
-        QVERIFY(!ofEntry->readDataElementValueByUuid("x"));
-        QVERIFY(!ofEntry->readDataElementValueByIndex(9));
-        QVERIFY(!ofEntry->writeDataElementValueByUuid("x", parsed, 1.0, UpdatePoint::Done));
-        QVERIFY(!ofEntry->writeDataElementValueByIndex(9, parsed, 1.0, UpdatePoint::Done));
-        QVERIFY(!ofEntry->changeDataElementActivationByUuid("x", true));
-        QVERIFY(!ofEntry->writeDataElementValueByIndex(0, ElementValueKind::RawData, QVariantMap(),
-                                                       UpdatePoint::Done));
-        const QString head = "WARNING EntryManipulationProvider::";
-        QCOMPARE(log.lines(),
-                 (QStringList{
-                     head + "readDataElementValueByUuid() called with unknown element uuid=x",
-                     head + "readDataElementValueByIndex() called with invalue element index=9",
-                     head + "writeDataElementValueByUuid() called with unknown element uuid=x",
-                     head + "writeDataElementValueByIndex() called with invalue element index=9",
-                     head + "changeDataElementActivationInternal() called with invalid element",
-                     head
-                         + "writeDataElementValueInternal() could not retrieve raw data from given variant "
-                           "with type name=QVariantMap"}));
         QVERIFY(!ofPair->readDataElementValueByIndex(9));
         QVERIFY(!ofPair->writeDataElementValueByUuid("x", parsed, 1.0, UpdatePoint::Done));
         run->remove(entry);
@@ -252,16 +206,33 @@ private Q_SLOTS:
         QVERIFY(ofPair->addDataElementValue(4, parsed, 4.0, CreatePoint::Done).isEmpty());
     }
 
-    void customValueWithoutAParserIsNotWritten()
+    void whatIsNotThereIsTold()
     {
         const auto entry = run->addEntry(run->record("custom", QString(), 0, CategoryType::Custom));
         add(entry, 1, 1);
+        const auto change = entry->getManipulationInterface();
+        const auto parsed = ElementValueKind::ParsedValue;
         LogCapture log;
-        QVERIFY(!entry->getManipulationInterface()->writeDataElementValueByIndex(
-            0, ElementValueKind::ParsedValue, 1, UpdatePoint::Done));
+        QVERIFY(!change->readDataElementValueByUuid("x"));
+        QVERIFY(!change->readDataElementValueByIndex(9));
+        QVERIFY(!change->writeDataElementValueByUuid("x", parsed, 1.0, UpdatePoint::Done));
+        QVERIFY(!change->writeDataElementValueByIndex(9, parsed, 1.0, UpdatePoint::Done));
+        QVERIFY(!change->changeDataElementActivationByUuid("x", true));
+        QVERIFY(!change->writeDataElementValueByIndex(0, ElementValueKind::RawData, QVariantMap(),
+                                                      UpdatePoint::Done));
+        QVERIFY(!change->writeDataElementValueByIndex(0, parsed, 1, UpdatePoint::Done));
+        const QStringList lines{
+            "readDataElementValueByUuid() called with unknown element uuid=x",
+            "readDataElementValueByIndex() called with invalue element index=9",
+            "writeDataElementValueByUuid() called with unknown element uuid=x",
+            "writeDataElementValueByIndex() called with invalue element index=9",
+            "changeDataElementActivationInternal() called with invalid element",
+            "writeDataElementValueInternal() could not retrieve raw data from given variant with type "
+            "name=QVariantMap",
+            "writeDataElementValueInternal() could not retrieve parser instance for given category=custom"};
         QCOMPARE(log.lines(),
-                 (QStringList{"WARNING EntryManipulationProvider::writeDataElementValueInternal() could not "
-                              "retrieve parser instance for given category=custom"}));
+                 QStringList(lines).replaceInStrings(QRegularExpression("^"),
+                                                     "WARNING EntryManipulationProvider::"));
     }
 };
 

@@ -7,26 +7,20 @@
 
 #include <QtTest>
 
-using namespace Tessellum::AppData;
+using namespace TestSupport;
 using namespace Tessellum::AppData::Data::Entries;
 using Data::Elements::ElementUpdateData;
+using Data::Entries::utils::EntriesOfPair;
+using Data::Entries::utils::FindPair;
+using Data::Entries::utils::UnlinkEntryFromPair;
 using Shared::Hierarchy::HierarchyStringPathLink;
-using Tessellum::Notification::CreatePoint;
-using TestSupport::LogCapture;
-using TestSupport::RunningDataRepository;
-using TestSupport::StorageTwin;
-using Operation = StorageTwin::Operation;
-using Fault = StorageTwin::Fault;
+using Tessellum::Notification::utils::MakeNode;
 
-class EntryTasksTest : public QObject
+class EntryTasksTest : public QObject, private DiskFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<RunningDataRepository> run;
-    std::shared_ptr<StorageTwin> twin;
-    std::shared_ptr<Storages::Storage> storage;
-
     auto root() { return run->provider().getRoot(); }
     /*! The paths of the link of plant.NAME. */
     QStringList link(const QString &name)
@@ -70,18 +64,8 @@ private:
     }
 
 private Q_SLOTS:
-    void init()
-    {
-        run = std::make_unique<RunningDataRepository>();
-        twin = StorageTwin::Make();
-        storage = run->addStorage("disk", twin);
-    }
-    void cleanup()
-    {
-        storage.reset();
-        run.reset();
-        twin.reset();
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void pairLinksAllItsEntries()
     {
@@ -91,17 +75,13 @@ private Q_SLOTS:
         QVERIFY(run->create(root(), info));
         const auto first = child(info->uuid);
         QVERIFY(first);
-        QCOMPARE(onMedium(), QStringList{info->uuid});
         QCOMPARE(first->getLoadStatus(), LoadStatus::Loaded);
         QVERIFY(run->addEntry(run->record("speed", "second")));
         const QStringList both = link("speed");
         QCOMPARE(both.size(), 3);
-        const auto pair = Data::Entries::utils::FindPair("plant.speed");
-        QCOMPARE(both.first(), pair->getNodePath()->getFullPath());
-        QCOMPARE(both.at(1), first->getNodePath()->getFullPath());
-        QCOMPARE(pair->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(pair->getPersistenceType(), PersistenceType::Volatile);
-        QCOMPARE(pair->getStorageName(), QString());
+        const auto pair = FindPair("plant.speed");
+        QCOMPARE(both.mid(0, 2),
+                 QStringList({pair->getNodePath()->getFullPath(), first->getNodePath()->getFullPath()}));
 
         // Once more under its uuid: true, and nothing has changed.
         const int writes = twin->calls(Operation::SerializeEntry);
@@ -115,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(link("speed"), (QStringList{both.at(0), both.at(2)}));
         QCOMPARE(pair->getNumberOfChildren(), 0u);
         QCOMPARE(onMedium(), QStringList{info->uuid}); // the task does not tell the medium
-        QVERIFY(run->remove(Data::Entries::utils::EntriesOfPair("plant.speed").first()));
+        QVERIFY(run->remove(EntriesOfPair("plant.speed").first()));
         QVERIFY(!root()->findChildByRelativePath("plant.speed"));
         QVERIFY(pair->isDeleteFlagSet());
     }
@@ -125,6 +105,7 @@ private Q_SLOTS:
         LogCapture log;
         QVERIFY(!run->addEntry(run->record("", "disk")));
         QVERIFY(!run->addEntry(run->record("x", "unknown")));
+        QCOMPARE(log.lines().filter("unknown storage name=unknown cannot add entry").size(), 1);
         auto record = run->record("x");
         record.persistence = PersistenceType::Unknown;
         QVERIFY(!run->create(root(), record));
@@ -133,25 +114,15 @@ private Q_SLOTS:
             QVERIFY(!run->addEntry(run->record("x", "disk")));
         }
         QVERIFY(!run->create(root(), EntryInfoContainer()));
-        // The place of the pair's link is taken by a node that is no attribute.
-        record = run->record("entry", "disk");
-        record.classification = storage->getId();
-        const auto node
-            = Tessellum::Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("entry");
-        storage->addChild(node);
-        QVERIFY(!run->create(root(), record));
-        QCOMPARE(storage->getNumberOfChildren(), 1u);
         QCOMPARE(onMedium(), QStringList());
         QCOMPARE(root()->getNumberOfChildren(), 1u);
-        QCOMPARE(log.lines().filter("failed to link uuid to entry path, removing the entry").size(), 1);
-        QCOMPARE(log.lines().filter("unknown storage name=unknown cannot add entry").size(), 1);
 
         record = run->record("volatile", "disk");
         record.persistence = PersistenceType::Volatile;
         QVERIFY(run->create(root(), record));
-        QCOMPARE(Data::Entries::utils::EntriesOfPair("plant.volatile").first()->getStorageName(), QString());
-        QVERIFY(!run->addEntry(run->record("other"),
-                               Data::Entries::utils::EntriesOfPair("plant.volatile").first()->getId()));
+        const auto entry = EntriesOfPair("plant.volatile").first();
+        QCOMPARE(entry->getStorageName(), QString());
+        QVERIFY(!run->addEntry(run->record("other"), entry->getId()));
     }
 
     void pairOnTheWayToADeeperOne()
@@ -163,8 +134,8 @@ private Q_SLOTS:
         QCOMPARE(link("b").size(), 2);
         QVERIFY(run->remove(entry));
         QCOMPARE(link("b"), QStringList());
-        QCOMPARE(Data::Entries::utils::FindPair("plant.b"), nullptr);
-        QCOMPARE(Data::Entries::utils::EntriesOfPair("plant.b.c"), QList<std::shared_ptr<Entry>>{deeper});
+        QCOMPARE(FindPair("plant.b"), nullptr);
+        QCOMPARE(EntriesOfPair("plant.b.c"), QList<std::shared_ptr<Entry>>{deeper});
     }
 
     void storedEntriesComeWithTheirElements()
@@ -180,16 +151,16 @@ private Q_SLOTS:
         QCOMPARE(full->getNumberOfChildren(), 3u);
         QCOMPARE(full->copyData().serialize.pendingCreates.load(), 0u);
         QCOMPARE(run->parsed(full, 2), 2.0);
-        QCOMPARE(Data::Entries::utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+        QCOMPARE(FindPair("plant.full")->getNumberOfChildren(), 3u);
         QVERIFY(run->create(storage, stub("full"))); // is there
         QCOMPARE(link("full").size(), 2);
 
         // Taken off the tree and attached again: the pair shows the new elements.
-        Data::Entries::utils::UnlinkEntryFromPair(full);
+        UnlinkEntryFromPair(full);
         full->setDeleteFlag();
         QVERIFY(run->create(storage, stub("full", LoadDataHint::LoadAtOnce)));
         QTRY_COMPARE(child("full")->getLoadStatus(), LoadStatus::Loaded);
-        QCOMPARE(Data::Entries::utils::FindPair("plant.full")->getNumberOfChildren(), 3u);
+        QCOMPARE(FindPair("plant.full")->getNumberOfChildren(), 3u);
 
         // Elements that cannot be read, a medium that miscounts, a storage that has gone.
         store("broken", 2);
@@ -243,15 +214,14 @@ private Q_SLOTS:
     void discardedElementsAreNotLoaded()
     {
         store("late", 2);
+        // All threads are busy, so that the elements stay in the queue.
         run->pool().setMaxThreadCount(8);
         twin->arrange(Operation::SerializeElement, Fault::Hang, 1, StorageTwin::Always);
         const auto gate = run->addEntry(run->record("gate", "disk"));
         for (int i = 0; i < 8; ++i)
             run->pool().startCreateTask(gate, {}, QVariant::fromValue(run->value(1, 1)), CreatePoint::All);
         QTRY_COMPARE(twin->hanging(), 8);
-        // All threads are busy, so that the elements stay in the queue.
-        EntryCreateTask task({}, storage, {}, QVariant::fromValue(stub("late")), CreatePoint::Done);
-        task.run();
+        EntryCreateTask({}, storage, {}, QVariant::fromValue(stub("late")), CreatePoint::Done).run();
         QCOMPARE(child("late")->getLoadStatus(), LoadStatus::CurrentlyLoading);
         run->pool().clear();
         QCOMPARE(child("late")->getLoadStatus(), LoadStatus::NotLoaded);
@@ -261,35 +231,30 @@ private Q_SLOTS:
         QTRY_COMPARE(gate->getNumberOfChildren(), 8u);
     }
 
-    void refusedAddOfAStoredEntryKeepsIt()
+    void entryWhosePairHasNoPlace()
     {
         store("kept", 2, 5);
-        const auto info = std::make_shared<EntryInfo>();
-        info->uuid = "kept";
-        info->serialize = run->record("entry", "disk");
-        info->serialize.classification = storage->getId();
+        const QStringList before = onMedium();
         // The place of the pair's link is taken by a node that is no attribute.
-        storage->addChild(
-            Tessellum::Notification::utils::MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("entry"));
-        QVERIFY(!run->create(root(), info));
-        QVERIFY(!child("kept"));
+        storage->addChild(MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("entry"));
+        LogCapture log;
+        for (const char *uuid : {"new", "kept"}) {
+            const auto info = std::make_shared<EntryInfo>();
+            info->uuid = uuid;
+            info->serialize = run->record("entry", "disk");
+            info->serialize.classification = storage->getId();
+            QVERIFY(!run->create(root(), info));
+            QCOMPARE(log.lines().filter("failed to link uuid to entry path, removing the entry").size(),
+                     uuid == QString("new") ? 1 : 2);
+        }
+        QCOMPARE(storage->getNumberOfChildren(), 1u);
+        QCOMPARE(onMedium(), before);
         EntrySerializeInformation record;
         QVERIFY(twin->deserializeEntry("kept", record));
         QCOMPARE(record.classification, QString("plant"));
         QCOMPARE(record.capacity, 5u);
         QStringList elements;
         QCOMPARE(twin->getElementIds("kept", elements), 2u);
-    }
-
-    void pairStandsForAllItsEntries()
-    {
-        run->addEntry(run->record("speed", "disk"));
-        run->addEntry(run->record("speed"));
-        const auto pair = Data::Entries::utils::FindPair("plant.speed");
-        QVERIFY(run->remove(pair));
-        QVERIFY(!root()->findChildByRelativePath("plant.speed"));
-        QCOMPARE(storage->getNumberOfChildren(), 0u);
-        QVERIFY(!run->remove(pair)); // has gone
     }
 
     void entryOfAStorageThatGoesMeanwhile()

@@ -15,22 +15,25 @@
 
 namespace TestSupport {
 
+using namespace Tessellum::AppData;
+using Tessellum::Notification::CreatePoint;
+using Tessellum::Notification::DeletePoint;
+using Tessellum::Notification::UpdatePoint;
+using Tessellum::Notification::UpdateResult;
+using Operation = StorageTwin::Operation;
+using Fault = StorageTwin::Fault;
+
 /*! One run of both repositories, with storages that are twins. */
 class RunningDataRepository
 {
 public:
     using Provider = Tessellum::AppData::utils::RepositoryProvider;
-    using Entry = Tessellum::AppData::Data::Entries::Entry;
-    using EntryInfo = Tessellum::AppData::Data::Entries::EntryInfo;
-    using EntryRecord = Tessellum::AppData::Data::Entries::EntrySerializeInformation;
-    using Element = Tessellum::AppData::Data::Elements::Element;
-    using Storage = Tessellum::AppData::Storages::Storage;
+    using Entry = Data::Entries::Entry;
+    using EntryInfo = Data::Entries::EntryInfo;
+    using EntryRecord = Data::Entries::EntrySerializeInformation;
+    using Element = Data::Elements::Element;
+    using Storage = Storages::Storage;
     using CategoryType = Tessellum::AppData::CategoryType;
-    using PersistenceType = Tessellum::AppData::PersistenceType;
-    using LoadDataHint = Tessellum::AppData::LoadDataHint;
-    using CreatePoint = Tessellum::Notification::CreatePoint;
-    using DeletePoint = Tessellum::Notification::DeletePoint;
-    using UpdatePoint = Tessellum::Notification::UpdatePoint;
     using NodePtr = std::shared_ptr<Shared::Hierarchy::HierarchyNode>;
 
     RunningDataRepository() { provider().setRepositoryActive(false); }
@@ -48,11 +51,11 @@ public:
                                         LoadDataHint hint = LoadDataHint::OnDemand)
     {
         twin->connectStorage();
-        Tessellum::AppData::Storages::StorageCreateDataDetails details;
+        Storages::StorageCreateDataDetails details;
         details.implementation = twin;
         details.loadDataHint = hint;
         const auto storage = Tessellum::Notification::utils::MakeNode<Storage>(
-            Tessellum::AppData::Storages::StorageCreateData(name, QStringLiteral("twin"), name, details));
+            Storages::StorageCreateData(name, QStringLiteral("twin"), name, details));
         provider().getRoot()->addChild(storage);
         const auto names = RunningRepository::provider().getListPattern(QStringLiteral("names"),
                                                                         QStringLiteral("storages"));
@@ -65,7 +68,7 @@ public:
     {
         for (const auto &child : storage->getChildren(false)) {
             if (const auto entry = std::dynamic_pointer_cast<Entry>(child))
-                Tessellum::AppData::Data::Entries::utils::UnlinkEntryFromPair(entry);
+                Data::Entries::utils::UnlinkEntryFromPair(entry);
         }
         storage->setDeleteFlag();
         RunningRepository::provider()
@@ -95,7 +98,7 @@ public:
     {
         return create(parent, QVariant::fromValue(data));
     }
-    static bool update(const NodePtr &node, const Tessellum::AppData::Data::Elements::ElementUpdateData &data)
+    static bool update(const NodePtr &node, const Data::Elements::ElementUpdateData &data)
     {
         return Tessellum::Notification::utils::WaitForSuccess(
             pool(), pool().startUpdateTask(node, QVariant::fromValue(data), UpdatePoint::Done));
@@ -115,16 +118,25 @@ public:
         info->serialize = entryRecord;
         if (!create(provider().getRoot(), info))
             return nullptr;
-        return Tessellum::AppData::Data::Entries::utils::EntriesOfPair(
-                   Tessellum::AppData::Data::Entries::utils::PairPath(entryRecord.classification,
-                                                                      entryRecord.name))
+        return Data::Entries::utils::EntriesOfPair(
+                   Data::Entries::utils::PairPath(entryRecord.classification, entryRecord.name))
             .value(0);
     }
 
-    /*! A value with the keys that make an element. */
-    static Tessellum::AppData::Data::Elements::ElementUpdateData value(quint64 timestamp, double parsed)
+    /*! What the configuration shows of the load status of a node; empty without an attribute. */
+    static QString shownStatus(const QString &nodePath)
     {
-        Tessellum::AppData::Data::Elements::ElementUpdateData data;
+        const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
+            RunningRepository::provider().getRoot()->findChildByRelativePath("appdata." + nodePath
+                                                                             + ".loaded"));
+        QVariant value;
+        return attribute && attribute->getValue(value, QMetaType::QString) ? value.toString() : QString();
+    }
+
+    /*! A value with the keys that make an element. */
+    static Data::Elements::ElementUpdateData value(quint64 timestamp, double parsed)
+    {
+        Data::Elements::ElementUpdateData data;
         data.setActive(true);
         data.setTimestamp(timestamp);
         data.setParsedData(parsed);
@@ -149,6 +161,28 @@ public:
 
 private:
     RunningRepository configuration;
+};
+
+/*! What most tests of the data begin with: a run of both repositories and a storage "disk" on a twin. */
+struct DiskFixture
+{
+    void begin()
+    {
+        run = std::make_unique<RunningDataRepository>();
+        twin = StorageTwin::Make();
+        storage = run->addStorage(QStringLiteral("disk"), twin);
+    }
+    void end()
+    {
+        twin->release();
+        storage.reset();
+        run.reset();
+        twin.reset();
+    }
+
+    std::unique_ptr<RunningDataRepository> run;
+    std::shared_ptr<StorageTwin> twin;
+    std::shared_ptr<Storages::Storage> storage;
 };
 
 } // namespace TestSupport
