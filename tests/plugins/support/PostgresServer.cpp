@@ -17,18 +17,19 @@ constexpr int Patience = 60000; // milliseconds
 
 QString Program(const QString &name)
 {
-    const QDir versions(QStringLiteral("/usr/lib/postgresql"));
+    const QDir versions("/usr/lib/postgresql");
     const QStringList found = versions.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-    return found.isEmpty() ? name : versions.filePath(found.last() + QStringLiteral("/bin/") + name);
+    return found.isEmpty() ? name : versions.filePath(found.last() + "/bin/" + name);
 }
 
 // The server refuses to run as root. Whatever becomes of the test, its server ends too.
 QStringList AsServersUser(const QStringList &command)
 {
-    QStringList arguments{QStringLiteral("--pdeathsig"), QStringLiteral("INT")};
+    QStringList arguments{"--pdeathsig", "INT"};
     if (geteuid() == 0) {
-        arguments << QStringLiteral("--reuid=postgres") << QStringLiteral("--regid=postgres")
-                  << QStringLiteral("--clear-groups");
+        arguments << "--reuid=postgres"
+                  << "--regid=postgres"
+                  << "--clear-groups";
     }
     return arguments + command;
 }
@@ -44,12 +45,9 @@ bool PostgresServer::initialize()
     }
     QProcess init;
     init.setWorkingDirectory(folder());
-    init.start(
-        QStringLiteral("setpriv"),
-        AsServersUser({Program(QStringLiteral("initdb")), QStringLiteral("-D"),
-                       folder() + QStringLiteral("/data"), QStringLiteral("-U"), QStringLiteral("recorder"),
-                       QStringLiteral("--auth=trust"), QStringLiteral("-E"), QStringLiteral("UTF8"),
-                       QStringLiteral("--no-locale"), QStringLiteral("--no-sync")}));
+    init.start("setpriv",
+               AsServersUser({Program("initdb"), "-D", folder() + "/data", "-U", "recorder", "--auth=trust",
+                              "-E", "UTF8", "--no-locale", "--no-sync"}));
     initialized = init.waitForFinished(Patience) && init.exitCode() == 0;
     if (!initialized)
         qWarning("%s", init.readAllStandardError().constData());
@@ -63,12 +61,11 @@ bool PostgresServer::start()
     if (!directory.isValid() || (!initialized && !initialize()))
         return false;
     server.setWorkingDirectory(folder());
-    server.setStandardOutputFile(folder() + QStringLiteral("/log"));
+    server.setStandardOutputFile(folder() + "/log");
     server.setProcessChannelMode(QProcess::MergedChannels);
-    server.start(QStringLiteral("setpriv"),
-                 AsServersUser({Program(QStringLiteral("postgres")), QStringLiteral("-D"),
-                                folder() + QStringLiteral("/data"), QStringLiteral("-k"), folder(),
-                                QStringLiteral("-c"), QStringLiteral("listen_addresses=")}));
+    server.start("setpriv",
+                 AsServersUser({Program("postgres"), "-D", folder() + "/data", "-k", folder(), "-c",
+                                "listen_addresses="}));
     const QDeadlineTimer deadline(Patience);
     while (!isReady()) {
         if (deadline.hasExpired() || server.state() == QProcess::NotRunning)
@@ -101,10 +98,7 @@ void PostgresServer::freeze(bool hang)
 
 bool PostgresServer::isReady() const
 {
-    return QProcess::execute(Program(QStringLiteral("pg_isready")),
-                             {QStringLiteral("-q"), QStringLiteral("-h"), folder(), QStringLiteral("-d"),
-                              QStringLiteral("postgres")})
-        == 0;
+    return QProcess::execute(Program("pg_isready"), {"-q", "-h", folder(), "-d", "postgres"}) == 0;
 }
 
 QUrl PostgresServer::url(const QString &schema, const QString &more) const

@@ -6,8 +6,9 @@
 
 namespace TestSupport {
 
-using EntryRecord = Tessellum::AppData::Storages::StorageImplementation::EntryRecord;
-using ElementValues = Tessellum::AppData::Storages::StorageImplementation::ElementValues;
+using Tessellum::AppData::Storages::StorageImplementation;
+using EntryRecord = StorageImplementation::EntryRecord;
+using ElementValues = StorageImplementation::ElementValues;
 
 inline QString Uuid()
 {
@@ -29,6 +30,22 @@ inline ElementValues Values(quint64 stamp, const QByteArray &raw, bool active = 
     values.setTimestamp(stamp);
     values.setRawData(raw);
     return values;
+}
+
+// The time stamps of an entry's elements, in their order.
+inline QList<qulonglong> Stamps(const std::shared_ptr<StorageImplementation> &storage, const QString &entry)
+{
+    QList<qulonglong> found;
+    QStringList uuids;
+    storage->getElementIds(entry, uuids);
+    for (const QString &uuid : qAsConst(uuids)) {
+        ElementValues values;
+        quint64 stamp = ~quint64(0);
+        storage->deserializeElement(entry, uuid, values, Tessellum::AppData::LoadDataHint::OnDemand);
+        values.getTimestamp(stamp);
+        found.append(stamp);
+    }
+    return found;
 }
 
 } // namespace TestSupport
