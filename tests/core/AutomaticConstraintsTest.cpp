@@ -35,27 +35,25 @@ class AutomaticConstraintsTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void fileBesideTheLibraryIsLoaded();
+    void fileBesideTheLibraryIsLoaded()
+    {
+        QTemporaryDir folder;
+        const QString copy = folder.filePath("copy");
+        QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
+        QFile file(folder.filePath("constraints.ini"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[small]\nType=limit_int\nMaximum=9\n") > 0);
+        file.close();
+        QProcess process;
+        process.setWorkingDirectory(QDir::rootPath());
+        process.start(copy, {"copy"});
+        const auto endProcess = qScopeGuard([&process] {
+            process.kill();
+            process.waitForFinished();
+        });
+        QVERIFY(process.waitForFinished(100000));
+        QCOMPARE(process.exitCode(), 0);
+    }
 };
-
-void AutomaticConstraintsTest::fileBesideTheLibraryIsLoaded()
-{
-    QTemporaryDir folder;
-    const QString copy = folder.filePath("copy");
-    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
-    QFile file(folder.filePath("constraints.ini"));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[small]\nType=limit_int\nMaximum=9\n") > 0);
-    file.close();
-    QProcess process;
-    process.setWorkingDirectory(QDir::rootPath());
-    process.start(copy, {"copy"});
-    const auto endProcess = qScopeGuard([&process] {
-        process.kill();
-        process.waitForFinished();
-    });
-    QVERIFY(process.waitForFinished(100000));
-    QCOMPARE(process.exitCode(), 0);
-}
 
 int main(int argc, char *argv[])
 {

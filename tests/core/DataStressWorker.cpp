@@ -43,13 +43,13 @@ bool DataStressWorker::beginRun()
 {
     valid = true;
     medium = StorageTwin::Make();
-    model = {{QStringLiteral("plain"), {{}, 0, false, {}}},
-             {QStringLiteral("ring"), {{}, 3, false, {}}},
-             {QStringLiteral("stored"), {{}, 0, true, {}}},
-             {QStringLiteral("storedring"), {{}, 5, true, {}}}};
+    model = {{"plain", {{}, 0, false, {}}},
+             {"ring", {{}, 3, false, {}}},
+             {"stored", {{}, 0, true, {}}},
+             {"storedring", {{}, 5, true, {}}}};
     Storages::StorageCreateDataDetails details;
     details.implementation = medium;
-    bool ok = repository()->getStorageInterface()->addStorage(QStringLiteral("twin"), storageName(), details,
+    bool ok = repository()->getStorageInterface()->addStorage("twin", storageName(), details,
                                                               CreatePoint::Done, QString());
     for (const QString &name : model.keys())
         ok = addEntry(name) && ok;
@@ -67,29 +67,27 @@ void DataStressWorker::doSomething()
     if (!valid)
         return;
     ++operations;
+    using Action = void (DataStressWorker::*)(const QString &);
+    static constexpr std::pair<int, Action> actions[]
+        = {{45, &DataStressWorker::add},
+           {5, &DataStressWorker::setTimestamp},
+           {15, &DataStressWorker::readOwn},
+           {7, &DataStressWorker::readOthers},
+           {8, &DataStressWorker::loadOrUnload},
+           {6, &DataStressWorker::changeStrategy},
+           {4, &DataStressWorker::removeAndAdd},
+           {2, &DataStressWorker::removeAndAddStorage},
+           {4, &DataStressWorker::unloadAndLoadEntry},
+           {4, &DataStressWorker::useConfiguration}}; // of a hundred
     const QStringList names = model.keys();
-    const QString name = names.at(random.bounded(names.size()));
-    const int dice = random.bounded(100);
-    if (dice < 45)
-        add(name);
-    else if (dice < 50)
-        setTimestamp(name);
-    else if (dice < 65)
-        readOwn(name);
-    else if (dice < 72)
-        readOthers();
-    else if (dice < 80)
-        loadOrUnload(name);
-    else if (dice < 86)
-        changeStrategy(name);
-    else if (dice < 90)
-        removeAndAdd(name);
-    else if (dice < 92)
-        removeAndAddStorage();
-    else if (dice < 96)
-        unloadAndLoadEntry(name);
-    else
-        useConfiguration();
+    int dice = random.bounded(100);
+    for (const auto &[chances, action] : actions) {
+        dice -= chances;
+        if (dice < 0) {
+            (this->*action)(names.at(random.bounded(names.size())));
+            break;
+        }
+    }
     if (stopping)
         valid = false;
 }
@@ -100,14 +98,14 @@ DataStressWorker::EntryPtr DataStressWorker::find(const QString &name) const
     const EntryPtr entry
         = data ? data->getDataEntryInterface()->getDataEntry(model.value(name).uuid) : nullptr;
     if (!entry)
-        fail(QStringLiteral("the entry %1 is not there").arg(name));
+        fail("the entry %1 is not there"_s.arg(name));
     return entry;
 }
 
 void DataStressWorker::fail(const QString &text) const
 {
     if (!stopping && failure.isEmpty())
-        failure = QStringLiteral("worker %1: %2").arg(number).arg(text);
+        failure = "worker %1: %2"_s.arg(number).arg(text);
 }
 
 bool DataStressWorker::addEntry(const QString &name)
@@ -140,21 +138,21 @@ void DataStressWorker::add(const QString &name)
     const QString uuid = entry->getManipulationInterface()->addDataElementValue(
         timestamp, ElementValueKind::ParsedValue, value, CreatePoint::Done, &index);
     if (uuid.isEmpty()) {
-        fail(QStringLiteral("a value of %1 was not taken").arg(name));
+        fail("a value of %1 was not taken"_s.arg(name));
         return;
     }
     Entry &known = model[name];
     if (known.capacity == 0 || quint64(known.values.size()) < known.capacity) {
         known.values.append({uuid, timestamp, value});
         if (index != known.values.size() - 1)
-            fail(QStringLiteral("%1: the new index is %2").arg(name).arg(index));
+            fail("%1: the new index is %2"_s.arg(name).arg(index));
         return;
     }
     const auto oldest = std::min_element(
         known.values.begin(), known.values.end(),
         [](const Value &left, const Value &right) { return left.timestamp < right.timestamp; });
     if (oldest->uuid != uuid)
-        fail(QStringLiteral("%1: the ring did not overwrite the oldest").arg(name));
+        fail("%1: the ring did not overwrite the oldest"_s.arg(name));
     *oldest = {oldest->uuid, timestamp, value};
 }
 
@@ -170,10 +168,10 @@ void DataStressWorker::setTimestamp(const QString &name)
     if (element && element->getManipulationInterface()->setTimestamp(timestamp, UpdatePoint::Done))
         value.timestamp = timestamp;
     else
-        fail(QStringLiteral("%1: a time stamp was not set").arg(name));
+        fail("%1: a time stamp was not set"_s.arg(name));
 }
 
-void DataStressWorker::readOwn(const QString &name) const
+void DataStressWorker::readOwn(const QString &name)
 {
     const EntryPtr entry = find(name);
     if (!entry)
@@ -183,12 +181,12 @@ void DataStressWorker::readOwn(const QString &name) const
         fail(difference);
 }
 
-void DataStressWorker::readOthers() const
+void DataStressWorker::readOthers(const QString &)
 {
     const auto data = repository();
     if (!data)
         return;
-    for (const auto &entry : data->getDataEntryInterface()->getDataEntries(QStringLiteral("stress*"))) {
+    for (const auto &entry : data->getDataEntryInterface()->getDataEntries("stress*")) {
         const auto query = entry->getQueryInterface();
         if (!query) // its owner has removed it
             continue;
@@ -212,7 +210,7 @@ void DataStressWorker::loadOrUnload(const QString &name)
     const auto element = entry ? entry->getQueryInterface()->getElementById(uuid) : nullptr;
     const auto command = random.bounded(2) == 0 ? ElementCommand::Load : ElementCommand::Unload;
     if (!element || !element->getManipulationInterface()->performCommand(command))
-        fail(QStringLiteral("%1: an element was not loaded or unloaded").arg(name));
+        fail("%1: an element was not loaded or unloaded"_s.arg(name));
 }
 
 void DataStressWorker::changeStrategy(const QString &name)
@@ -223,15 +221,14 @@ void DataStressWorker::changeStrategy(const QString &name)
     const auto memory = entry->getMemoryStrategyInterface();
     switch (random.bounded(4)) {
     case 0:
-        memory->installMemoryStrategy(QStringLiteral("last"), QStringLiteral("{\"limit\":2}"));
+        memory->installMemoryStrategy("last", "{\"limit\":2}");
         break;
     case 1:
-        memory->installMemoryStrategy(
-            QStringLiteral("timespan"),
-            QStringLiteral("{\"from\":{\"value\":5,\"type\":\"relative_from_end\"}}"));
+        memory->installMemoryStrategy("timespan"_s,
+                                      "{\"from\":{\"value\":5,\"type\":\"relative_from_end\"}}"_s);
         break;
     case 2:
-        memory->configureMemoryStrategy(QStringLiteral("{\"limit\":1}"));
+        memory->configureMemoryStrategy("{\"limit\":1}");
         break;
     default:
         memory->removeMemoryStrategy();
@@ -242,10 +239,10 @@ void DataStressWorker::removeAndAdd(const QString &name)
 {
     const auto data = repository();
     if (!data || !data->getDataEntryInterface()->removeDataEntry(model.value(name).uuid) || !addEntry(name))
-        fail(QStringLiteral("%1 was not removed and added again").arg(name));
+        fail("%1 was not removed and added again"_s.arg(name));
 }
 
-void DataStressWorker::removeAndAddStorage()
+void DataStressWorker::removeAndAddStorage(const QString &)
 {
     const auto data = repository();
     if (!data)
@@ -254,11 +251,11 @@ void DataStressWorker::removeAndAddStorage()
     Storages::StorageCreateDataDetails details;
     details.implementation = medium;
     bool ok = storages->removeStorage(storageName())
-        && storages->addStorage(QStringLiteral("twin"), storageName(), details, CreatePoint::Done, QString());
+        && storages->addStorage("twin", storageName(), details, CreatePoint::Done, QString());
     for (const Entry &entry : qAsConst(model))
         ok = ok && (!entry.persistent || loadEntry(entry.uuid));
     if (!ok)
-        fail(QStringLiteral("the storage was not removed and added again"));
+        fail("the storage was not removed and added again");
 }
 
 void DataStressWorker::unloadAndLoadEntry(const QString &name)
@@ -269,7 +266,7 @@ void DataStressWorker::unloadAndLoadEntry(const QString &name)
     if (!known.persistent || !storage)
         return;
     if (!storage->getManipulationInterface()->unloadDataEntry(known.uuid) || !loadEntry(known.uuid))
-        fail(QStringLiteral("%1 was not unloaded and loaded again").arg(name));
+        fail("%1 was not unloaded and loaded again"_s.arg(name));
 }
 
 bool DataStressWorker::loadEntry(const QString &uuid) const
@@ -282,13 +279,13 @@ bool DataStressWorker::loadEntry(const QString &uuid) const
     return WaitUntilLoaded(data->getDataEntryInterface()->getDataEntry(uuid), QDeadlineTimer(longestMs));
 }
 
-void DataStressWorker::useConfiguration()
+void DataStressWorker::useConfiguration(const QString &)
 {
     Core::CoreInterface *const core = getCoreInterface();
     const auto configuration = core ? core->getAppConfigRepository() : nullptr;
     if (configuration)
-        configuration->getManipulationInterface()->updateAttribute(QStringLiteral("stressed.w%1").arg(number),
-                                                                   operations, UpdatePoint::Done);
+        configuration->getManipulationInterface()->updateAttribute("stressed.w%1"_s.arg(number), operations,
+                                                                   UpdatePoint::Done);
 }
 
 QString DataStressWorker::findDifference() const
@@ -298,7 +295,7 @@ QString DataStressWorker::findDifference() const
     for (auto entry = model.cbegin(); valid && entry != model.cend(); ++entry) {
         const QString difference = differenceOf(entry.key(), *entry);
         if (!difference.isEmpty())
-            return QStringLiteral("worker %1: %2").arg(number).arg(difference);
+            return "worker %1: %2"_s.arg(number).arg(difference);
     }
     return {};
 }
@@ -310,16 +307,15 @@ QString DataStressWorker::differenceOf(const QString &name, const Entry &expecte
     const auto pair = entries ? entries->getDataEntry(classification(), name) : nullptr;
     const auto entry = entries ? entries->getDataEntry(expected.uuid) : nullptr;
     if (!pair || !entry)
-        return QStringLiteral("%1 or its pair is missing").arg(name);
+        return "%1 or its pair is missing"_s.arg(name);
     const auto linked = entries->getDataEntries(classification() + QLatin1Char('.') + name);
     if (linked.size() != 1 || linked.first()->getUuid() != expected.uuid)
-        return QStringLiteral("%1: the pair links to %2 entries").arg(name).arg(linked.size());
+        return "%1: the pair links to %2 entries"_s.arg(name).arg(linked.size());
     const auto found
         = entry->getQueryInterface()->getElements(ActivationMask::All, Interfaces::PassThroughFilter());
     const auto references = pair->getQueryInterface()->countElements(ActivationMask::All);
     if (found.size() != expected.values.size() || references != quint64(found.size())) {
-        return QStringLiteral("%1: %2 elements and %3 references in place of %4")
-            .arg(name)
+        return "%1: %2 elements and %3 references in place of %4"_s.arg(name)
             .arg(found.size())
             .arg(references)
             .arg(expected.values.size());
@@ -330,8 +326,7 @@ QString DataStressWorker::differenceOf(const QString &name, const Entry &expecte
         const QVariant parsed = *query->getParsedData();
         if (found.at(i)->getUuid() != value.uuid || query->getTimestamp() != value.timestamp
             || parsed.toDouble() != value.value) {
-            return QStringLiteral("%1: element %2 is %3 at %4 in place of %5 at %6")
-                .arg(name)
+            return "%1: element %2 is %3 at %4 in place of %5 at %6"_s.arg(name)
                 .arg(i)
                 .arg(parsed.toString())
                 .arg(query->getTimestamp())
@@ -346,7 +341,7 @@ QString DataStressWorker::differenceOf(const QString &name, const Entry &expecte
         if (!medium->deserializeElement(expected.uuid, value.uuid, stored, LoadDataHint::LoadAtOnce)
             || !stored.getTimestamp(timestamp) || timestamp != value.timestamp || !stored.getRawData(raw)
             || raw != query->getRawData()) {
-            return QStringLiteral("%1: the medium differs in element %2").arg(name).arg(i);
+            return "%1: the medium differs in element %2"_s.arg(name).arg(i);
         }
     }
     return {};

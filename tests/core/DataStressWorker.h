@@ -49,19 +49,19 @@ private:
     void doSomething();
     void add(const QString &name);
     void setTimestamp(const QString &name);
-    void readOwn(const QString &name) const;
-    void readOthers() const;
+    void readOwn(const QString &name);
+    void readOthers(const QString &);
     void loadOrUnload(const QString &name);
     void changeStrategy(const QString &name);
     void removeAndAdd(const QString &name);
-    void removeAndAddStorage();
+    void removeAndAddStorage(const QString &);
     void unloadAndLoadEntry(const QString &name);
-    void useConfiguration();
+    void useConfiguration(const QString &);
     bool addEntry(const QString &name);
     bool loadEntry(const QString &uuid) const;
     EntryPtr find(const QString &name) const;
-    QString classification() const { return QStringLiteral("stress%1").arg(number); }
-    QString storageName() const { return QStringLiteral("medium%1").arg(number); }
+    QString classification() const { return "stress%1"_s.arg(number); }
+    QString storageName() const { return "medium%1"_s.arg(number); }
     QString differenceOf(const QString &name, const Entry &expected) const;
     void fail(const QString &text) const;
 

@@ -35,102 +35,99 @@ class PluginTest : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void cleanup() { uninitializeLibrary(); }
-    void pathsCountOnce();
-    void pluginBeforeTheStartServesEveryRun();
-    void badFilesArePassedOver();
-    void badPluginsHarmNothing();
-};
 
-void PluginTest::pathsCountOnce()
-{
-    QTemporaryDir folder;
-    QCOMPARE(addPluginSearchPath(QString()), -2);
-    QCOMPARE(addPluginSearchPath(folder.path()), 0);
-    QCOMPARE(addPluginSearchPath(folder.path()), -1);
-    QCOMPARE(addPluginSearchPath(folder.path() + '/'), 0);
-    QCOMPARE(addPluginSearchPath(folder.filePath("none")), 0);
-    QCOMPARE(initializeLibrary(), 0);
-    QCOMPARE(addPluginSearchPath(folder.path()), -1);
-}
-
-void PluginTest::pluginBeforeTheStartServesEveryRun()
-{
-    QTemporaryDir plugins;
-    QTemporaryDir values;
-    QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.bp")));
-    QFile value(values.filePath("net.port"));
-    QVERIFY(value.open(QIODevice::WriteOnly) && value.write("8080\n") == 5);
-    value.close();
-
-    QCOMPARE(addPluginSearchPath(plugins.path()), 0);
-    for (int run = 0; run < 2; ++run) {
+    void pathsCountOnce()
+    {
+        QTemporaryDir folder;
+        QCOMPARE(addPluginSearchPath(QString()), -2);
+        QCOMPARE(addPluginSearchPath(folder.path()), 0);
+        QCOMPARE(addPluginSearchPath(folder.path()), -1);
+        QCOMPARE(addPluginSearchPath(folder.path() + '/'), 0);
+        QCOMPARE(addPluginSearchPath(folder.filePath("none")), 0);
         QCOMPARE(initializeLibrary(), 0);
-        QCOMPARE(readInternal("types.backends.folder"), QVariant("Backend: folder"));
-        QCOMPARE(readInternal("modules.information.FolderBackend.FileVersion"), QVariant("1.0"));
-        QVERIFY(readInternal("names.modules.FolderBackend").isValid());
-        QVERIFY(createBackend("folder", "f", values.path()));
-        const auto repository = getCoreInterface()->getAppConfigRepository();
-        QVariant port;
-        QVERIFY(repository->getQueryInterface()->getValue("f.net.port", port, QMetaType::Int));
-        QCOMPARE(port, QVariant(8080 + run));
-        QVERIFY(repository->getManipulationInterface()->createAttribute("f.net.port", 8081, CreatePoint::Done,
-                                                                        3));
-        QVERIFY(repository->getBackendInterface()->saveBackend("f"));
-        QVERIFY(!createBackend("folder", "g", values.filePath("none")));
-        QCOMPARE(uninitializeLibrary(), 1);
+        QCOMPARE(addPluginSearchPath(folder.path()), -1);
     }
-    QVERIFY(value.open(QIODevice::ReadOnly));
-    QCOMPARE(value.readAll(), QByteArray("8081"));
-}
 
-void PluginTest::badFilesArePassedOver()
-{
-    QTemporaryDir plugins;
-    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), plugins.filePath("program.so")));
-    QVERIFY(QFile::copy(LIBRARY_WITHOUT_ENTRY, plugins.filePath("library.so")));
-    QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.txt")));
-    QVERIFY(QDir(plugins.path()).mkdir("folder.bp"));
-    QFile text(plugins.filePath("text.bp"));
-    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no library") > 0);
-    text.close();
-    QFile plugin(FOLDER_BACKEND);
-    QVERIFY(plugin.open(QIODevice::ReadOnly));
-    QFile half(plugins.filePath("half.bp"));
-    QVERIFY(half.open(QIODevice::WriteOnly) && half.write(plugin.read(plugin.size() / 2)) > 0);
-    half.close();
-    QCOMPARE(initializeLibrary(), 0);
-    const TestSupport::LogCapture log;
-    QCOMPARE(addPluginSearchPath(plugins.path()), 0);
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void PluginTest::badPluginsHarmNothing()
-{
-    QCOMPARE(initializeLibrary(), 0);
-    for (const bool returns : {false, true}) {
+    void pluginBeforeTheStartServesEveryRun()
+    {
         QTemporaryDir plugins;
-        const QString file = plugins.filePath("odd.so");
-        QVERIFY(QFile::copy(ODD_PLUGIN, file));
-        qputenv("ODD_PLUGIN_RETURNS", "1");
-        if (!returns)
-            qunsetenv("ODD_PLUGIN_RETURNS");
+        QTemporaryDir values;
+        QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.bp")));
+        QFile value(values.filePath("net.port"));
+        QVERIFY(value.open(QIODevice::WriteOnly) && value.write("8080\n") == 5);
+        value.close();
+
+        QCOMPARE(addPluginSearchPath(plugins.path()), 0);
+        for (int run = 0; run < 2; ++run) {
+            QCOMPARE(initializeLibrary(), 0);
+            QCOMPARE(readInternal("types.backends.folder"), QVariant("Backend: folder"));
+            QCOMPARE(readInternal("modules.information.FolderBackend.FileVersion"), QVariant("1.0"));
+            QVERIFY(readInternal("names.modules.FolderBackend").isValid());
+            QVERIFY(createBackend("folder", "f", values.path()));
+            const auto repository = getCoreInterface()->getAppConfigRepository();
+            QVariant port;
+            QVERIFY(repository->getQueryInterface()->getValue("f.net.port", port, QMetaType::Int));
+            QCOMPARE(port, QVariant(8080 + run));
+            QVERIFY(repository->getManipulationInterface()->createAttribute("f.net.port", 8081,
+                                                                            CreatePoint::Done, 3));
+            QVERIFY(repository->getBackendInterface()->saveBackend("f"));
+            QVERIFY(!createBackend("folder", "g", values.filePath("none")));
+            QCOMPARE(uninitializeLibrary(), 1);
+        }
+        QVERIFY(value.open(QIODevice::ReadOnly));
+        QCOMPARE(value.readAll(), QByteArray("8081"));
+    }
+
+    void badFilesArePassedOver()
+    {
+        QTemporaryDir plugins;
+        QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), plugins.filePath("program.so")));
+        QVERIFY(QFile::copy(LIBRARY_WITHOUT_ENTRY, plugins.filePath("library.so")));
+        QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.txt")));
+        QVERIFY(QDir(plugins.path()).mkdir("folder.bp"));
+        QFile text(plugins.filePath("text.bp"));
+        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no library") > 0);
+        text.close();
+        QFile plugin(FOLDER_BACKEND);
+        QVERIFY(plugin.open(QIODevice::ReadOnly));
+        QFile half(plugins.filePath("half.bp"));
+        QVERIFY(half.open(QIODevice::WriteOnly) && half.write(plugin.read(plugin.size() / 2)) > 0);
+        half.close();
+        QCOMPARE(initializeLibrary(), 0);
         const TestSupport::LogCapture log;
         QCOMPARE(addPluginSearchPath(plugins.path()), 0);
-        QCOMPARE(log.lines().filter("loadPluginFiles() catched exception of plug-in '" + file + "'").size(),
-                 returns ? 0 : 1);
-        QCOMPARE(readInternal("modules.information.Odd.ModulePath").isValid(), returns);
+        QCOMPARE(log.lines(), QStringList());
     }
-    qunsetenv("ODD_PLUGIN_RETURNS");
-    for (const char *type : {"odd_empty", "odd_null", "odd_throwing"}) {
-        QCOMPARE(readInternal(QString("types.backends.%1").arg(type)),
-                 QVariant(QString("Backend: %1").arg(type)));
-        QVERIFY(!createBackend(type, "odd_backend"));
+
+    void badPluginsHarmNothing()
+    {
+        QCOMPARE(initializeLibrary(), 0);
+        for (const bool returns : {false, true}) {
+            QTemporaryDir plugins;
+            const QString file = plugins.filePath("odd.so");
+            QVERIFY(QFile::copy(ODD_PLUGIN, file));
+            qputenv("ODD_PLUGIN_RETURNS", "1");
+            if (!returns)
+                qunsetenv("ODD_PLUGIN_RETURNS");
+            const TestSupport::LogCapture log;
+            QCOMPARE(addPluginSearchPath(plugins.path()), 0);
+            QCOMPARE(
+                log.lines().filter("loadPluginFiles() catched exception of plug-in '" + file + "'").size(),
+                returns ? 0 : 1);
+            QCOMPARE(readInternal("modules.information.Odd.ModulePath").isValid(), returns);
+        }
+        qunsetenv("ODD_PLUGIN_RETURNS");
+        for (const char *type : {"odd_empty", "odd_null", "odd_throwing"}) {
+            QCOMPARE(readInternal(QString("types.backends.%1").arg(type)),
+                     QVariant(QString("Backend: %1").arg(type)));
+            QVERIFY(!createBackend(type, "odd_backend"));
+        }
+        QString hash;
+        QVERIFY(getLibraryHash(&hash));
+        QVERIFY(readInternal("types.backends." + hash).isValid());
+        QVERIFY(createBackend("memory", "odd_backend"));
     }
-    QString hash;
-    QVERIFY(getLibraryHash(&hash));
-    QVERIFY(readInternal("types.backends." + hash).isValid());
-    QVERIFY(createBackend("memory", "odd_backend"));
-}
+};
 
 QTEST_GUILESS_MAIN(PluginTest)
 #include "PluginTest.moc"

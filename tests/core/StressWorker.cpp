@@ -58,12 +58,6 @@ std::shared_ptr<AppConfig::Interfaces::RepositoryInterface> repository()
     return core ? core->getAppConfigRepository() : nullptr;
 }
 
-template <class Point>
-int numberOf(Point point)
-{
-    return static_cast<int>(point);
-}
-
 } // namespace
 
 StressWorker::StressWorker(int workerNumber, StressGate &workerGate, StressRecord &workerRecord)
@@ -94,27 +88,23 @@ qlonglong StressWorker::nextValue()
 
 void StressWorker::doSomething()
 {
-    const int dice = random.bounded(100);
-    if (dice < 15)
-        create();
-    else if (dice < 50)
-        update(randomOwnPath(), true);
-    else if (dice < 60)
-        update("stress.shared.k%1"_s.arg(random.bounded(10)), false);
-    else if (dice < 65)
-        updateRefused();
-    else if (dice < 73)
-        remove();
-    else if (dice < 78)
-        move();
-    else if (dice < 88)
-        read();
-    else if (dice < 95)
-        toggleHandler();
-    else if (dice < 98)
-        assign();
-    else if (const auto found = repository())
-        found->getBackendInterface()->saveBackend("stress"_s);
+    using Action = void (StressWorker::*)();
+    static constexpr std::pair<int, Action> actions[]
+        = {{15, &StressWorker::create},       {35, &StressWorker::updateOwn},
+           {10, &StressWorker::updateShared}, {5, &StressWorker::updateRefused},
+           {8, &StressWorker::remove},        {5, &StressWorker::move},
+           {10, &StressWorker::read},         {7, &StressWorker::toggleHandler},
+           {3, &StressWorker::assign},        {2, &StressWorker::save}}; // of a hundred
+    found = repository();
+    int dice = random.bounded(100);
+    for (const auto &[chances, action] : actions) {
+        dice -= chances;
+        if (found && dice < 0) {
+            (this->*action)();
+            break;
+        }
+    }
+    found.reset();
 }
 
 QString StressWorker::randomOwnPath()
@@ -124,9 +114,6 @@ QString StressWorker::randomOwnPath()
 
 void StressWorker::create()
 {
-    const auto found = repository();
-    if (!found)
-        return;
     const QString path = "%1.a.n%2"_s.arg(prefix()).arg(random.bounded(50));
     const qlonglong value = nextValue();
     const quint64 begun = StressClock::next();
@@ -135,14 +122,12 @@ void StressWorker::create()
     if (!created || stopping)
         return;
     model.insert(path, value);
-    record.add(
-        {StressKind::Create, path, 0, begun, {numberOf(CreatePoint::Begin), numberOf(CreatePoint::Done)}});
+    record.add({StressKind::Create, path, 0, begun, {int(CreatePoint::Begin), int(CreatePoint::Done)}});
 }
 
 void StressWorker::update(const QString &path, bool own)
 {
-    const auto found = repository();
-    if (!found || path.isEmpty())
+    if (path.isEmpty())
         return;
     const qlonglong value = nextValue();
     const quint64 begun = StressClock::next();
@@ -153,31 +138,37 @@ void StressWorker::update(const QString &path, bool own)
     if (own)
         model.insert(path, value);
     // The last point tells the value that stands there by then, in the shared part perhaps another thread's.
-    QVector<int> points{numberOf(UpdatePoint::Check), numberOf(UpdatePoint::Apply)};
+    QVector<int> points{int(UpdatePoint::Check), int(UpdatePoint::Apply)};
     if (own)
-        points.append(numberOf(UpdatePoint::Done));
+        points.append(int(UpdatePoint::Done));
     record.add({StressKind::Update, path, value, begun, points});
+}
+
+void StressWorker::updateOwn()
+{
+    update(randomOwnPath(), true);
+}
+
+void StressWorker::updateShared()
+{
+    update("stress.shared.k%1"_s.arg(random.bounded(10)), false);
 }
 
 void StressWorker::updateRefused()
 {
-    const auto found = repository();
     const QString path = "stress.limited"_s;
-    if (!found)
-        return;
     const qlonglong value = -nextValue();
     const quint64 begun = StressClock::next();
     const UpdateResult result
         = found->getManipulationInterface()->updateAttribute(path, value, UpdatePoint::Done);
     if (result == UpdateResult::CheckFailed && !stopping)
-        record.add({StressKind::Update, path, value, begun, {numberOf(UpdatePoint::Check)}});
+        record.add({StressKind::Update, path, value, begun, {int(UpdatePoint::Check)}});
 }
 
 void StressWorker::remove()
 {
-    const auto found = repository();
     const QString path = randomOwnPath();
-    if (!found || path.isEmpty())
+    if (path.isEmpty())
         return;
     record.forgetLastPoints(path);
     const quint64 begun = StressClock::next();
@@ -185,8 +176,7 @@ void StressWorker::remove()
     if (!deleted || stopping)
         return;
     model.remove(path);
-    record.add(
-        {StressKind::Delete, path, 0, begun, {numberOf(DeletePoint::Begin), numberOf(DeletePoint::Done)}});
+    record.add({StressKind::Delete, path, 0, begun, {int(DeletePoint::Begin), int(DeletePoint::Done)}});
 }
 
 void StressWorker::move()
@@ -206,11 +196,8 @@ void StressWorker::move()
         model.insert(moved, model.take(path));
 }
 
-void StressWorker::read() const
+void StressWorker::read()
 {
-    const auto found = repository();
-    if (!found)
-        return;
     const auto query = found->getQueryInterface();
     for (const auto &attribute : query->queryAttributes(prefix() + ".a.*"_s)) {
         QVariant value;
@@ -223,9 +210,6 @@ void StressWorker::read() const
 void StressWorker::toggleHandler()
 {
     constexpr int most = 4;
-    const auto found = repository();
-    if (!found)
-        return;
     if (registrations.size() >= most || (!registrations.isEmpty() && random.bounded(3) == 0)) {
         const Registration registration = registrations.takeAt(random.bounded(registrations.size()));
         registration.handler->endedEarly = true;
@@ -234,38 +218,33 @@ void StressWorker::toggleHandler()
     const auto notifications = found->getNotificationInterface();
     const int which = random.bounded(4);
     const QString pattern = which == 0 ? "stress.*"_s : prefix() + ".a.n?"_s;
+    const auto make = [&](StressKind kind, auto point, auto all) {
+        return std::make_shared<StressHandler>(kind, pattern, int(point), int(all));
+    };
+    const auto hear = [](const std::shared_ptr<StressHandler> &handler) {
+        return [handler](const QString &path, const auto &point, const bool &) {
+            handler->hear(path, int(point), 0);
+        };
+    };
     std::shared_ptr<StressHandler> handler;
     std::shared_ptr<Notification::Interfaces::NotificationHandleInterface> handle;
     if (which < 2) {
         const UpdatePoint points[]
             = {UpdatePoint::Check, UpdatePoint::Apply, UpdatePoint::Done, UpdatePoint::All};
         const UpdatePoint point = points[random.bounded(4)];
-        handler = std::make_shared<StressHandler>(StressKind::Update, pattern, numberOf(point),
-                                                  numberOf(UpdatePoint::All));
+        handler = make(StressKind::Update, point, UpdatePoint::All);
         handle = notifications->registerUpdateHandler(
             pattern,
             [handler](const QString &path, const UpdatePoint &reported, const UpdateResult &,
                       const QVariant &,
-                      const QVariant &now) { handler->hear(path, numberOf(reported), now.toLongLong()); },
+                      const QVariant &now) { handler->hear(path, int(reported), now.toLongLong()); },
             point);
     } else if (which == 2) {
-        handler = std::make_shared<StressHandler>(StressKind::Create, pattern, numberOf(CreatePoint::All),
-                                                  numberOf(CreatePoint::All));
-        handle = notifications->registerCreateHandler(
-            pattern,
-            [handler](const QString &path, const CreatePoint &reported, const bool &) {
-                handler->hear(path, numberOf(reported), 0);
-            },
-            CreatePoint::All);
+        handler = make(StressKind::Create, CreatePoint::All, CreatePoint::All);
+        handle = notifications->registerCreateHandler(pattern, hear(handler), CreatePoint::All);
     } else {
-        handler = std::make_shared<StressHandler>(StressKind::Delete, pattern, numberOf(DeletePoint::Done),
-                                                  numberOf(DeletePoint::All));
-        handle = notifications->registerDeleteHandler(
-            pattern,
-            [handler](const QString &path, const DeletePoint &reported, const bool &) {
-                handler->hear(path, numberOf(reported), 0);
-            },
-            DeletePoint::Done);
+        handler = make(StressKind::Delete, DeletePoint::Done, DeletePoint::All);
+        handle = notifications->registerDeleteHandler(pattern, hear(handler), DeletePoint::Done);
     }
     if (!handle)
         return;
@@ -274,10 +253,14 @@ void StressWorker::toggleHandler()
     registrations.append({handler, handle});
 }
 
-void StressWorker::assign() const
+void StressWorker::assign()
 {
-    if (const auto found = repository())
-        found->getValidationInterface()->assignValidation("stress.*"_s, "not_negative"_s);
+    found->getValidationInterface()->assignValidation("stress.*"_s, "not_negative"_s);
+}
+
+void StressWorker::save()
+{
+    found->getBackendInterface()->saveBackend("stress"_s);
 }
 
 QString StressWorker::findDifference() const

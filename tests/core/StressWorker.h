@@ -58,12 +58,15 @@ private:
     void doSomething();
     void create();
     void update(const QString &path, bool own);
+    void updateOwn();
+    void updateShared();
     void updateRefused();
     void remove();
     void move();
-    void read() const;
+    void read();
     void toggleHandler();
-    void assign() const;
+    void assign();
+    void save();
     QString randomOwnPath();
     static qlonglong nextValue();
 
@@ -71,6 +74,7 @@ private:
     StressGate &gate;
     StressRecord &record;
     QRandomGenerator random;
+    std::shared_ptr<Tessellum::AppConfig::Interfaces::RepositoryInterface> found; // during an operation
     QHash<QString, qlonglong> model;
     struct Registration
     {
