@@ -15,7 +15,7 @@ constexpr int ChecksInPatience = 5;
 
 } // namespace
 
-ClientSocketGuard::ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, int mostPatience)
+ClientSocketGuard::ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, End end, int mostPatience)
     : QObject(guarded)
     , socket(guarded)
     , limit(mostAnswers)
@@ -23,12 +23,15 @@ ClientSocketGuard::ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, in
 {
     socket->installEventFilter(this);
     connect(socket, &QWebSocket::bytesWritten, this, &ClientSocketGuard::noteWritten);
+    timer.setInterval(patience / ChecksInPatience);
+    connect(&timer, &QTimer::timeout, this, &ClientSocketGuard::check);
     connect(socket, &QWebSocket::aboutToClose, this, [this] {
         isClosing = true;
         progress.start();
+        timer.start();
     });
-    connect(&timer, &QTimer::timeout, this, &ClientSocketGuard::check);
-    timer.start(patience / ChecksInPatience);
+    if (end == End::Server)
+        timer.start();
 }
 
 /*! Qt reads from the peer in a call that is queued to the web socket, and answers pings in it. */

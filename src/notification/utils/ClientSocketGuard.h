@@ -11,9 +11,10 @@ class QWebSocket;
 namespace Tessellum::Notification::utils {
 
 /*!
- * Ends the connection of a client that does not take what it is sent, with 1009 and a WARNING: if none of its
- * unsent bytes goes for some seconds, or if those that it caused by pings exceed a limit. Qt answers these by
- * itself. How much may be unsent of what the owner of the socket sends is the owner's to say.
+ * Ends the connection to a peer that does not take what it is sent, with 1009 and a WARNING: if those unsent
+ * bytes that it caused by pings exceed a limit, for Qt answers these by itself, and at a server if none of
+ * the unsent bytes goes for some seconds. How much may be unsent of what the owner of the socket sends is the
+ * owner's to say.
  *
  * A closed connection that does not end by itself is cut after as many seconds. A child of the socket, on the
  * thread of which it lives.
@@ -23,10 +24,11 @@ class TESSELLUM_EXPORT ClientSocketGuard : public QObject
     Q_OBJECT
 
 public:
+    enum class End { Server, Client };
     static constexpr int DefaultPatience = 10000;
 
-    /*! For a connected socket. \a mostAnswers in bytes, \a mostPatience in milliseconds. */
-    ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, int mostPatience = DefaultPatience);
+    /*! For a connected socket of \a end. \a mostAnswers in bytes, \a mostPatience in milliseconds. */
+    ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, End end, int mostPatience = DefaultPatience);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 

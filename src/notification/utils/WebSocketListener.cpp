@@ -114,7 +114,8 @@ void WebSocketListener::endHandshakes()
         socket->setMaxAllowedIncomingMessageSize(quint64(limit));
         socket->setMaxAllowedIncomingFrameSize(quint64(limit));
         socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
-        std::make_unique<ClientSocketGuard>(socket, limit).release(); // a child
+        std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Server)
+            .release(); // a child
         Q_EMIT connected(socket);
     }
 }

@@ -2,6 +2,7 @@
 #include <appconfig/backends/utils/RemoteBackendToAttributeMapper.h>
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appconfig/utils/RepositoryProvider.h>
+#include <notification/utils/ClientSocketGuard.h>
 #include <notification/utils/MakeNode.h>
 #include <notification/utils/NotificationProvider.h>
 #include <notification/utils/SendWithoutDelay.h>
@@ -18,6 +19,7 @@ using Tessellum::AppConfig::utils::RepositoryProvider;
 using Tessellum::Notification::CreatePoint;
 using Tessellum::Notification::UpdatePoint;
 using Tessellum::Notification::UpdateResult;
+using Tessellum::Notification::utils::ClientSocketGuard;
 
 namespace Tessellum::AppConfig::Backends::utils {
 
@@ -216,6 +218,7 @@ void RemoteBackendClient::onConnected()
 {
     FrameworkLog().log() << "RemoteBackendClient::onConnected() id=" << describedUrl();
     Notification::utils::SendWithoutDelay(*socket);
+    std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Client).release(); // a child
     isEstablished = true;
     publishStatus(QStringLiteral("established"));
     const QString frame
