@@ -7,6 +7,7 @@
 
 #include <netinet/in.h>
 #include <support/Literals.h>
+#include <support/ProcessFigures.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -102,7 +103,7 @@ private Q_SLOTS:
         setDescriptorLimit(RLIM_INFINITY);
         QVERIFY(port.toInt() > 0);
         QVERIFY(mirrors("honest"_s, port));
-        const qint64 before = server.memory();
+        const qint64 before = TestSupport::ResidentBytes(server.processId());
 
         auto silent = std::make_unique<SilentPeers>();
         int taken = 0;
@@ -110,7 +111,7 @@ private Q_SLOTS:
             ++taken;
         QVERIFY(isFull || taken == count);
         QVERIFY(echoes("honest"_s, taken));
-        const qint64 bytes = (server.memory() - before) / taken;
+        const qint64 bytes = (TestSupport::ResidentBytes(server.processId()) - before) / taken;
         qInfo("%d silent connections of %lld bytes each, with %d descriptors", taken, bytes, limit);
         QVERIFY(bytes < MostBytes);
         // The pools of the server end threads that rest, and start others.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFile>
 #include <QProcess>
 
 namespace TestSupport {
@@ -34,13 +33,7 @@ public:
         process.closeWriteChannel();
         return process.waitForFinished(Patience) ? process.exitCode() : -1;
     }
-    /*! In bytes that are resident. */
-    qint64 memory() const
-    {
-        QFile file(QStringLiteral("/proc/%1/statm").arg(process.processId()));
-        constexpr qint64 page = 4096;
-        return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * page : 0;
-    }
+    qint64 processId() const { return process.processId(); }
 
 private:
     QProcess process;

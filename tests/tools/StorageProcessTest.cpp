@@ -1,4 +1,4 @@
-#include "ToolRunner.h"
+#include "StorageMirror.h"
 
 #include <appdata/storages/utils/RemoteStorageCodec.h>
 #include <appdata/storages/utils/RemoteStorageNode.h>
@@ -17,43 +17,9 @@ namespace {
 constexpr int Patience = 60000;
 constexpr int Rounds = 20;
 
-QByteArray numbered(const char *text, int number)
-{
-    return QByteArray(text).replace('#', QByteArray::number(number));
-}
-
-/*! A client of storages, with a copy of one in each of its own of the same name. */
-struct Mirror : ShellProcess
-{
-    Mirror() { succeeds("start"); }
-    bool add(const QByteArray &storage, int port, const QByteArray &id)
-    {
-        return succeeds("storage remote-storage-client " + storage
-                        + " ws://127.0.0.1:" + QByteArray::number(port) + "?path=" + storage + "&id=" + id);
-    }
-};
-
 QJsonObject storageStatus(ShellProcess &shell, const char *group)
 {
     return shell.ask("status").value("storages").toObject().value(group).toObject();
-}
-
-/*! The values of a storage as "export" writes them, sorted. */
-QStringList contents(ShellProcess &shell, const char *storage)
-{
-    QStringList lines;
-    for (const QJsonValue &entry : shell.ask("entries").value("entries").toArray()) {
-        if (entry["storage"] != QLatin1String(storage))
-            continue;
-        const QByteArray ask = "elements " + entry["uuid"].toString().toUtf8();
-        for (const QJsonValue &element : shell.ask(ask).value("elements").toArray())
-            lines.append(QString("\"plant.%1\",%2,%3,%4")
-                             .arg(entry["name"].toString(), element["stamp"].toString(),
-                                  element["active"].toVariant().toString(),
-                                  element["value"].toVariant().toString()));
-    }
-    lines.sort();
-    return lines;
 }
 
 } // namespace
@@ -115,7 +81,7 @@ private:
 void StorageProcessTest::theServerIsKilled()
 {
     QVERIFY(start());
-    Mirror mirror;
+    StorageMirror mirror;
     QVERIFY(mirror.add("disk", port, "a") && mirror.add("live", port, "b"));
     const auto status = [&mirror](const QString &both) {
         return storageStatus(mirror, "clients") == QJsonObject{{"a", both}, {"b", both}};
@@ -147,12 +113,12 @@ void StorageProcessTest::theServerIsKilled()
 void StorageProcessTest::clientsAreKilled()
 {
     QVERIFY(start() && host->succeeds("entry live plant live float"));
-    Mirror survivor;
+    StorageMirror survivor;
     QVERIFY(survivor.add("live", port, "survivor"));
     QTRY_COMPARE_WITH_TIMEOUT(peers(), QStringList("survivor"), Patience);
     for (int round = 1; round <= Rounds; ++round) {
         QVERIFY(host->succeeds(numbered("add plant.live # #", round)));
-        Mirror mirror;
+        StorageMirror mirror;
         QVERIFY(mirror.add("live", port, numbered("c#", round)));
         QTRY_COMPARE_WITH_TIMEOUT(contents(mirror, "live"), contents(*host, "live"), Patience);
         QTRY_COMPARE_WITH_TIMEOUT(peers(), QStringList({QString(numbered("c#", round)), "survivor"}),
@@ -243,7 +209,7 @@ void StorageProcessTest::aLargeStorageStaysUnattached()
     QCOMPARE(source.size(), count);
 
     QVERIFY(start());
-    Mirror mirror;
+    StorageMirror mirror;
     QElapsedTimer timer;
     timer.start();
     QVERIFY(mirror.add("disk", port, "large"));

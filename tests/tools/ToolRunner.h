@@ -60,6 +60,16 @@ public:
         }
     }
     bool succeeds(const QByteArray &command) { return ask(command).value("ok").toBool(); }
+    /*! One line for each of \a commands, which are sent at once. */
+    bool succeedAll(const QByteArray &commands)
+    {
+        process.write(commands);
+        bool ok = true;
+        for (int left = commands.count('\n'); left > 0; --left)
+            ok = next().value("ok").toBool() && ok;
+        return ok;
+    }
+    qint64 processId() const { return process.processId(); }
 
     /*! The next notice, an empty object if none comes. */
     QJsonObject hear()
