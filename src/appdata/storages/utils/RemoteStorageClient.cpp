@@ -207,7 +207,8 @@ void RemoteStorageClient::queueFrame(const Frame &frame)
     std::shared_ptr<void> step;
     {
         const QMutexLocker locker(&frameMutex);
-        isTooMuch = !frames.empty() && frameBytes + size > limit;
+        // Text takes two bytes a character here: behind the largest message there is room for its changes.
+        isTooMuch = !frames.empty() && frameBytes + size > 3 * limit;
         if (!isTooMuch) {
             frames.push_back(frame);
             frameBytes += size;

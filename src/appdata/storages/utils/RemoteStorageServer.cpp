@@ -208,8 +208,8 @@ void RemoteStorageServer::receive(const QString &connectionUuid, const RemoteSto
         const auto runner = getWorker();
         if (!runner)
             return;
-        // Text takes two bytes a character here, and the largest message must be able to wait.
-        frames = std::make_shared<Frames>(runner, 2 * limit + FrameOverhead);
+        // Text takes two bytes a character here: behind the largest message there is room for others.
+        frames = std::make_shared<Frames>(runner, 3 * limit + FrameOverhead);
         added = frames->add(connectionUuid, size, step);
     }
     if (added == Frames::Added::Full && connections.noteDrop(connectionUuid)) {
