@@ -19,9 +19,9 @@ namespace Tessellum::Notification::utils {
  * others waiting. What else is posted to the worker comes between two frames. The end of the queue drops what
  * waits in it.
  *
- * Made with std::make_shared. Any thread may call. The mutex guards the frames; no step runs or dies under
- * it, and the worker's mutex comes behind it. A step dies on the worker, or where the queue, its peer or the
- * worker ends: it holds weakly what must not die there.
+ * Made with std::make_shared. Any thread may call. The mutex guards the frames; nothing is called and no step
+ * dies under it. A step dies on the worker, or where the queue, its peer or the worker ends: what must not
+ * die there is held elsewhere, too.
  */
 template <class Peer>
 class FrameQueue : public std::enable_shared_from_this<FrameQueue<Peer>>

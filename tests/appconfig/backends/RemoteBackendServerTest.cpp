@@ -115,6 +115,15 @@ private Q_SLOTS:
             QVERIFY(peer.hears(RemoteCommand::Update, "speed"_s));
         QCOMPARE(parts, 0); // a message is one frame
 
+        // What a peer has sent is done, although it has gone.
+        Peer hasty(value(PortPath).toInt());
+        QVERIFY(hasty.isConnected());
+        hasty.tell(RemoteCommand::Init, "plant"_s);
+        for (int i = 100; i < 200; ++i)
+            hasty.tell(RemoteCommand::Write, "speed"_s, i);
+        hasty.socket.close();
+        QTRY_COMPARE_WITH_TIMEOUT(value("plant.speed"_s), QVariant(199), Patience);
+
         // Its end takes the server with it, and the port is free again.
         const int port = value(PortPath).toInt();
         fixture->node("net"_s)->setDeleteFlag();
