@@ -50,11 +50,17 @@ void ClientSocketGuard::noteAnswers(qint64 bytes)
     unsentAnswers += std::max<qint64>(0, bytes);
     if (isClosing || unsentAnswers <= limit)
         return;
-    // What waits for the event loop is not the peer's fault.
-    socket->flush();
-    noteWritten();
+    flush();
     if (unsentAnswers > limit)
         close("unsent answers to pings");
+}
+
+/*! Whether some bytes go: what waits for the event loop is not the peer's fault. */
+bool ClientSocketGuard::flush()
+{
+    const qint64 before = socket->bytesToWrite();
+    socket->flush(); // tells of what it has written
+    return socket->bytesToWrite() < before;
 }
 
 void ClientSocketGuard::noteWritten()
@@ -72,7 +78,7 @@ void ClientSocketGuard::check()
         progress.start();
     else if (progress.hasExpired(patience) && isClosing)
         socket->abort();
-    else if (progress.hasExpired(patience))
+    else if (progress.hasExpired(patience) && !flush())
         close("unsent bytes do not go");
 }
 

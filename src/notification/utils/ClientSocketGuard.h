@@ -34,6 +34,7 @@ public:
 
 private:
     void noteAnswers(qint64 bytes);
+    bool flush();
     void noteWritten();
     void check();
     void close(const char *reason);
