@@ -20,6 +20,7 @@ namespace {
 
 constexpr int Patience = 60000;
 constexpr int MostPeers = 10000;
+constexpr rlim_t MostDescriptors = 2 * MostPeers;
 constexpr int OwnDescriptors = 200; // what this process needs beside its silent sockets
 constexpr qint64 MostBytes = 100 * 1024; // of memory for each of them; Qt's buffers are the most of it
 constexpr int Waiting = 40; // that the system holds for the server without letting more wait a second
@@ -78,7 +79,7 @@ class SilentPeersTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { descriptors = setDescriptorLimit(RLIM_INFINITY); }
+    void initTestCase() { descriptors = setDescriptorLimit(MostDescriptors); }
 
     void aServerLivesOn_data()
     {
@@ -100,7 +101,7 @@ private Q_SLOTS:
         setDescriptorLimit(rlim_t(limit));
         TestSupport::RemotePeerProcess server({"server"_s, "0"_s, "0"_s});
         const QByteArray port = server.readLine();
-        setDescriptorLimit(RLIM_INFINITY);
+        setDescriptorLimit(MostDescriptors);
         QVERIFY(port.toInt() > 0);
         QVERIFY(mirrors("honest"_s, port));
         const qint64 before = TestSupport::ResidentBytes(server.processId());
