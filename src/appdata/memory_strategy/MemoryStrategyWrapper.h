@@ -32,7 +32,7 @@ public:
     qint32 evaluate(const QString &elementUuid) override;
     /*! Takes the place of the strategy of before; null removes it. Emits invalidated() where there is one
      * now. False where it could not be connected. */
-    bool setStrategy(const std::shared_ptr<MemoryStrategy> &strategy);
+    bool setStrategy(const std::shared_ptr<MemoryStrategy> &next);
     bool hasStrategy() const;
     /*! Lets loaded elements connect themselves from now on; true for the first call. An entry that never had
      * a strategy has none of those connections, which cost more than the rest of a value. */

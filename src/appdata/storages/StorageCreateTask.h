@@ -24,7 +24,7 @@ public:
 
     /*! \a path is the name, \a data holds StorageCreateData; \a examiner may be empty. */
     StorageCreateTask(const Examiners &examiner,
-                      const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &parent, const QString &path,
+                      const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &parent, const QString &name,
                       const QVariant &data, const Notification::CreatePoint &waitPoint);
 
     Notification::CreateObserver::ResultType runCreate() override;

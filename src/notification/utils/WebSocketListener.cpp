@@ -18,7 +18,8 @@ using Shared::Logging::FrameworkLog;
 
 namespace {
 
-constexpr qint64 headerBytes = 16 * 1024; // what a handshake or the head of a frame may take beyond the limit
+constexpr qint64 headerBytes
+    = 16LL * 1024; // what a handshake or the head of a frame may take beyond the limit
 constexpr int handshakeTime = 5000; // milliseconds
 constexpr int acceptPause = 1000; // milliseconds
 constexpr int mostSockets = 10000;

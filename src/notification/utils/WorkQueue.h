@@ -32,7 +32,7 @@ class TESSELLUM_EXPORT WorkQueue
 {
 public:
     /*! A queue whose workers are threads of \a pool. */
-    WorkQueue(ThreadPool &pool, bool startStopped);
+    WorkQueue(ThreadPool &owner, bool startStopped);
     Q_DISABLE_COPY(WorkQueue)
 
     QMutex &mutex() const { return runnables.mutex; }

@@ -26,8 +26,8 @@ namespace Tessellum::AppConfig::Backends::utils {
 namespace {
 
 constexpr int ReadWrite = AttributeAccess::Read | AttributeAccess::Write;
-constexpr qint64 DefaultLimit = 256 * 1024 * 1024;
-constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
+constexpr qint64 DefaultLimit = 256LL * 1024 * 1024;
+constexpr qint64 WaitingBytes = 16LL * 1024 * 1024; // of received frames, at least
 constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
 
 QString QueryItem(const QUrl &url, const char *name)

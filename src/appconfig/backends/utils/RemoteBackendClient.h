@@ -81,7 +81,7 @@ private:
     void sendFrame(const QString &frame);
     void giveUp(const char *reason);
 
-    void publishStatus(const QString &status);
+    void publishStatus(const QString &text);
     void endInitialization();
     QString describedUrl() const;
 

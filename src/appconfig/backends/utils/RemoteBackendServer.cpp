@@ -18,8 +18,8 @@ using Shared::Logging::FrameworkLog;
 
 namespace {
 
-constexpr qint64 DefaultLimit = 64 * 1024 * 1024;
-constexpr qint64 WaitingBytes = 16 * 1024 * 1024; // of received frames, at least
+constexpr qint64 DefaultLimit = 64LL * 1024 * 1024;
+constexpr qint64 WaitingBytes = 16LL * 1024 * 1024; // of received frames, at least
 constexpr int LongestId = 200; // of a client, in a line and in the tree
 constexpr qint64 FrameBytes = 128; // what a waiting frame takes beside its text
 

@@ -40,7 +40,7 @@ public:
     using MakeDetails = std::function<Details(const QString &path, const QVariant &initial)>;
 
     RemoteSubtreeMirror(const std::weak_ptr<Shared::Hierarchy::HierarchyNode> &node, Send send,
-                        MakeDetails makeDetails);
+                        MakeDetails makeMirrorDetails);
     Q_DISABLE_COPY_MOVE(RemoteSubtreeMirror)
 
     /*! The next "init" answer goes to \a callback and becomes the cache. False while one is awaited. */

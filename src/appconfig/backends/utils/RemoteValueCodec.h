@@ -26,7 +26,7 @@ QVariant DeserializeValue(const QByteArray &serialized);
 QString EncodeSerialized(const QByteArray &serialized);
 
 /*! The most serialized bytes that one value, or all values of one subtree, may have. */
-inline constexpr qint64 MaximumSerialized = 64 * 1024 * 1024;
+inline constexpr qint64 MaximumSerialized = 64LL * 1024 * 1024;
 
 /*! The bytes behind \a encoded; null if it is odd or damaged or announces more than \a limit. */
 QByteArray DecodeSerialized(const QString &encoded, qint64 limit = MaximumSerialized);

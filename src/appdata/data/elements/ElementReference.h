@@ -15,7 +15,7 @@ class TESSELLUM_EXPORT ElementReference : public Shared::Hierarchy::HierarchyNod
     Q_OBJECT
 
 public:
-    ElementReference(const QString &uuid, const std::shared_ptr<Interfaces::DataElementInterface> &target);
+    ElementReference(const QString &uuid, const std::shared_ptr<Interfaces::DataElementInterface> &element);
     ~ElementReference() override;
 
     QString getUuid() const override;

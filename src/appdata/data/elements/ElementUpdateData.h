@@ -37,7 +37,7 @@ public:
     bool getActive(bool &active) const;
     bool getTimestamp(quint64 &timestamp) const;
     bool getRawData(QByteArray &raw) const;
-    bool getParsedData(QVariant &value) const;
+    bool getParsedData(QVariant &parsed) const;
 
     bool contains(const DataElementUpdateType &type) const;
     QVariant value(const DataElementUpdateType &type) const;

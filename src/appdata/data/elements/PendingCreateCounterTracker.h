@@ -21,7 +21,7 @@ class TESSELLUM_EXPORT PendingCreateCounterTracker
 {
 public:
     /*! Counts \a number at once; \a entry may be null. */
-    PendingCreateCounterTracker(const std::shared_ptr<Entries::Entry> &entry, quint32 number);
+    PendingCreateCounterTracker(const std::shared_ptr<Entries::Entry> &counted, quint32 number);
     ~PendingCreateCounterTracker();
     Q_DISABLE_COPY(PendingCreateCounterTracker)
 

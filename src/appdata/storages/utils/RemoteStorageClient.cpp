@@ -20,7 +20,7 @@ using Shared::Logging::FrameworkLog;
 
 namespace {
 
-constexpr qint64 DefaultLimit = 256 * 1024 * 1024;
+constexpr qint64 DefaultLimit = 256LL * 1024 * 1024;
 
 const QString control = QStringLiteral("control");
 const QString status = QStringLiteral("status");

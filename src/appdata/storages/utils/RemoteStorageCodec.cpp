@@ -29,7 +29,7 @@ const QLatin1String ElementsKey("elements");
 constexpr qint64 MaximumText = 256LL * 1024 * 1024; /*!< Bytes of a text message. */
 /*! Hexadecimal doubles the data; before it text has two bytes a character, after it binary JSON a digit. */
 constexpr qint64 FrameGrowth = 4;
-constexpr qint64 FrameRoom = 64 * 1024; /*!< For all else in the frame. */
+constexpr qint64 FrameRoom = 64LL * 1024; /*!< For all else in the frame. */
 /*! Of an element's own bytes, which are hexadecimal in their document already. */
 constexpr qint64 TextGrowth = 2 * FrameGrowth;
 constexpr qint64 BinaryGrowth = 4 * FrameGrowth;

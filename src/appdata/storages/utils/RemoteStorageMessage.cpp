@@ -23,7 +23,7 @@ const QLatin1String PathKey("path");
 const QLatin1String DataKey("data");
 const QLatin1String OptionsKey("options");
 
-constexpr qint64 MaximumSerialized = 64 * 1024 * 1024;
+constexpr qint64 MaximumSerialized = 64LL * 1024 * 1024;
 
 /*! Only texts and byte arrays travel. */
 QVariant readVariant(const QByteArray &serialized)

@@ -20,7 +20,7 @@ using Shared::Logging::FrameworkLog;
 
 namespace {
 
-constexpr qint64 defaultLimit = 64 * 1024 * 1024;
+constexpr qint64 defaultLimit = 64LL * 1024 * 1024;
 
 QString ShownPath(const QString &list, const QString &id)
 {
