@@ -3,9 +3,9 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/Files.h>
 #include <support/LogCapture.h>
 
 using namespace Shared;
@@ -21,7 +21,8 @@ private Q_SLOTS:
     {
         const TestSupport::LogCapture log;
         QJsonParseError error;
-        QCOMPARE(LoadJsonFromFile(write("{\"a\":1}"), &error).object(), QJsonObject({{"a", 1}}));
+        QCOMPARE(LoadJsonFromFile(QFileInfo(folder.write("{\"a\":1}")), &error).object(),
+                 QJsonObject({{"a", 1}}));
         QCOMPARE(error.error, QJsonParseError::NoError);
         QCOMPARE(log.lines(), QStringList());
 
@@ -30,7 +31,7 @@ private Q_SLOTS:
                  "WARNING Shared::LoadJsonFromFile could not open file=" + folder.filePath("none"));
         QVERIFY(LoadJsonFromFile(QFileInfo(folder.path()), nullptr).isNull());
 
-        const QFileInfo broken = write("{\"a\":}");
+        const QFileInfo broken(folder.write("{\"a\":}"));
         QVERIFY(LoadJsonFromFile(broken, &error).isNull());
         QVERIFY(error.error != QJsonParseError::NoError);
         QCOMPARE(log.lines().mid(2),
@@ -42,7 +43,7 @@ private Q_SLOTS:
 
         QT_WARNING_PUSH
         QT_WARNING_DISABLE_DEPRECATED
-        const QFileInfo binary = write(QJsonDocument(QJsonArray{1, "b"}).toBinaryData());
+        const QFileInfo binary(folder.write(QJsonDocument(QJsonArray{1, "b"}).toBinaryData()));
         QT_WARNING_POP
         QCOMPARE(LoadJsonFromFile(binary, &error).array(), QJsonArray({1, "b"}));
         QVERIFY(error.error != QJsonParseError::NoError);
@@ -72,16 +73,7 @@ private Q_SLOTS:
     void deepTextsEnd();
 
 private:
-    QFileInfo write(const QByteArray &content)
-    {
-        QFile file(folder.filePath(QString::number(++files)));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the test's file");
-        return QFileInfo(file.fileName());
-    }
-
-    QTemporaryDir folder;
-    int files = 0;
+    TestSupport::Files folder;
 };
 
 void JsonFileTest::documentsAreValidated()

@@ -1,11 +1,15 @@
 #include "HierarchyTree.h"
 
+#include <shared/hierarchy/utils/HierarchyChildTable.h>
+
 #include <QtTest>
 
+#include <random>
 #include <support/Literals.h>
 
 using namespace HierarchyTree;
 using Shared::Hierarchy::HierarchyStringPath;
+using Shared::Hierarchy::utils::HierarchyChildTable;
 
 namespace {
 
@@ -18,7 +22,7 @@ PathPointer makePath(const PathPointer &parent, const QString &id)
 
 } // namespace
 
-/*! Paths, and what is found by them. */
+/*! Paths, tables of children, and what is found by both. */
 class HierarchyQueryTest : public QObject
 {
     Q_OBJECT
@@ -133,6 +137,48 @@ private Q_SLOTS:
         const double many = time(40000, 1);
         QVERIFY(few > 0 && many > 0);
         QVERIFY2(many < 8 * few, qPrintable("%1 s, %2 s"_s.arg(few).arg(many)));
+    }
+
+    // Random additions and removals, compared to the simplest thing that does the same.
+    void agreesWithAList()
+    {
+        for (const int differentIds : {6, 14, 500}) // searched one by one, around the first index, indexed
+            compareToAList(differentIds);
+    }
+
+private:
+    static void compareToAList(int differentIds)
+    {
+        std::mt19937 random(1);
+        HierarchyChildTable table;
+        QStringList model;
+        for (int step = 0; step < 4000; ++step) {
+            const QString id = "node%1"_s.arg(random() % uint(differentIds));
+            const int place = model.indexOf(id);
+            const auto found = table.find(id);
+            QCOMPARE(found != nullptr, place >= 0);
+            QCOMPARE(table.position(id), place < 0 ? ~quint64(0) : quint64(place));
+            if (place < 0) {
+                table.append(id, make(id));
+                model.append(id);
+            } else if (random() % 3 != 0) {
+                QCOMPARE((*found)->getId(), id);
+                QCOMPARE(table.take(id)->getId(), id);
+                model.removeAt(place);
+            }
+            QCOMPARE(table.size(), quint64(model.size()));
+            if (!model.isEmpty()) {
+                const int index = int(random() % uint(model.size()));
+                QCOMPARE((*table.at(quint64(index)))->getId(), model.at(index));
+            }
+            QVERIFY(!table.at(quint64(model.size())));
+        }
+        QStringList order;
+        table.forEach([&order](const NodePointer &node) { order.append(node->getId()); });
+        QCOMPARE(order, model);
+        QCOMPARE(idsOf(table.takeAll()), model);
+        QCOMPARE(table.size(), quint64(0));
+        QVERIFY(!table.find("node1"_s));
     }
 };
 

@@ -11,8 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <support/Literals.h>
-#include <thread>
-#include <vector>
+#include <support/Threads.h>
 
 using namespace Shared::Logging;
 
@@ -292,18 +291,12 @@ private Q_SLOTS:
         constexpr int threadCount = 4;
         constexpr int messageCount = 200;
         Listener listener;
-        std::vector<std::thread> threads;
-        for (int number = 0; number < threadCount; ++number) {
-            threads.emplace_back([number] {
-                for (int count = 0; count < messageCount; ++count) {
-                    FrameworkLog().log() << number << '/' << count;
-                    const QString handle = LogHandler::RegisterMessageSink([](auto &...) {});
-                    LogHandler::UnregisterMessageSink(handle);
-                }
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
+        TestSupport::InThreads(threadCount, [](int number) {
+            for (int count = 0; count < messageCount; ++count) {
+                FrameworkLog().log() << number << '/' << count;
+                LogHandler::UnregisterMessageSink(LogHandler::RegisterMessageSink([](auto &...) {}));
+            }
+        });
         QCOMPARE(listener.messages.size(), threadCount * messageCount);
         listener.messages.removeDuplicates();
         QCOMPARE(listener.messages.size(), threadCount * messageCount);

@@ -202,16 +202,6 @@ int StaleRecords(quint64 address)
         || context.read().address == address;
 }
 
-int UnmappedRecords()
-{
-    return StaleRecords(64);
-}
-
-int MisalignedRecords()
-{
-    return StaleRecords(65);
-}
-
 /*!
  * What a dead process with the same number had there: all is right but the time at which that process began.
  */
@@ -264,8 +254,8 @@ int RunLogProcessChild(const QString &scenario)
         {"closed pipe"_s, ClosedPipe},
         {"many lines"_s, ManyLines},
         {"no use"_s, NoUse},
-        {"unmapped records"_s, UnmappedRecords},
-        {"misaligned records"_s, MisalignedRecords},
+        {"unmapped records"_s, [] { return StaleRecords(64); }},
+        {"misaligned records"_s, [] { return StaleRecords(65); }},
         {"records of a dead namesake"_s, RecordsOfADeadNamesake},
         {"records of another kind"_s, RecordsOfAnotherKind},
         {"small segments"_s, SmallSegments},

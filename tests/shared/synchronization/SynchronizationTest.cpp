@@ -12,9 +12,8 @@
 #include <set>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <thread>
+#include <support/Threads.h>
 #include <utility>
-#include <vector>
 
 using namespace Shared::Synchronization;
 
@@ -115,20 +114,15 @@ private Q_SLOTS:
             const int depth = way.second;
             const Lockable lockable(nullptr, way.first);
             int counter = 0; // guarded by the lock
-            std::vector<std::thread> threads;
-            for (int i = 0; i < 4; ++i) {
-                threads.emplace_back([&] {
-                    for (int round = 0; round < rounds; ++round) {
-                        for (int level = 0; level < depth; ++level)
-                            lockable.lock();
-                        ++counter;
-                        for (int level = 0; level < depth; ++level)
-                            lockable.unlock();
-                    }
-                });
-            }
-            for (std::thread &thread : threads)
-                thread.join();
+            TestSupport::InThreads(4, [&](int) {
+                for (int round = 0; round < rounds; ++round) {
+                    for (int level = 0; level < depth; ++level)
+                        lockable.lock();
+                    ++counter;
+                    for (int level = 0; level < depth; ++level)
+                        lockable.unlock();
+                }
+            });
             QCOMPARE(counter, 4 * rounds);
             QCOMPARE(lockable.lockLevel(), 0);
         }
@@ -193,11 +187,7 @@ private Q_SLOTS:
     void singletonIsMadeOnce()
     {
         std::vector<OnlyOne *> seen(8);
-        std::vector<std::thread> threads;
-        for (OnlyOne *&place : seen)
-            threads.emplace_back([&place] { place = OnlyOne::getInstance(); });
-        for (std::thread &thread : threads)
-            thread.join();
+        TestSupport::InThreads(8, [&seen](int number) { seen[size_t(number)] = OnlyOne::getInstance(); });
         QVERIFY(seen.front());
         QCOMPARE(std::set<OnlyOne *>(seen.begin(), seen.end()).size(), size_t(1));
         QCOMPARE(singletonsMade.load(), 1);
