@@ -9,6 +9,7 @@
 #include <support/Literals.h>
 #include <support/LogCapture.h>
 #include <support/Notes.h>
+#include <support/Threads.h>
 
 using namespace TestSupport;
 using Tessellum::Core::HierarchyListPattern;
@@ -151,32 +152,20 @@ private Q_SLOTS:
 
     void settlesUnderThreads()
     {
-        constexpr int threadCount = 4;
-        constexpr int changes = 500;
         ListInTree tree;
         std::atomic<int> additions{0};
         std::atomic<int> removals{0};
-        std::vector<std::unique_ptr<QThread>> threads;
-        for (int thread = 0; thread < threadCount; ++thread) {
-            threads.emplace_back(QThread::create([&, thread] {
-                std::minstd_rand random(thread + 1);
-                for (int change = 0; change < changes; ++change) {
-                    // Renaming additions of one name by all threads: each must get a name of its own.
-                    if (random() % 3 != 0) {
-                        additions += tree.list->addElementToList("n"_s, change, true) ? 1 : 0;
-                    } else {
-                        const QStringList names = tree.list->getElements();
-                        if (!names.isEmpty())
-                            removals += tree.list->removeElementFromList(names.at(random() % names.size()))
-                                ? 1
-                                : 0;
-                    }
-                }
-            }));
-            threads.back()->start();
-        }
-        for (const auto &thread : threads)
-            QVERIFY(thread->wait(60000));
+        InThreads(4, [&](int thread) {
+            std::minstd_rand random(unsigned(thread) + 1);
+            for (int change = 0; change < 500; ++change) {
+                // Renaming additions of one name by all threads: each must get a name of its own.
+                const QStringList names = random() % 3 == 0 ? tree.list->getElements() : QStringList();
+                if (names.isEmpty())
+                    additions += tree.list->addElementToList("n"_s, change, true) ? 1 : 0;
+                else if (tree.list->removeElementFromList(names.at(int(random() % uint(names.size())))))
+                    ++removals;
+            }
+        });
         tree.settle();
         QCOMPARE(tree.list->getElements().size(), additions - removals);
         QCOMPARE(tree.text(), tree.joined());

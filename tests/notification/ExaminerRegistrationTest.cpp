@@ -7,7 +7,7 @@
 #include <random>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <thread>
+#include <support/Threads.h>
 #include <vector>
 
 using namespace Tessellum::Notification;
@@ -131,24 +131,19 @@ private Q_SLOTS:
         const auto registration = provider.getUpdateRegistration();
         const QStringList paths{"a.b"_s, "a.*"_s, "?.b"_s, "a.b.c"_s};
         std::vector<NotificationProvider::HandlePointer> kept[4];
-        std::vector<std::thread> threads;
-        for (unsigned seed = 0; seed < 4; ++seed) {
-            threads.emplace_back([&, seed] {
-                std::mt19937 random(seed);
-                for (int i = 0; i < 1000; ++i) {
-                    auto handle = provider.registerUpdateHandler(paths[int(random() % 4)], UpdateHandler(),
-                                                                 UpdatePoint::Done);
-                    if (random() % 40 == 0)
-                        kept[seed].push_back(std::move(handle));
-                    else if (random() % 2 == 0)
-                        provider.unregisterUpdateHandler(handle->getUuid());
-                    NotifyExaminers(registration, "a.b"_s, UpdatePoint::Done, UpdateResult::Ok, QVariant(),
-                                    QVariant());
-                }
-            });
-        }
-        for (auto &thread : threads)
-            thread.join();
+        TestSupport::InThreads(4, [&](int seed) {
+            std::mt19937 random{unsigned(seed)};
+            for (int i = 0; i < 1000; ++i) {
+                auto handle = provider.registerUpdateHandler(paths[int(random() % 4)], UpdateHandler(),
+                                                             UpdatePoint::Done);
+                if (random() % 40 == 0)
+                    kept[seed].push_back(std::move(handle));
+                else if (random() % 2 == 0)
+                    provider.unregisterUpdateHandler(handle->getUuid());
+                NotifyExaminers(registration, "a.b"_s, UpdatePoint::Done, UpdateResult::Ok, QVariant(),
+                                QVariant());
+            }
+        });
 
         QHash<QString, int> expected;
         for (const auto &handles : kept) {

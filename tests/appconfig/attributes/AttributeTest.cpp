@@ -1,33 +1,22 @@
 #include <appconfig/attributes/AttributeReference.h>
 #include <appconfig/utils/ValueConversion.h>
-#include <appconfig/validation/AttributeValidationInterface.h>
-#include <notification/utils/MakeNode.h>
 #include <shared/localization/LocalizationInterfaceProvider.h>
 #include <shared/localization/TessellumLocalizationInterfaceProvider.h>
 
+#include <QSemaphore>
 #include <QtTest>
 
+#include <support/AttributeTree.h>
+#include <support/FunctionValidation.h>
 #include <support/Literals.h>
+#include <support/LogCapture.h>
+#include <support/Notes.h>
 
-using namespace Tessellum::AppConfig;
-using namespace Tessellum::AppConfig::Attributes;
-using Tessellum::Notification::utils::MakeNode;
+using namespace TestSupport;
+using Reports = QList<UpdateObserver::ResultType>;
+using Validation::ValidationResult;
 
 namespace {
-
-class AnyValueIsFine : public Validation::AttributeValidationInterface
-{
-public:
-    AnyValueIsFine()
-        : AttributeValidationInterface("any"_s)
-    { }
-    QString getValidationId() const override { return getId(); }
-    Validation::ValidationResult validate(const std::shared_ptr<Tessellum::Core::CoreLocalizationInterface> &,
-                                          QVariant &) override
-    {
-        return Validation::ValidationResult::Valid;
-    }
-};
 
 Attribute::Details detailsOf(const QVariant &value, quint32 access)
 {
@@ -37,11 +26,30 @@ Attribute::Details detailsOf(const QVariant &value, quint32 access)
     return details;
 }
 
+bool validate(const std::shared_ptr<Attribute> &attribute, const QString &id,
+              const FunctionValidation::Function &function)
+{
+    return attribute->addValidation(MakeNode<FunctionValidation>(id, function));
+}
+
+Reports update(AttributeTree &tree, const std::weak_ptr<Attribute> &attribute, const QVariant &value)
+{
+    AttributeUpdateTask task(tree.notifications.getUpdateRegistration(), attribute, value, UpdatePoint::Done);
+    return RunAndRecord(task);
+}
+
+const Reports applied{{UpdatePoint::Check, UpdateResult::Ok},
+                      {UpdatePoint::Apply, UpdateResult::Ok},
+                      {UpdatePoint::Done, UpdateResult::Ok}};
+const Reports refused{{UpdatePoint::Check, UpdateResult::CheckFailed}};
+
 } // namespace
 
+/*! Values, references and updates. */
 class AttributeTest : public QObject
 {
     Q_OBJECT
+
 private Q_SLOTS:
     void accessGrantsReadsAndWrites()
     {
@@ -106,7 +114,7 @@ private Q_SLOTS:
         QVERIFY(reference.isDeleteFlagSet() && reference.markForDeletion());
         QVERIFY(!reference.hasValue() && !reference.getValue(value, 0) && !reference.setValue(3));
         QCOMPARE(reference.getPath(), QString());
-        QVERIFY(!reference.addValidation(MakeNode<AnyValueIsFine>()));
+        QVERIFY(!reference.addValidation(anyValueIsFine));
     }
 
     void readOnlyReference()
@@ -116,7 +124,7 @@ private Q_SLOTS:
         QVERIFY(!reference.setValue(2));
         QVERIFY(!reference.markForDeletion() && !attribute->isDeleteFlagSet());
         // Validations are no part of what it protects.
-        QVERIFY(reference.addValidation(MakeNode<AnyValueIsFine>()));
+        QVERIFY(reference.addValidation(anyValueIsFine));
         QVERIFY(attribute->hasValidation("any"_s));
         QVERIFY(reference.removeValidation("any"_s));
         attribute->markForDeletion();
@@ -125,44 +133,156 @@ private Q_SLOTS:
 
     void textsAreReadUnderEachLocale()
     {
-        struct Case
-        {
-            const char *defaultLocale; // empty: no localization at all
-            const char *furtherLocale;
-            QVariant value;
-            int metaType;
-            QVariant expected; // invalid: cannot be converted
-        };
-        const Case cases[] = {
-            {"de_DE", "", "1,5", QMetaType::Double, 1.5},
-            {"de_DE", "en_US", "1.5", QMetaType::Double, 1.5},
-            {"en_US", "", "1,000", QMetaType::Int, {}}, // a group separator is no number
-            {"en_US", "de_DE", "1,000", QMetaType::Int, 1},
-            {"de_DE", "en_US", "1.234,5", QMetaType::Double, {}},
-            {"de_DE", "", "ab", QMetaType::QByteArray, QByteArray("ab")},
-            {"de_DE", "", 5, QMetaType::QString, "5"},
-            {"", "", "1,5", QMetaType::Double, {}},
-            {"", "", "1,000", QMetaType::QString, "1,000"},
-            {"de_DE", "", "1,000", QMetaType::UnknownType, {}},
-        };
-        for (const Case &each : cases) {
+        const auto converted = [](const QStringList &locales, QVariant value, int metaType) {
             std::shared_ptr<Tessellum::TessellumLocalizationInterfaceProvider> localization;
-            if (*each.defaultLocale)
-                localization = std::make_shared<Tessellum::TessellumLocalizationInterfaceProvider>(
-                    QLocale(each.defaultLocale));
-            if (*each.furtherLocale)
-                localization->registerAdditionalLocale(QLocale(each.furtherLocale));
-            QVariant value = each.value;
-            QCOMPARE(utils::ConvertValue(value, localization, each.metaType), each.expected.isValid());
-            if (each.expected.isValid() || localization) {
-                const QVariant &expected = each.expected.isValid() ? each.expected : each.value;
-                QCOMPARE(value.userType(), expected.userType());
-                QCOMPARE(value, expected);
+            for (const QString &locale : locales) {
+                if (localization)
+                    localization->registerAdditionalLocale(QLocale(locale));
+                else
+                    localization = std::make_shared<Tessellum::TessellumLocalizationInterfaceProvider>(
+                        QLocale(locale));
             }
+            return Tessellum::AppConfig::utils::ConvertValue(value, localization, metaType) ? value
+                                                                                            : QVariant();
+        };
+        const auto number = [&](const QStringList &locales, const char *text) {
+            return converted(locales, QString(text), QMetaType::Double);
+        };
+        QCOMPARE(number({"de_DE"}, "1,5"), QVariant(1.5));
+        QCOMPARE(number({"de_DE", "en_US"}, "1.5"), QVariant(1.5));
+        QCOMPARE(number({"en_US"}, "1,000"), QVariant()); // a group separator is no number
+        QCOMPARE(number({"en_US", "de_DE"}, "1,000"), QVariant(1.0));
+        QCOMPARE(number({"de_DE", "en_US"}, "1.234,5"), QVariant());
+        QCOMPARE(number({}, "1,5"), QVariant());
+        QCOMPARE(converted({"de_DE"}, "ab", QMetaType::QByteArray), QVariant(QByteArray("ab")));
+        QCOMPARE(converted({"de_DE"}, 5, QMetaType::QString), QVariant("5"));
+        QCOMPARE(converted({}, "1,000", QMetaType::QString), QVariant("1,000"));
+        QCOMPARE(converted({"de_DE"}, "1,000", QMetaType::UnknownType), QVariant());
+    }
+
+    void failedWrite()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 1);
+        attribute->setDetails(AttributeTree::data(QString(), 1, AttributeAccess::Read).details);
+        QCOMPARE(update(tree, attribute, 2),
+                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                          {UpdatePoint::Apply, UpdateResult::Ok},
+                          {UpdatePoint::Failed, UpdateResult::ApplyFailed},
+                          {UpdatePoint::Done, UpdateResult::ApplyFailed}}));
+        QCOMPARE(tree.value("a"_s), QVariant(1));
+    }
+
+    void nodeGoneInTheMiddle()
+    {
+        AttributeTree tree;
+        auto attribute = tree.add("a"_s, 1);
+        validate(attribute, "end", [&](QVariant &) {
+            attribute->markForDeletion();
+            attribute.reset();
+            return ValidationResult::Valid;
+        });
+        QCOMPARE(update(tree, attribute, 2),
+                 (Reports{{UpdatePoint::Check, UpdateResult::Ok},
+                          {UpdatePoint::Apply, UpdateResult::NodeGone},
+                          {UpdatePoint::Failed, UpdateResult::NodeGone},
+                          {UpdatePoint::Done, UpdateResult::NodeGone}}));
+    }
+
+    void validationsRunInTheirOrder()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 1);
+        validate(attribute, "clip", [](QVariant &value) {
+            value = qMin(value.toInt(), 10);
+            return ValidationResult::Adjusted;
+        });
+        validate(attribute, "even", [](QVariant &value) {
+            return value.toInt() == 10 ? ValidationResult::Failed : ValidationResult::Valid;
+        });
+        const QString adjusted
+            = "LOG AttributeUpdateTask::runUpdate() pre check: adjusted update value to: %1"_s;
+        {
+            const LogCapture log;
+            QCOMPARE(update(tree, attribute, 11), refused);
+            QCOMPARE(tree.value("a"_s), QVariant(1));
+            QCOMPARE(log.lines(),
+                     (QStringList{adjusted.arg("QVariant(int, 10)"_s),
+                                  "WARNING AttributeUpdateTask::runUpdate() pre check: failed validation"_s,
+                                  "WARNING AttributeUpdateTask::runUpdate() update failed for "
+                                  "attribute: a pre check even failed"_s}));
+        }
+        const LogCapture log;
+        QCOMPARE(update(tree, attribute, 5), applied);
+        QCOMPARE(tree.value("a"_s), QVariant(5));
+        QCOMPARE(log.lines(), QStringList{adjusted.arg("QVariant(int, 5)"_s)});
+    }
+
+    void refusalsByValidations()
+    {
+        const QPair<int, QString> refusals[] = {{3, "pre check: incompatible update value received"},
+                                                {17, "unknown validation result received: 17"}};
+        for (const auto &[result, line] : refusals) {
+            AttributeTree tree;
+            const auto attribute = tree.add("a", 1);
+            validate(attribute, "v", [number = result](QVariant &) { return ValidationResult(number); });
+            const LogCapture log;
+            QCOMPARE(update(tree, attribute, 2), refused);
+            QCOMPARE(log.lines().first(), "WARNING AttributeUpdateTask::runUpdate() " + line);
+            QCOMPARE(tree.value("a"), QVariant(1));
         }
     }
+
+    void tellsWhatStandsThere()
+    {
+        AttributeTree tree;
+        const auto attribute = tree.add("a"_s, 0);
+        auto details = AttributeTree::data(QString(), "old"_s).details;
+        details.writer = [](QVariant &stored, const QVariant &in) {
+            stored = in.toInt(); // takes a text, keeps a number
+            return true;
+        };
+        attribute->setDetails(details);
+
+        Notes notes;
+        const auto handle = tree.notifications.registerUpdateHandler(
+            "a",
+            [&](const QString &, const UpdatePoint &point, const UpdateResult &, const QVariant &oldValue,
+                const QVariant &newValue) {
+                notes.add("%1 %2 %3 %4"_s.arg(int(point))
+                              .arg(oldValue.toString(), newValue.toString(), newValue.typeName()));
+            },
+            UpdatePoint::All);
+        QCOMPARE(update(tree, attribute, "5"_s), applied);
+        QCOMPARE(notes.sorted(3), QStringList({"1 old 5 QString", "2 old 5 QString", "8 old 5 int"}));
+    }
+
+    void tellsNothingOffTheTree()
+    {
+        // A node that is just being taken off has no path but its name, under which others may be known.
+        AttributeTree tree;
+        const auto parent = tree.add("p"_s, QVariant());
+        const auto attribute = MakeNode<Attribute>("a"_s, 1);
+        parent->addChild(attribute);
+        QSemaphore wrong;
+        QSemaphore marker;
+        const auto handle = tree.notifications.registerUpdateHandler(
+            "*"_s,
+            [&](const QString &path, const UpdatePoint &, const UpdateResult &, const QVariant &,
+                const QVariant &) { (path == "m"_s ? marker : wrong).release(); },
+            UpdatePoint::Done);
+        AttributeUpdateTask task(tree.notifications.getUpdateRegistration(), attribute, 2, UpdatePoint::Done);
+        attribute->setParent({}, true);
+        task.run();
+        update(tree, tree.add("m"_s, 1), 2);
+        QVERIFY(marker.tryAcquire(1, 20000));
+        QCOMPARE(wrong.available(), 0);
+    }
+
+private:
+    const std::shared_ptr<FunctionValidation> anyValueIsFine
+        = MakeNode<FunctionValidation>("any"_s, [](QVariant &) { return FunctionValidation::Result::Valid; });
 };
 
 QTEST_GUILESS_MAIN(AttributeTest)
-
 #include "AttributeTest.moc"

@@ -3,7 +3,6 @@
 #include <appconfig/backends/BackendCreateTask.h>
 #include <appconfig/backends/BackendRegistration.h>
 #include <appconfig/backends/MemoryBackend.h>
-#include <notification/utils/MakeNode.h>
 
 #include <QtTest>
 
@@ -18,30 +17,8 @@ using Tessellum::AppConfig::Attributes::AttributesCreateData;
 using Tessellum::AppConfig::Attributes::AttributeValueSource;
 using Tessellum::Notification::CreateObserver;
 using Tessellum::Notification::CreatePoint;
-using Tessellum::Notification::utils::MakeNode;
 
 namespace {
-
-// A backend whose source is a function of the test.
-class ScriptedBackend : public Backend
-{
-public:
-    using Script = std::function<bool(AttributesCreateData &)>;
-
-    ScriptedBackend(const BackendCreateData &data, const Script &loadScript)
-        : Backend(data)
-        , script(loadScript)
-    { }
-    QStringList getTypeKeys() const override { return {"scripted"_s}; }
-    bool saveAttributes() override { return false; }
-    bool loadAttributesCreateDataInternal(AttributesCreateData &out, const CreatePoint &waitPoint) override
-    {
-        return script ? script(out) : Backend::loadAttributesCreateDataInternal(out, waitPoint);
-    }
-
-private:
-    const Script script;
-};
 
 AttributeCreateData Element(const QString &name, const QVariant &value)
 {
@@ -176,7 +153,11 @@ private Q_SLOTS:
             return observer->getResult() == CreateObserver::ResultType(CreatePoint::Done, false)
                 && !fixture->node("p") && fixture->backends().getBackendNames().isEmpty();
         };
-        registerScript({});
+        TestBackend::registerType(scripted, [](TestBackend &backend) {
+            backend.onLoad = [&backend](AttributesCreateData &out) {
+                return backend.Backend::loadAttributesCreateDataInternal(out, CreatePoint::Done);
+            };
+        });
         QVERIFY(fails());
         QCOMPARE(fixture->takeLog(LogMessageType::warning),
                  QStringList("Backend::loadAttributesCreateDataInternal() default implementation called for "
@@ -250,11 +231,9 @@ private Q_SLOTS:
 
 private:
     BackendFactory &factory() { return fixture->repository(); }
-    void registerScript(const ScriptedBackend::Script &script)
+    void registerScript(const std::function<bool(AttributesCreateData &)> &script)
     {
-        factory().registerProduct(scripted, [script](const BackendCreateData &data) {
-            return MakeNode<ScriptedBackend>(data, script);
-        });
+        TestBackend::registerType(scripted, [script](TestBackend &backend) { backend.onLoad = script; });
     }
 
     std::unique_ptr<RepositoryFixture> fixture;

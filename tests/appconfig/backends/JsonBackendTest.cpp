@@ -3,11 +3,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPoint>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <csignal>
 #include <support/ClosedFolder.h>
+#include <support/Files.h>
 #include <support/Literals.h>
 #include <sys/resource.h>
 
@@ -19,12 +19,6 @@ namespace {
 QByteArray Nested(int levels)
 {
     return QByteArray(levels, '[') + '1' + QByteArray(levels, ']');
-}
-
-QByteArray Content(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
 QJsonDocument Document(const char *json)
@@ -58,7 +52,7 @@ private Q_SLOTS:
     void init()
     {
         fixture = std::make_unique<RepositoryFixture>();
-        directory = std::make_unique<QTemporaryDir>();
+        directory = std::make_unique<TestSupport::Files>();
         fileName = directory->filePath("values.json"_s);
     }
     void cleanup()
@@ -122,30 +116,25 @@ private Q_SLOTS:
         }
     }
 
-    void passesWithoutText()
+    void dataWithoutText()
     {
+        const QString function = "JsonBackend::loadAttributesCreateDataInternal() ";
         QVERIFY(load(fileName));
         QCOMPARE(fixture->takeLog(LogMessageType::log),
-                 QStringList("JsonBackend::loadAttributesCreateDataInternal() json file '%1' does "
-                             "not exist, nothing loaded"_s.arg(fileName)));
+                 QStringList(function + "json file '%1' does not exist, nothing loaded"_s.arg(fileName)));
         QVERIFY(fixture->values(name).isEmpty());
         QVERIFY(fixture->backends().hasBackend(name));
-
         QVERIFY(fixture->create("json"_s, "empty"_s, QByteArray()));
         QCOMPARE(fixture->takeLog(LogMessageType::log),
-                 QStringList(
-                     "JsonBackend::loadAttributesCreateDataInternal() json data is empty, nothing loaded"));
-    }
-
-    void refusesOtherData()
-    {
-        QVERIFY(!load(QPoint(1, 2)));
-        QCOMPARE(
-            fixture->takeLog(LogMessageType::warning),
-            QStringList("JsonBackend::loadAttributesCreateDataInternal() provided backend create data not "
-                        "provided as file name (QString) or json data (QByteArray), received type=QPoint"));
-        QVERIFY(!load(QVariant()));
-        QVERIFY(fixture->takeLog(LogMessageType::warning).value(0).endsWith(QLatin1String("received type=")));
+                 QStringList(function + "json data is empty, nothing loaded"));
+        for (const QVariant &data : {QVariant(QPoint(1, 2)), QVariant()}) {
+            QVERIFY(!fixture->create("json"_s, "other"_s, data));
+            QCOMPARE(fixture->takeLog(LogMessageType::warning),
+                     QStringList(function
+                                 + "provided backend create data not provided as file name (QString) or json "
+                                   "data (QByteArray), received type="
+                                 + data.typeName()));
+        }
     }
 
     void comesBackAsSaved()
@@ -155,7 +144,7 @@ private Q_SLOTS:
         QVERIFY(load(fileName));
         QVERIFY(QFile::remove(fileName));
         QVERIFY(save());
-        QCOMPARE(Content(fileName), QJsonDocument::fromJson(json).toJson());
+        QCOMPARE(directory->read(fileName), QJsonDocument::fromJson(json).toJson());
     }
 
     void savesWhatTheTreeHolds()
@@ -169,7 +158,7 @@ private Q_SLOTS:
         QVERIFY(fixture->create("memory"_s, "doc.inner"_s));
         QVERIFY(add("inner.y", 5));
         QVERIFY(save());
-        QCOMPARE(QJsonDocument::fromJson(Content(fileName)),
+        QCOMPARE(QJsonDocument::fromJson(directory->read(fileName)),
                  Document(R"({"x":1,"a":1,"a.b":2,"a.c":[3],"<v>":"text","hidden":{},
                               "list":[{"name":"first"},"second"],"inner":{"y":5}})"));
     }
@@ -185,7 +174,7 @@ private Q_SLOTS:
                      {"JsonBackend::saveHierarchyIntoJsonObject() skipping value of type 'QPoint' that json "
                       "cannot hold: 'point'",
                       "JsonBackend::saveHierarchyIntoJsonObject() failed to parse array attribute: <>"}));
-        QCOMPARE(QJsonDocument::fromJson(Content(fileName)), Document(R"({"a":[null,2]})"));
+        QCOMPARE(QJsonDocument::fromJson(directory->read(fileName)), Document(R"({"a":[null,2]})"));
     }
 
     void emptiesTheFileWithoutValues()
@@ -194,7 +183,7 @@ private Q_SLOTS:
         QVERIFY(load(fileName));
         QVERIFY(fixture->node("doc.x"_s)->setDeleteFlag());
         QVERIFY(!save());
-        QCOMPARE(Content(fileName), QByteArray());
+        QCOMPARE(directory->read(fileName), QByteArray());
     }
 
     void savesNothingBeyondTheDepthOfADocument()
@@ -203,12 +192,12 @@ private Q_SLOTS:
         QVERIFY(load(fileName));
         QVERIFY(add(deepest, 1));
         QVERIFY(save());
-        const QByteArray before = Content(fileName);
+        const QByteArray before = directory->read(fileName);
         QVERIFY(!QJsonDocument::fromJson(before).isNull());
 
         QVERIFY(add(deepest + ".n.n", 1));
         QVERIFY(!save());
-        QCOMPARE(Content(fileName), before);
+        QCOMPARE(directory->read(fileName), before);
         QCOMPARE(fixture->takeLog(LogMessageType::warning),
                  QStringList("JsonBackend::saveAttributes() the tree beneath 'doc' has more than 1024 "
                              "levels, nothing saved to json file '%1'"_s.arg(fileName)));
@@ -223,7 +212,7 @@ private Q_SLOTS:
             const FullDisk full;
             QVERIFY(!save());
         }
-        QCOMPARE(Content(fileName), before);
+        QCOMPARE(directory->read(fileName), before);
         QCOMPARE(QDir(directory->path()).entryList(QDir::Files).size(), 1);
         QVERIFY(save());
     }
@@ -237,7 +226,7 @@ private Q_SLOTS:
         QVERIFY(add("x", 2));
         QVERIFY(save());
         QVERIFY(QFileInfo(link).isSymLink());
-        QCOMPARE(QJsonDocument::fromJson(Content(fileName)), Document(R"({"x":2})"));
+        QCOMPARE(QJsonDocument::fromJson(directory->read(fileName)), Document(R"({"x":2})"));
     }
 
     void writesDirectlyWhereItMust()
@@ -250,7 +239,7 @@ private Q_SLOTS:
             QVERIFY(folder.isClosed());
             QVERIFY(save());
         }
-        QCOMPARE(QJsonDocument::fromJson(Content(fileName)), Document(R"({"x":2})"));
+        QCOMPARE(QJsonDocument::fromJson(directory->read(fileName)), Document(R"({"x":2})"));
     }
 
     void reportsWhatCannotBeWritten()
@@ -286,14 +275,10 @@ private:
     {
         return fixture->createAttribute(name + '.' + path, value, access);
     }
-    void write(const QByteArray &text) const
-    {
-        QFile file(fileName);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
-    }
+    void write(const QByteArray &text) { directory->write(text, "values.json"); }
 
     std::unique_ptr<RepositoryFixture> fixture;
-    std::unique_ptr<QTemporaryDir> directory;
+    std::unique_ptr<TestSupport::Files> directory;
     const QString name = "doc"_s;
     QString fileName;
 };

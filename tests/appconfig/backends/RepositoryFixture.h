@@ -4,8 +4,7 @@
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appconfig/utils/AttributesQueryProvider.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
-#include <appconfig/utils/RepositoryProvider.h>
-#include <notification/RepositoryHierarchyThreadProvider.h>
+#include <appconfig/utils/RunningRepository.h>
 
 #include <QMap>
 
@@ -13,26 +12,18 @@
 #include <support/LogCapture.h>
 
 // The repository, active for the length of a test, and what the backends' classes log meanwhile.
-class RepositoryFixture
+class RepositoryFixture : private RunningRepository
 {
 public:
     using CreatePoint = Tessellum::Notification::CreatePoint;
     using Values = QMap<QString, QVariant>;
 
-    RepositoryFixture() { repository().setRepositoryActive(keeper, false); }
-    ~RepositoryFixture()
-    {
-        repository().setRepositoryActive(keeper, true);
-        keeper.reset();
-        // The nodes die on the event thread, and need the application object for that.
-        Tessellum::Core::RepositoryHierarchyThreadProvider::getInstance()->barrier();
-    }
+    RepositoryFixture()
+        : RunningRepository(false)
+    { }
     Q_DISABLE_COPY(RepositoryFixture)
 
-    Tessellum::AppConfig::utils::RepositoryProvider &repository()
-    {
-        return *Tessellum::AppConfig::utils::RepositoryProvider::getInstance();
-    }
+    Tessellum::AppConfig::utils::RepositoryProvider &repository() { return provider(); }
     Tessellum::AppConfig::utils::RepositoryBackendProvider &backends()
     {
         return *repository().getBackendProvider();
@@ -83,5 +74,4 @@ public:
 private:
     TestSupport::LogCapture log;
     int taken = 0;
-    std::shared_ptr<Shared::Hierarchy::HierarchyNode> keeper;
 };

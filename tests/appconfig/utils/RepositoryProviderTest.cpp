@@ -1,14 +1,18 @@
 #include "RunningRepository.h"
 
+#include <appconfig/attributes/Attribute.h>
 #include <appconfig/ManagedRepository.h>
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appconfig/utils/AttributesQueryProvider.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
+#include <appconfig/utils/ShownAttribute.h>
 #include <notification/RepositoryLocks.h>
 
 #include <QtTest>
 
+#include <memory>
 #include <support/Literals.h>
+#include <support/Threads.h>
 #include <thread>
 
 using namespace Tessellum;
@@ -18,6 +22,7 @@ using Notification::CreatePoint;
 using Notification::UpdatePoint;
 using Shared::Hierarchy::HierarchyNode;
 using PlainNode = Shared::Hierarchy::HierarchyNodeInstance;
+using Tessellum::AppConfig::utils::ShownAttribute;
 
 namespace {
 
@@ -33,6 +38,7 @@ AttributeCreateData::AttributeCreateDataDetails holding(const QVariant &value)
 class RepositoryProviderTest : public QObject
 {
     Q_OBJECT
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -144,6 +150,49 @@ private Q_SLOTS:
         QVERIFY(!root->findChildByRelativePath("a.link")->addChild(child)); // read-only
         QVERIFY(root->findChildByRelativePath("a.b.link")->addChild(child));
         QVERIFY(target->hasChild("child"));
+    }
+
+    void theLastValueHoldsUntilTheLastHolderGoes()
+    {
+        const RunningRepository run;
+        const QString path = QStringLiteral("a.peers.one");
+        auto first = std::make_unique<ShownAttribute>(path, 1);
+        QTRY_COMPARE(RunningRepository::value(path), QVariant(1));
+        auto second = std::make_unique<ShownAttribute>(path, 2);
+        QTRY_COMPARE(RunningRepository::value(path), QVariant(2));
+        first.reset();
+        second->show(3);
+        QTRY_COMPARE(RunningRepository::value(path), QVariant(3));
+        second.reset();
+        QTRY_VERIFY(!RunningRepository::value(path).isValid());
+    }
+
+    void nothingStaysBehindWhateverTheOrderOfTasks()
+    {
+        const RunningRepository run;
+        const QString kept = QStringLiteral("a.kept");
+        const ShownAttribute last(kept, 0);
+        TestSupport::InThreads(4, [&kept](int thread) {
+            for (int round = 0; round < 200; ++round) {
+                const ShownAttribute gone(QStringLiteral("a.gone%1").arg(round % 3), thread);
+                const ShownAttribute also(kept, round);
+            }
+        });
+        last.show(QStringLiteral("end"));
+        QTRY_COMPARE(RunningRepository::value(kept), QVariant(QStringLiteral("end")));
+        for (int number = 0; number < 3; ++number)
+            QTRY_VERIFY(!RunningRepository::value(QStringLiteral("a.gone%1").arg(number)).isValid());
+    }
+
+    void aStoppedConfigurationShowsNothing()
+    {
+        const QString path = QStringLiteral("a.stopped");
+        auto early = std::make_unique<ShownAttribute>(path, 1);
+        const RunningRepository run;
+        early->show(2);
+        QTRY_COMPARE(RunningRepository::value(path), QVariant(2));
+        early.reset();
+        QTRY_VERIFY(!RunningRepository::value(path).isValid());
     }
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <appconfig/attributes/Attribute.h>
 #include <appconfig/attributes/AttributeCreation.h>
 #include <appconfig/backends/Backend.h>
 #include <appconfig/utils/RepositoryProvider.h>
@@ -9,8 +10,8 @@
 #include <support/Literals.h>
 
 /*!
- * One run of the configuration repository: started and with its internal tree linked in by the constructor,
- * stopped by the destructor.
+ * One run of the configuration repository: started by the constructor, with its internal tree linked in if
+ * that is wanted, and stopped by the destructor.
  */
 class RunningRepository
 {
@@ -19,10 +20,12 @@ public:
     using Node = Shared::Hierarchy::HierarchyNode;
     using PlainNode = Shared::Hierarchy::HierarchyNodeInstance;
 
-    RunningRepository()
+    explicit RunningRepository(bool linksInternalTree = true)
     {
         std::shared_ptr<Node> noKeeper;
         provider().setRepositoryActive(noKeeper, false);
+        if (!linksInternalTree)
+            return;
         const auto root = provider().getInternalRoot();
         for (const auto &[names, list] : provider().getListPatterns()) {
             if (!root->hasChild(names.first))
@@ -42,6 +45,15 @@ public:
     }
 
     static Provider &provider() { return *Provider::getInstance(); }
+
+    // The value at \a path, invalid where there is no attribute.
+    static QVariant value(const QString &path)
+    {
+        const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
+            provider().getRoot()->findChildByRelativePath(path));
+        QVariant value;
+        return attribute && attribute->getValue(value, QMetaType::UnknownType) ? value : QVariant();
+    }
 
     static void setAutomaticCreate(bool enabled)
     {
@@ -76,9 +88,10 @@ public:
                                           const Tessellum::Notification::CreatePoint &) override
     {
         out = values;
-        return true;
+        return !onLoad || onLoad(out);
     }
 
     AttributesCreateData values;
+    std::function<bool(AttributesCreateData &)> onLoad;
     std::function<bool()> onSave;
 };

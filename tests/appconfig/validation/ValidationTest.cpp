@@ -1,19 +1,22 @@
 #include <appconfig/attributes/Attribute.h>
+#include <appconfig/utils/RunningRepository.h>
+#include <appconfig/validation/AttributeValidationRepository.h>
 #include <appconfig/validation/LimitsValidation.h>
 #include <appconfig/validation/ValidationContainer.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/localization/TessellumLocalizationInterfaceProvider.h>
 
-#include <QtConcurrent>
 #include <QtTest>
 
 #include <cmath>
 #include <support/Literals.h>
+#include <support/Threads.h>
 
 using namespace Tessellum::AppConfig::Validation;
 using Shared::Hierarchy::HierarchyNodeInstance;
 using Tessellum::AppConfig::Attributes::Attribute;
 using Tessellum::Notification::utils::MakeNode;
+using namespace Tessellum::AppConfig;
 
 namespace {
 
@@ -32,6 +35,14 @@ template <class T>
 QVariant adjusted(const std::shared_ptr<LimitsValidation<T>> &validation, QVariant value)
 {
     return validation->validate(nullptr, value) == ValidationResult::Adjusted ? value : QVariant();
+}
+
+template <class T>
+bool makes(const QString &type)
+{
+    const auto made = AttributeValidationRepository::getInstance()->createValidation(type, "id"_s);
+    return made && made->getValidationId() == QLatin1String("id")
+        && std::dynamic_pointer_cast<LimitsValidation<T>>(made);
 }
 
 } // namespace
@@ -116,43 +127,113 @@ private Q_SLOTS:
         const auto validation = MakeNode<LimitsValidation<signed char>>("v"_s);
         QVERIFY(validation->addChild(MakeNode<Attribute>("Maximum", "5"), nullptr));
         QVERIFY(parent->addChild(validation, nullptr));
-        const auto valueOf = [&](const char *id) {
+        const QPair<const char *, QVariant> expected[]
+            = {{"Maximum", "5"},
+               {"Minimum", QVariant::fromValue(static_cast<signed char>(-128))},
+               {"Clipping", false}};
+        for (const auto &[id, shown] : expected) {
             QVariant value;
             const auto attribute = std::dynamic_pointer_cast<Attribute>(validation->getChildById(id));
-            return attribute && attribute->getValue(value, 0) ? value : QVariant();
-        };
-        QCOMPARE(valueOf("Maximum"), QVariant("5"));
-        QCOMPARE(valueOf("Minimum"), QVariant::fromValue(static_cast<signed char>(-128)));
-        QCOMPARE(valueOf("Clipping"), QVariant(false));
-        QCOMPARE(validation->getNumberOfChildren(), quint64(3));
-        QVariant value(-128);
-        QCOMPARE(validation->validate(nullptr, value), ValidationResult::Valid);
+            QVERIFY(attribute && attribute->getValue(value, 0));
+            QCOMPARE(value, shown);
+        }
     }
 
     void threadsThatAddAtOnceShareOneList()
     {
         for (int round = 0; round < 50; ++round) {
-            utils::ValidationContainer container;
-            QSemaphore ready;
-            QSemaphore go;
-            QVector<QFuture<bool>> adding;
-            QThreadPool pool;
-            pool.setMaxThreadCount(4);
-            for (int i = 0; i < 4; ++i) {
-                const auto validation = MakeNode<LimitsValidation<int>>(QString::number(i));
-                adding.append(QtConcurrent::run(&pool, [&, validation] {
-                    ready.release();
-                    go.acquire();
-                    return container.addValidation(validation);
-                }));
-            }
-            ready.acquire(4);
-            go.release(4);
-            for (auto &future : adding)
-                QVERIFY(future.result());
+            Validation::utils::ValidationContainer container;
+            std::atomic<int> added{0};
+            TestSupport::InThreads(4, [&](int number) {
+                added += container.addValidation(MakeNode<LimitsValidation<int>>(QString::number(number)));
+            });
+            QCOMPARE(added.load(), 4);
             QCOMPARE(container.getValidations().size(), 4);
         }
     }
+
+    void createsByTypeKey()
+    {
+        for (const QString key : {"limits", "limit"}) {
+            QVERIFY(makes<double>(key));
+            QVERIFY(makes<signed char>(key + "_signed_char"));
+            QVERIFY(makes<int>(key + "_int"));
+        }
+        QCOMPARE(repository->getRegisteredProductIdentifier().size(), 14);
+        QVERIFY(!repository->createValidation("Limits"_s, "id"_s));
+    }
+
+    void typeKeysInAnyCaseIfSoSet()
+    {
+        Attributes::AttributeCreateData setting;
+        setting.name = "repository.names_ignore_case"_s;
+        const auto root = RunningRepository::provider().getInternalRoot();
+        for (bool ignoring : {true, false}) {
+            setting.details.value = ignoring;
+            QVERIFY(Attributes::CreateAttributeInHierarchy(root, setting));
+            QCOMPARE(makes<int>("LIMIT_Int"_s), ignoring);
+        }
+    }
+
+    void registersAnIdOnce()
+    {
+        const auto first = node("once");
+        QVERIFY(!repository->registerValidation(nullptr) && !repository->registerValidation(node("")));
+        QVERIFY(repository->registerValidation(first));
+        QVERIFY(!repository->registerValidation(node("once")));
+        QCOMPARE(repository->getValidation("once"_s), first);
+        QVERIFY(repository->registerValidation(node("a")));
+        QCOMPARE(repository->getValidationIds(), QStringList({"a", "once"}));
+        QVERIFY(repository->unregisterValidation("a"_s) && !repository->unregisterValidation("a"_s));
+        QVERIFY(repository->unregisterValidation("once"_s));
+    }
+
+    void forgetsWhatBackendsRegistered()
+    {
+        RunningRepository running;
+        const auto backend = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("backend"_s);
+        QVERIFY(repository->registerValidation(node("kept")));
+        QVERIFY(repository->registerBackendValidation(node("file"), backend));
+        QVERIFY(!repository->registerBackendValidation(node("kept"), backend));
+        running.stop();
+        QCOMPARE(repository->getValidationIds(), QStringList("kept"));
+        const auto other = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("other"_s);
+        const auto fresh = node("file");
+        QVERIFY(repository->registerBackendValidation(node("file"), backend));
+        QVERIFY(!repository->registerBackendValidation(fresh, other));
+        backend->setDeleteFlag();
+        QVERIFY(repository->registerBackendValidation(fresh, other));
+        QCOMPARE(repository->getValidation("file"), fresh);
+        repository->unregisterBackendValidations();
+        QVERIFY(repository->unregisterValidation("kept"_s));
+    }
+
+    void listsTheNamesWhileTheRepositoryRuns()
+    {
+        RunningRepository running;
+        const auto list = RunningRepository::provider().getListPattern("names", "validations");
+        QVERIFY(list);
+        const auto validation = node("listed");
+        QVERIFY(repository->registerValidation(validation));
+        QVERIFY(!repository->registerValidation(validation));
+        QCOMPARE(list->getElements(), QStringList("listed"));
+        // The entry tells the place, also when the validation is hung somewhere later.
+        const auto parent = MakeNode<Shared::Hierarchy::HierarchyNodeInstance>("p"_s);
+        QVERIFY(parent->addChild(validation, nullptr));
+        QVariant place;
+        QVERIFY(list->getElement("listed"_s)->getValue(place, QMetaType::QString));
+        QCOMPARE(place, QVariant("p.listed"));
+        running.stop();
+        QVERIFY(repository->unregisterValidation("listed"_s));
+    }
+
+private:
+    static std::shared_ptr<AttributeValidationInterface> node(const char *id)
+    {
+        return MakeNode<LimitsValidation<int>>(QString(id));
+    }
+
+    AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
 };
 
 QTEST_GUILESS_MAIN(ValidationTest)

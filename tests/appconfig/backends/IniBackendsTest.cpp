@@ -1,3 +1,5 @@
+#include "RepositoryFixture.h"
+
 #include <appconfig/attributes/Attribute.h>
 #include <appconfig/backends/AutomaticConstraintsBackendLoader.h>
 #include <appconfig/backends/ConstraintsBackend.h>
@@ -7,19 +9,21 @@
 #include <appconfig/validation/AttributeValidationRepository.h>
 #include <notification/utils/MakeNode.h>
 
-#include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/Files.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
 
 using namespace Tessellum::AppConfig;
 using Backends::ConstraintsBackend;
+using Shared::Logging::LogMessageType;
 using Tessellum::Notification::CreatePoint;
 using Validation::AttributeValidationRepository;
 using Validation::ValidationResult;
 
-class ConstraintsBackendTest : public QObject
+/*! INI files as attributes, and as constraints. */
+class IniBackendsTest : public QObject
 {
     Q_OBJECT
 
@@ -69,7 +73,7 @@ private Q_SLOTS:
         TestSupport::LogCapture log;
         for (const char *content : {"", "[a]\nMinimum=1\n[b]\nUnit=V\n", "[a]\nType=none\n"})
             QVERIFY2(!load(backendOf(content)), content);
-        QVERIFY(!load(backend(directory.filePath("absent.ini"))));
+        QVERIFY(!load(backend(folder.filePath("absent.ini"))));
         QVERIFY(repository->getValidationIds().isEmpty());
         QCOMPARE(log.lines(), QStringList());
     }
@@ -79,10 +83,10 @@ private Q_SLOTS:
         using Backends::AutomaticConstraintsBackendLoader;
         RunningRepository run;
         const auto internal = run.provider().getInternalRoot();
-        const QString file = fileOf("[limit]\nType=limit\n");
+        const QString file = folder.write("[limit]\nType=limit\n");
         {
             TestSupport::LogCapture log;
-            QVERIFY(!AutomaticConstraintsBackendLoader(directory.filePath("none"), "constraints", internal));
+            QVERIFY(!AutomaticConstraintsBackendLoader(folder.filePath("none"), "constraints", internal));
             QCOMPARE(log.lines(), QStringList());
         }
         QVERIFY(AutomaticConstraintsBackendLoader(file, "constraints", internal));
@@ -101,6 +105,56 @@ private Q_SLOTS:
                              + "' as constraints 'constraints' beneath 'internal'"));
     }
 
+    void fileComesAndGoesWhole()
+    {
+        RepositoryFixture fixture;
+        const QString file = folder.write("[net]\nport = 8080\nhost.name=\"a b\"\n[log]\nport=1\n");
+        QVERIFY(fixture.create("inifile", "ini", file));
+        QCOMPARE(
+            fixture.values("ini"),
+            RepositoryFixture::Values({{"net.port", "8080"}, {"net.host.name", "a b"}, {"log.port", "1"}}));
+        QVERIFY(fixture.createAttribute("ini.net.port", 9));
+        QVERIFY(fixture.createAttribute("ini.new.key", "x\ny"));
+        QVERIFY(fixture.createAttribute("ini.loose", "in no section"));
+        QVERIFY(fixture.backends().saveBackend("ini"));
+        QCOMPARE(folder.read(file),
+                 QByteArray("[log]\nport=\"1\"\n[net]\nhost.name=\"a b\"\nport=\"9\"\n[new]\nkey=\"x y\"\n"));
+
+        QVERIFY(fixture.create("ini", "locked", file, 1));
+        const auto attribute = fixture.repository().getQueryProvider()->findAttribute("locked.net.port");
+        QVERIFY(attribute && attribute->getAccess() == 1);
+    }
+
+    void missingAndEmptyFiles()
+    {
+        RepositoryFixture fixture;
+        const QString missing = folder.filePath("missing.ini");
+        QVERIFY(fixture.create("ini_file", "none", missing));
+        QCOMPARE(fixture.takeLog(LogMessageType::log),
+                 QStringList("IniFileBackend::loadAttributesCreateDataInternal() ini file '" + missing
+                             + "' does not exist, no attributes loaded"));
+        QVERIFY(fixture.backends().saveBackend("none"));
+        QVERIFY(QFile::exists(missing));
+        QVERIFY(!fixture.create("ini", "empty", folder.write("[section]\n\n")));
+        QVERIFY(fixture.create("ini", "folder", folder.path()));
+        QVERIFY(!fixture.backends().saveBackend("folder"));
+    }
+
+    void oddLines()
+    {
+        RepositoryFixture fixture;
+        const QString file
+            = folder.write("early=1\n[a]\n=no key\nb..c=2\nno separator\nd=3\n[x\n[e.f]\ng==4\n\x01\xff=\n");
+        QVERIFY(fixture.create("ini", "odd", file));
+        QCOMPARE(fixture.values("odd").value("a.d"), QVariant("3"));
+        QCOMPARE(fixture.values("odd").value("e.f.g"), QVariant("=4"));
+        QVERIFY(fixture.backends().saveBackend("odd"));
+        const QByteArray saved = folder.read(file);
+        // What has no place in the tree stays in the file.
+        for (const char *line : {"early=\"1\"", "=\"no key\"", "b..c=\"2\"", "d=\"3\"", "g=\"=4\""})
+            QVERIFY2(saved.contains(line), line);
+    }
+
 private:
     std::shared_ptr<ConstraintsBackend> backend(const QString &file) const
     {
@@ -109,14 +163,7 @@ private:
     }
     std::shared_ptr<ConstraintsBackend> backendOf(const QByteArray &content)
     {
-        return backend(fileOf(content));
-    }
-    QString fileOf(const QByteArray &content)
-    {
-        QFile file(directory.filePath(QString::number(++files)));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the test's file");
-        return file.fileName();
+        return backend(folder.write(content));
     }
     static bool load(const std::shared_ptr<ConstraintsBackend> &backend)
     {
@@ -126,9 +173,9 @@ private:
     }
 
     AttributeValidationRepository *repository = AttributeValidationRepository::getInstance();
-    QTemporaryDir directory;
-    int files = 0;
+
+    TestSupport::Files folder;
 };
 
-QTEST_GUILESS_MAIN(ConstraintsBackendTest)
-#include "ConstraintsBackendTest.moc"
+QTEST_GUILESS_MAIN(IniBackendsTest)
+#include "IniBackendsTest.moc"
