@@ -86,6 +86,43 @@ private:
         return names;
     }
 
+    void takeOver(bool fromPair)
+    {
+        auto properties = volatileEntry("plant", "source");
+        properties.insert(Property::Capacity(), 5);
+        const auto entry = entries()->addDataEntryExtended(QString(), properties);
+        QStringList uuids;
+        for (int i = 0; i < 3; ++i)
+            uuids.append(addValue(entry, quint64(i), i + 0.5));
+        const auto source = fromPair ? entries()->getDataEntry("plant", "source") : entry;
+
+        const Properties plain{{Property::SourceEntry(), source->getUuid()}, {Property::Name(), "plain"}};
+        const auto empty = entries()->addDataEntryExtended(QString(), plain);
+        QCOMPARE(empty->getClassification(), QString("plant"));
+        QCOMPARE(empty->getCategory()->getType(), CategoryType::Float);
+        QCOMPARE(empty->getPersistenceType(), PersistenceType::Volatile);
+        QCOMPARE(empty->getCapacity(), quint64(5));
+        QCOMPARE(elementsOf(empty), QStringList());
+
+        properties = plain;
+        properties.insert(Property::Name(), "whole");
+        properties.insert(Property::ElementsList(), QStringList());
+        const auto whole = entries()->addDataEntryExtended(QString(), properties);
+        QTRY_COMPARE(elementsOf(whole), uuids);
+        QCOMPARE(*whole->getManipulationInterface()->readDataElementValueByUuid(uuids.at(2)), QVariant(2.5));
+
+        properties = volatileEntry("other", "part");
+        properties.insert(Property::CategoryType(), QVariant::fromValue(CategoryType::Text));
+        properties.insert(Property::Capacity(), 7);
+        properties.insert(Property::SourceEntry(), source->getUuid());
+        properties.insert(Property::ElementsList(), QStringList{uuids.at(2), uuids.at(0), "none"});
+        const auto part = entries()->addDataEntryExtended(QString(), properties);
+        QTRY_COMPARE(elementsOf(part), (QStringList{uuids.at(0), uuids.at(2)}));
+        QCOMPARE(part->getClassification(), QString("other"));
+        QCOMPARE(part->getCapacity(), quint64(7));
+        QCOMPARE(part->getCategory()->getType(), CategoryType::Float);
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -189,49 +226,8 @@ private Q_SLOTS:
                          "empty entry specification"}));
     }
 
-    void entryTakesOverFromItsSource_data()
-    {
-        QTest::addColumn<bool>("fromPair");
-        QTest::newRow("entry") << false;
-        QTest::newRow("pair") << true;
-    }
-    void entryTakesOverFromItsSource()
-    {
-        QFETCH(bool, fromPair);
-        auto properties = volatileEntry("plant", "source");
-        properties.insert(Property::Capacity(), 5);
-        const auto entry = entries()->addDataEntryExtended(QString(), properties);
-        QStringList uuids;
-        for (int i = 0; i < 3; ++i)
-            uuids.append(addValue(entry, quint64(i), i + 0.5));
-        const auto source = fromPair ? entries()->getDataEntry("plant", "source") : entry;
-
-        const Properties plain{{Property::SourceEntry(), source->getUuid()}, {Property::Name(), "plain"}};
-        const auto empty = entries()->addDataEntryExtended(QString(), plain);
-        QCOMPARE(empty->getClassification(), QString("plant"));
-        QCOMPARE(empty->getCategory()->getType(), CategoryType::Float);
-        QCOMPARE(empty->getPersistenceType(), PersistenceType::Volatile);
-        QCOMPARE(empty->getCapacity(), quint64(5));
-        QCOMPARE(elementsOf(empty), QStringList());
-
-        properties = plain;
-        properties.insert(Property::Name(), "whole");
-        properties.insert(Property::ElementsList(), QStringList());
-        const auto whole = entries()->addDataEntryExtended(QString(), properties);
-        QTRY_COMPARE(elementsOf(whole), uuids);
-        QCOMPARE(*whole->getManipulationInterface()->readDataElementValueByUuid(uuids.at(2)), QVariant(2.5));
-
-        properties = volatileEntry("other", "part");
-        properties.insert(Property::CategoryType(), QVariant::fromValue(CategoryType::Text));
-        properties.insert(Property::Capacity(), 7);
-        properties.insert(Property::SourceEntry(), source->getUuid());
-        properties.insert(Property::ElementsList(), QStringList{uuids.at(2), uuids.at(0), "none"});
-        const auto part = entries()->addDataEntryExtended(QString(), properties);
-        QTRY_COMPARE(elementsOf(part), (QStringList{uuids.at(0), uuids.at(2)}));
-        QCOMPARE(part->getClassification(), QString("other"));
-        QCOMPARE(part->getCapacity(), quint64(7));
-        QCOMPARE(part->getCategory()->getType(), CategoryType::Float);
-    }
+    void entryTakesOverFromAnother() { takeOver(false); }
+    void entryTakesOverFromAPair() { takeOver(true); }
 
     void patternsAndRemovals()
     {

@@ -6,7 +6,7 @@
 #include <plugins/support/StorageRecords.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <thread>
+#include <support/Threads.h>
 
 using namespace TestSupport;
 
@@ -122,9 +122,7 @@ private Q_SLOTS:
             if (!works || !storage->disconnectStorage() || !storage->connectStorage())
                 ++failures;
         };
-        std::thread second(work, storages[1]);
-        work(storages[0]);
-        second.join();
+        InThreads(2, [&](int number) { work(storages[number]); });
         QCOMPARE(failures.load(), 0);
         QList<qulonglong> first = Stamps(storages[0], entry);
         QCOMPARE(Stamps(storages[1], entry), first);

@@ -1,4 +1,3 @@
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <array>
@@ -6,12 +5,32 @@
 #include <plugins/support/SqlProcesses.h>
 #include <plugins/support/StorageRecords.h>
 #include <random>
+#include <support/Files.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 using namespace TestSupport;
+
+namespace {
+
+// Another connection is about to write to the file.
+class LockedFile
+{
+public:
+    explicit LockedFile(const QString &file)
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "lock");
+        other.setDatabaseName(file);
+        if (!other.open() || !QSqlQuery(other).exec("BEGIN IMMEDIATE"))
+            qFatal("the file is not locked");
+    }
+    ~LockedFile() { QSqlDatabase::removeDatabase("lock"); }
+    Q_DISABLE_COPY_MOVE(LockedFile)
+};
+
+} // namespace
 
 // What the file is to others, and what becomes of it when things go wrong.
 class SqliteStorageTest : public QObject
@@ -22,12 +41,6 @@ private:
     static std::shared_ptr<StorageImplementation> make(const QString &file, qint32 mode = 0)
     {
         return MakeStorage(SQLITE_PLUGIN, "sqlite"_s, file, mode);
-    }
-
-    static QByteArray contents(const QString &file)
-    {
-        QFile opened(file);
-        return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
     }
 
     static QVariantList sql(const QString &file, const QStringList &statements)
@@ -56,10 +69,10 @@ private:
         }
     }
 
-    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<Files> folder;
 
 private Q_SLOTS:
-    void init() { folder = std::make_unique<QTemporaryDir>(); }
+    void init() { folder = std::make_unique<Files>(); }
 
     void sortsStampsInTheFile()
     {
@@ -81,7 +94,7 @@ private Q_SLOTS:
     void refusesOtherFiles()
     {
         const auto refuses = [this](const QString &file, const QString &text) {
-            const QByteArray before = contents(file);
+            const QByteArray before = folder->read(file);
             const auto storage = make(file);
             const LogCapture log;
             QVERIFY(!storage->connectStorage());
@@ -91,15 +104,11 @@ private Q_SLOTS:
                      "WARNING SqlStorage::connectStorage() cannot open '%1': %2"_s.arg(file, text));
             // Before the end of the text and the tables: only the journal's mode may have changed.
             if (!text.contains("table"))
-                QCOMPARE(contents(file), before);
+                QCOMPARE(folder->read(file), before);
         };
         refuses(folder->path(), "unable to open database file");
         refuses(folder->filePath("a/b"), "unable to open database file");
-        QFile text(folder->filePath("text"));
-        QVERIFY(text.open(QIODevice::WriteOnly));
-        text.write(QByteArray(2000, 'x'));
-        text.close();
-        refuses(text.fileName(), "file is not a database");
+        refuses(folder->write(QByteArray(2000, 'x')), "file is not a database");
         const QPair<const char *, const char *> tables[]
             = {{"CREATE TABLE notes (text)", "the file is a database of another program"},
                {"CREATE TABLE tessellum_schema (version)", "the tables have no version"},
@@ -124,18 +133,14 @@ private Q_SLOTS:
                 QVERIFY(storage->serializeElement(entry, Uuid(), Values(number, QByteArray(50, 'x'))));
             QVERIFY(storage->disconnectStorage());
         }
-        const QByteArray whole = contents(file);
+        const QByteArray whole = folder->read(file);
         QVERIFY(whole.size() > 20000);
         for (int size : {1, 15, 16, 99, 100, 101, 4095, 4096, 4097, 12288, 20000, whole.size() - 1}) {
-            const QString cut = folder->filePath("cut%1"_s.arg(size));
-            QFile written(cut);
-            QVERIFY(written.open(QIODevice::WriteOnly));
-            written.write(whole.left(size));
-            written.close();
+            const QString cut = folder->write(whole.left(size));
             const LogCapture log;
             QVERIFY(!make(cut)->connectStorage());
             QCOMPARE(log.lines().size(), 1);
-            QCOMPARE(contents(cut), whole.left(size));
+            QCOMPARE(folder->read(cut), whole.left(size));
         }
     }
 
@@ -184,18 +189,14 @@ private Q_SLOTS:
         int taken = 0;
         const LogCapture log;
         {
-            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "lock"_s);
-            other.setDatabaseName(file);
-            QVERIFY(other.open() && QSqlQuery(other).exec("BEGIN IMMEDIATE"));
+            const LockedFile lock(file);
             // Those that are taken before the lock shows are kept.
             while (storage->serializeElement(entry, Uuid(), Values(1, "x")))
                 ++taken;
             QStringList uuids;
             QCOMPARE(storage->getElementIds(entry, uuids), quint64(taken));
             QVERIFY(!storage->serializeElement(entry, Uuid(), Values(1, "x")));
-            other.close();
         }
-        QSqlDatabase::removeDatabase("lock");
         QVERIFY(storage->serializeElement(entry, Uuid(), Values(2, "y")));
         const QStringList lines = log.lines().filter("database is locked");
         QCOMPARE(lines.size(), 2); // the writer's, and the first refusal's
@@ -213,14 +214,10 @@ private Q_SLOTS:
         const QString refused = Uuid();
         QVERIFY(storage->connectStorage() && storage->serializeEntry(entry, Record()));
         {
-            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "lock"_s);
-            other.setDatabaseName(file);
-            QVERIFY(other.open() && QSqlQuery(other).exec("BEGIN IMMEDIATE"));
+            const LockedFile lock(file);
             QVERIFY(!storage->serializeElement(entry, refused, Values(1, "x")));
             QCOMPARE(storage->getElementRawData(entry, refused), QByteArray());
-            other.close();
         }
-        QSqlDatabase::removeDatabase("lock");
         QVERIFY(storage->serializeElement(entry, "after"_s, Values(2, "y")));
         QStringList uuids;
         storage->getElementIds(entry, uuids);

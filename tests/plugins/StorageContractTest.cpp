@@ -9,7 +9,7 @@
 #include <plugins/support/StorageRecords.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <thread>
+#include <support/Threads.h>
 #include <vector>
 
 using namespace TestSupport;
@@ -273,11 +273,7 @@ private:
             if (found != uuids)
                 ++wrong;
         };
-        std::vector<std::thread> threads;
-        for (const QString &entry : entries)
-            threads.emplace_back(work, entry);
-        for (std::thread &thread : threads)
-            thread.join();
+        InThreads(Threads, [&](int number) { work(entries[size_t(number)]); });
         QCOMPARE(wrong.load(), 0);
 
         QVERIFY(storage->disconnectStorage());

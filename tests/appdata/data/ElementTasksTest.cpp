@@ -1,6 +1,5 @@
 #include "../../support/AttributeTree.h"
 #include "../../support/LogCapture.h"
-#include "../support/PickyParser.h"
 #include "../support/RunningDataRepository.h"
 
 #include <appdata/data/elements/ElementReference.h>
@@ -14,6 +13,28 @@
 using namespace TestSupport;
 using namespace Tessellum::AppData::Data::Elements;
 using Data::Entries::Entry;
+
+namespace {
+
+/*! Knows only texts that are not "bad", and throws at "worse". */
+class PickyParser : public Tessellum::AppData::Interfaces::DataElementParserInterface
+{
+public:
+    QByteArray toRaw(const std::shared_ptr<QVariant> &value) const override
+    {
+        if (value->toString() == "worse")
+            throw std::runtime_error("worse");
+        return value->toByteArray();
+    }
+    std::shared_ptr<QVariant> parse(const QByteArray &raw) const override
+    {
+        if (raw == "worse")
+            throw std::runtime_error("worse");
+        return raw == "bad" ? nullptr : std::make_shared<QVariant>(QString::fromUtf8(raw));
+    }
+};
+
+} // namespace
 
 class ElementTasksTest : public QObject, private DiskFixture
 {

@@ -1,4 +1,5 @@
 #include "../../support/LogCapture.h"
+#include "../../support/Threads.h"
 #include "../support/RunningDataRepository.h"
 
 #include <QtTest>
@@ -23,19 +24,8 @@ private:
     }
     QStringList ids(const EntryPtr &entry) { return entry->getChildIds(); }
 
-private Q_SLOTS:
-    void init() { begin(); }
-    void cleanup() { end(); }
-
-    void ringGoesRound_data()
+    void goRound(const QString &storageName)
     {
-        QTest::addColumn<QString>("storageName");
-        QTest::newRow("volatile") << "";
-        QTest::newRow("stored") << "disk";
-    }
-    void ringGoesRound()
-    {
-        QFETCH(QString, storageName);
         const auto entry = run->addEntry(run->record("ring", storageName, 3));
         QList<qint64> indices;
         QStringList uuids;
@@ -71,11 +61,8 @@ private Q_SLOTS:
         QCOMPARE(add(single, 1, 1), add(single, 2, 2));
         QCOMPARE(single->getNumberOfChildren(), 1u);
     }
-
-    void fullRingTakesNoMoreMemory_data() { ringGoesRound_data(); }
-    void fullRingTakesNoMoreMemory()
+    void addToAFullRing(const QString &storageName)
     {
-        QFETCH(QString, storageName);
         constexpr int capacity = 10000;
         constexpr int adds = 300000;
         const auto entry = run->addEntry(run->record("ring", storageName, capacity));
@@ -97,6 +84,15 @@ private Q_SLOTS:
         // The least that an add could leave behind are 32 bytes; what is under way swings by some megabytes.
         QVERIFY2(after < before + 24 * adds, qPrintable(QString::number(qint64(after - before))));
     }
+
+private Q_SLOTS:
+    void init() { begin(); }
+    void cleanup() { end(); }
+
+    void volatileRingGoesRound() { goRound(QString()); }
+    void storedRingGoesRound() { goRound("disk"); }
+    void fullVolatileRingTakesNoMoreMemory() { addToAFullRing(QString()); }
+    void fullStoredRingTakesNoMoreMemory() { addToAFullRing("disk"); }
 
     void placesAreReservedBeforeTheyAreTaken()
     {
@@ -123,16 +119,10 @@ private Q_SLOTS:
     {
         const quint64 capacity = 5;
         const auto entry = run->addEntry(run->record("ring", QString(), capacity));
-        std::vector<std::unique_ptr<QThread>> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back(QThread::create([&entry, thread] {
-                for (int i = 0; i < 50; ++i)
-                    add(entry, quint64(thread * 100 + i), i);
-            }));
-            threads.back()->start();
-        }
-        for (const auto &thread : threads)
-            QVERIFY(thread->wait(60000));
+        InThreads(4, [&entry](int thread) {
+            for (int i = 0; i < 50; ++i)
+                add(entry, quint64(thread * 100 + i), i);
+        });
         QCOMPARE(entry->getNumberOfChildren(), capacity);
         QCOMPARE(entry->copyData().serialize.pendingCreates.load(), 0u);
         QVERIFY(!add(entry, 1, 1).isEmpty());

@@ -126,11 +126,7 @@ public:
     /*! What the configuration shows of the load status of a node; empty without an attribute. */
     static QString shownStatus(const QString &nodePath)
     {
-        const auto attribute = std::dynamic_pointer_cast<Tessellum::AppConfig::Attributes::Attribute>(
-            RunningRepository::provider().getRoot()->findChildByRelativePath("appdata." + nodePath
-                                                                             + ".loaded"));
-        QVariant value;
-        return attribute && attribute->getValue(value, QMetaType::QString) ? value.toString() : QString();
+        return RunningRepository::value("appdata." + nodePath + ".loaded").toString();
     }
 
     /*! A value with the keys that make an element. */
