@@ -41,6 +41,7 @@ DataStressWorker::DataStressWorker(int workerNumber, StressGate &workersGate)
 
 bool DataStressWorker::beginRun()
 {
+    data = repository();
     valid = true;
     medium = StorageTwin::Make();
     model = {{"plain", {{}, 0, false, {}}},
@@ -49,8 +50,8 @@ bool DataStressWorker::beginRun()
              {"storedring", {{}, 5, true, {}}}};
     Storages::StorageCreateDataDetails details;
     details.implementation = medium;
-    bool ok = repository()->getStorageInterface()->addStorage("twin", storageName(), details,
-                                                              CreatePoint::Done, QString());
+    bool ok = data->getStorageInterface()->addStorage("twin", storageName(), details, CreatePoint::Done,
+                                                      QString());
     for (const QString &name : model.keys())
         ok = addEntry(name) && ok;
     return ok;
@@ -64,7 +65,8 @@ void DataStressWorker::run()
 
 void DataStressWorker::doSomething()
 {
-    if (!valid)
+    data = valid ? repository() : nullptr;
+    if (!data)
         return;
     ++operations;
     using Action = void (DataStressWorker::*)(const QString &);
@@ -94,9 +96,7 @@ void DataStressWorker::doSomething()
 
 DataStressWorker::EntryPtr DataStressWorker::find(const QString &name) const
 {
-    const auto data = repository();
-    const EntryPtr entry
-        = data ? data->getDataEntryInterface()->getDataEntry(model.value(name).uuid) : nullptr;
+    const EntryPtr entry = data->getDataEntryInterface()->getDataEntry(model.value(name).uuid);
     if (!entry)
         fail("the entry %1 is not there"_s.arg(name));
     return entry;
@@ -112,17 +112,14 @@ bool DataStressWorker::addEntry(const QString &name)
 {
     Entry &entry = model[name];
     entry.values.clear();
-    const auto data = repository();
-    const auto added = data
-        ? data->getDataEntryInterface()->addDataEntryExtended(
-            entry.persistent ? storageName() : QString(),
-            {{Property::Classification(), classification()},
-             {Property::Name(), name},
-             {Property::CategoryType(), quint32(CategoryType::Float)},
-             {Property::Persistence(),
-              quint32(entry.persistent ? PersistenceType::Persistent : PersistenceType::Volatile)},
-             {Property::Capacity(), entry.capacity}})
-        : nullptr;
+    const auto added = data->getDataEntryInterface()->addDataEntryExtended(
+        entry.persistent ? storageName() : QString(),
+        {{Property::Classification(), classification()},
+         {Property::Name(), name},
+         {Property::CategoryType(), quint32(CategoryType::Float)},
+         {Property::Persistence(),
+          quint32(entry.persistent ? PersistenceType::Persistent : PersistenceType::Volatile)},
+         {Property::Capacity(), entry.capacity}});
     entry.uuid = added ? added->getUuid() : QString();
     return added != nullptr;
 }
@@ -183,9 +180,6 @@ void DataStressWorker::readOwn(const QString &name)
 
 void DataStressWorker::readOthers(const QString &)
 {
-    const auto data = repository();
-    if (!data)
-        return;
     for (const auto &entry : data->getDataEntryInterface()->getDataEntries("stress*")) {
         const auto query = entry->getQueryInterface();
         if (!query) // its owner has removed it
@@ -237,16 +231,12 @@ void DataStressWorker::changeStrategy(const QString &name)
 
 void DataStressWorker::removeAndAdd(const QString &name)
 {
-    const auto data = repository();
-    if (!data || !data->getDataEntryInterface()->removeDataEntry(model.value(name).uuid) || !addEntry(name))
+    if (!data->getDataEntryInterface()->removeDataEntry(model.value(name).uuid) || !addEntry(name))
         fail("%1 was not removed and added again"_s.arg(name));
 }
 
 void DataStressWorker::removeAndAddStorage(const QString &)
 {
-    const auto data = repository();
-    if (!data)
-        return;
     const auto storages = data->getStorageInterface();
     Storages::StorageCreateDataDetails details;
     details.implementation = medium;
@@ -261,8 +251,7 @@ void DataStressWorker::removeAndAddStorage(const QString &)
 void DataStressWorker::unloadAndLoadEntry(const QString &name)
 {
     const Entry &known = model[name];
-    const auto data = repository();
-    const auto storage = data ? data->getStorageInterface()->getStorage(storageName()) : nullptr;
+    const auto storage = data->getStorageInterface()->getStorage(storageName());
     if (!known.persistent || !storage)
         return;
     if (!storage->getManipulationInterface()->unloadDataEntry(known.uuid) || !loadEntry(known.uuid))
@@ -271,8 +260,7 @@ void DataStressWorker::unloadAndLoadEntry(const QString &name)
 
 bool DataStressWorker::loadEntry(const QString &uuid) const
 {
-    const auto data = repository();
-    const auto storage = data ? data->getStorageInterface()->getStorage(storageName()) : nullptr;
+    const auto storage = data->getStorageInterface()->getStorage(storageName());
     if (!storage || !storage->getManipulationInterface()->loadDataEntry(uuid, LoadDataHint::OnDemand))
         return false;
     constexpr int longestMs = 60000;
@@ -302,10 +290,9 @@ QString DataStressWorker::findDifference() const
 
 QString DataStressWorker::differenceOf(const QString &name, const Entry &expected) const
 {
-    const auto data = repository();
-    const auto entries = data ? data->getDataEntryInterface() : nullptr;
-    const auto pair = entries ? entries->getDataEntry(classification(), name) : nullptr;
-    const auto entry = entries ? entries->getDataEntry(expected.uuid) : nullptr;
+    const auto entries = data->getDataEntryInterface();
+    const auto pair = entries->getDataEntry(classification(), name);
+    const auto entry = entries->getDataEntry(expected.uuid);
     if (!pair || !entry)
         return "%1 or its pair is missing"_s.arg(name);
     const auto linked = entries->getDataEntries(classification() + QLatin1Char('.') + name);

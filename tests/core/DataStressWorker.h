@@ -68,6 +68,8 @@ private:
     const int number;
     StressGate &gate;
     QRandomGenerator random;
+    // Of this run; anew for each operation, as a stop may have begun.
+    std::shared_ptr<Tessellum::AppData::Interfaces::RepositoryInterface> data;
     std::shared_ptr<TestSupport::StorageTwin> medium;
     QMap<QString, Entry> model;
     bool valid = false; // false once an operation may have been cut by a stop

@@ -10,7 +10,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -94,34 +93,26 @@ int runWithoutApplication()
 
 int main(int argc, char *argv[])
 {
-    const char *const scenario = argc > 1 ? argv[1] : "";
-    if (std::strcmp(scenario, "no-application") == 0)
+    const QByteArray scenario(argc > 1 ? argv[1] : "");
+    if (scenario == "no-application")
         return runWithoutApplication();
     QCoreApplication application(argc, argv);
-    if (std::strcmp(scenario, "fork-before-start") == 0)
+    if (scenario == "fork-before-start")
         return runForkBeforeStart();
     if (initializeLibrary() != 0)
         return 1;
-    if (std::strcmp(scenario, "no-stop") == 0)
-        return 0;
-    if (std::strcmp(scenario, "late-stop") == 0) {
-        lateStop.wanted = true;
-        return 0;
-    }
-    if (std::strcmp(scenario, "exit-in-handler") == 0) {
+    QSemaphore running;
+    if (scenario == "exit-in-handler") {
         callOnHandlerThread([] { std::exit(0); });
-        QSemaphore never;
-        never.acquire();
-    }
-    if (std::strcmp(scenario, "endless-handler") == 0) {
-        QSemaphore running;
+        running.acquire(); // for ever
+    } else if (scenario == "endless-handler") {
         callOnHandlerThread([&running] {
             running.release();
             for (;;)
                 pause();
         });
         running.acquire();
-        return 0;
     }
-    return 1;
+    lateStop.wanted = scenario == "late-stop";
+    return lateStop.wanted || scenario == "endless-handler" || scenario == "no-stop" ? 0 : 1;
 }

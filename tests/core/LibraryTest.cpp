@@ -7,13 +7,15 @@
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
 
+#include <QProcess>
 #include <QSemaphore>
 #include <QtTest>
 
 #include <atomic>
+#include <support/Files.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <thread>
+#include <support/Threads.h>
 
 using namespace Tessellum;
 
@@ -61,6 +63,23 @@ QStringList settledInternalTree()
     return pathsBeneath(provider->getInternalRoot());
 }
 
+/*! What the copy of this program does: 0 if each of its runs loads the constraints beside it. */
+int runCopy()
+{
+    for (int run = 0; run < 3; ++run) {
+        if (initializeLibrary() != 0)
+            return 1;
+        // The backend's name is listed once its validations are there.
+        const bool loaded = QTest::qWaitFor(
+            [] { return repository()->getBackendInterface()->hasBackend("constraints"); }, 30000);
+        if (!loaded || !repository()->getValidationInterface()->getValidationIds().contains("small"))
+            return 2;
+        if (uninitializeLibrary() != 1)
+            return 3;
+    }
+    return 0;
+}
+
 } // namespace
 
 // Takes the place of the library's own switch, which is always off.
@@ -87,7 +106,7 @@ private Q_SLOTS:
         Core::CoreInterface *const core = getCoreInterface();
         QVERIFY(core && core->getAppConfigRepository());
         Core::CoreInterface *seenByOtherThread = nullptr;
-        std::thread([&] { seenByOtherThread = getCoreInterface(); }).join();
+        TestSupport::InThreads(1, [&](int) { seenByOtherThread = getCoreInterface(); });
         QCOMPARE(seenByOtherThread, core);
         QCOMPARE(uninitializeLibrary(), 1);
         QVERIFY(!getCoreInterface() && !core->getAppConfigRepository());
@@ -299,24 +318,45 @@ private Q_SLOTS:
     {
         std::atomic<int> started{0};
         std::atomic<int> stopped{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
-                for (int round = 0; round < 20; ++round) {
-                    started += initializeLibrary() == 0 ? 1 : 0;
-                    if (Core::CoreInterface *const core = getCoreInterface())
-                        core->getAppConfigRepository();
-                    stopped += uninitializeLibrary() == 1 ? 1 : 0;
-                }
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
+        TestSupport::InThreads(4, [&](int) {
+            for (int round = 0; round < 20; ++round) {
+                started += initializeLibrary() == 0 ? 1 : 0;
+                if (Core::CoreInterface *const core = getCoreInterface())
+                    core->getAppConfigRepository();
+                stopped += uninitializeLibrary() == 1 ? 1 : 0;
+            }
+        });
         const int last = uninitializeLibrary();
         QCOMPARE(stopped + last, started.load());
         QVERIFY(started > 0);
     }
+
+    // The library's code is in this program, so that a copy of it finds the file at each of its starts.
+    void fileBesideTheLibraryIsLoaded()
+    {
+        TestSupport::Files folder;
+        const QString copy = folder.filePath("copy");
+        QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
+        folder.write("[small]\nType=limit_int\nMaximum=9\n", "constraints.ini");
+        QProcess process;
+        process.setWorkingDirectory(QDir::rootPath());
+        process.start(copy, {"copy"});
+        const auto endProcess = qScopeGuard([&process] {
+            process.kill();
+            process.waitForFinished();
+        });
+        QVERIFY(process.waitForFinished(100000));
+        QCOMPARE(process.exitCode(), 0);
+    }
 };
 
-QTEST_GUILESS_MAIN(LibraryTest)
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (argc == 2 && qstrcmp(argv[1], "copy") == 0)
+        return runCopy();
+    LibraryTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "LibraryTest.moc"

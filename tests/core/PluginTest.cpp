@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <support/Files.h>
 #include <support/LogCapture.h>
 
 using namespace Tessellum;
@@ -51,12 +52,9 @@ private Q_SLOTS:
     void pluginBeforeTheStartServesEveryRun()
     {
         QTemporaryDir plugins;
-        QTemporaryDir values;
+        TestSupport::Files values;
         QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.bp")));
-        QFile value(values.filePath("net.port"));
-        QVERIFY(value.open(QIODevice::WriteOnly) && value.write("8080\n") == 5);
-        value.close();
-
+        const QString value = values.write("8080\n", "net.port");
         QCOMPARE(addPluginSearchPath(plugins.path()), 0);
         for (int run = 0; run < 2; ++run) {
             QCOMPARE(initializeLibrary(), 0);
@@ -74,25 +72,19 @@ private Q_SLOTS:
             QVERIFY(!createBackend("folder", "g", values.filePath("none")));
             QCOMPARE(uninitializeLibrary(), 1);
         }
-        QVERIFY(value.open(QIODevice::ReadOnly));
-        QCOMPARE(value.readAll(), QByteArray("8081"));
+        QCOMPARE(values.read(value), QByteArray("8081"));
     }
 
     void badFilesArePassedOver()
     {
-        QTemporaryDir plugins;
+        TestSupport::Files plugins;
         QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), plugins.filePath("program.so")));
         QVERIFY(QFile::copy(LIBRARY_WITHOUT_ENTRY, plugins.filePath("library.so")));
         QVERIFY(QFile::copy(FOLDER_BACKEND, plugins.filePath("folder.txt")));
         QVERIFY(QDir(plugins.path()).mkdir("folder.bp"));
-        QFile text(plugins.filePath("text.bp"));
-        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no library") > 0);
-        text.close();
-        QFile plugin(FOLDER_BACKEND);
-        QVERIFY(plugin.open(QIODevice::ReadOnly));
-        QFile half(plugins.filePath("half.bp"));
-        QVERIFY(half.open(QIODevice::WriteOnly) && half.write(plugin.read(plugin.size() / 2)) > 0);
-        half.close();
+        plugins.write("no library", "text.bp");
+        const QByteArray plugin = plugins.read(FOLDER_BACKEND);
+        plugins.write(plugin.left(plugin.size() / 2), "half.bp");
         QCOMPARE(initializeLibrary(), 0);
         const TestSupport::LogCapture log;
         QCOMPARE(addPluginSearchPath(plugins.path()), 0);

@@ -3,8 +3,7 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <notification/NotificationThreadPool.h>
 
-#include <QTemporaryDir>
-
+#include <support/Files.h>
 #include <support/Literals.h>
 
 using namespace Tessellum;
@@ -17,11 +16,7 @@ class StressTest : public QObject
 private Q_SLOTS:
     void everythingAtOnce()
     {
-        QFile limits(folder.filePath("limits.ini"_s));
-        QVERIFY(limits.open(QIODevice::WriteOnly));
-        limits.write("[not_negative]\nType=limit_double\nMinimum=0\n");
-        limits.close();
-
+        folder.write("[not_negative]\nType=limit_double\nMinimum=0\n", "limits.ini");
         StressGate gate(stressWorkerCount);
         for (int i = 0; i < stressWorkerCount; ++i)
             workers.append(std::make_shared<StressWorker>(i, gate, record));
@@ -54,7 +49,7 @@ private:
         }
     }
 
-    QTemporaryDir folder;
+    TestSupport::Files folder;
     StressRecord record;
     QVector<std::shared_ptr<StressWorker>> workers;
 };
