@@ -111,6 +111,7 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
 void WebSocketListener::endHandshakes()
 {
     while (QWebSocket *const socket = handshakes.nextPendingConnection()) {
+        socket->setParent(this); // Qt gives it none
         finish(*socket);
         socket->setMaxAllowedIncomingMessageSize(quint64(limit));
         socket->setMaxAllowedIncomingFrameSize(quint64(limit));
