@@ -275,6 +275,7 @@ private Q_SLOTS:
                       "WARNING ElementManipulationProvider::setData() no parser set, cannot set raw data",
                       "WARNING ElementManipulationProvider::setData() could not retrieve raw data from "
                       "given variant with type name=QPoint"}));
+        QVERIFY(!set(ElementValueKind::RawData, QVariant()));
     }
 
     void mediumThatFails()

@@ -257,6 +257,17 @@ private Q_SLOTS:
         QCOMPARE(twin->getElementIds("kept", elements), 2u);
     }
 
+    void pairStandsForAllItsEntries()
+    {
+        run->addEntry(run->record("speed", "disk"));
+        run->addEntry(run->record("speed"));
+        const auto pair = FindPair("plant.speed");
+        QVERIFY(run->remove(pair));
+        QVERIFY(!root()->findChildByRelativePath("plant.speed"));
+        QCOMPARE(storage->getNumberOfChildren(), 0u);
+        QVERIFY(!run->remove(pair)); // has gone
+    }
+
     void entryOfAStorageThatGoesMeanwhile()
     {
         MemoryStrategies::MemoryStrategyRepository::getInstance()->setStrategyPattern("plant.fast*", "last");
