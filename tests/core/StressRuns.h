@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/StressWorker.h"
+#include "core/StressGate.h"
 #include "support/Watchdog.h"
 
 #include <core/Library.h>
