@@ -1,0 +1,282 @@
+#include <shared/conversion/ScaleTransform.h>
+#include <shared/conversion/Specification.h>
+#include <shared/conversion/UnitParsing.h>
+
+#include <QJsonDocument>
+#include <QtTest>
+
+#include <support/Literals.h>
+
+using namespace Shared::Conversion::UnitConversion;
+
+class SpecificationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsFormats_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("parts");
+        QTest::newRow("short") << "0;g"
+                               << "0 g -1 [ ]";
+        QTest::newRow("full") << "10;f;+3;_"
+                              << "10 f 3 [_]";
+        QTest::newRow("no sign") << "10;f;3"
+                                 << "10 f 3 [ ]";
+        QTest::newRow("no sign, padding") << "10;f;3;;"
+                                          << "10 f 3 [;]";
+        QTest::newRow("negative") << "10;E;-2"
+                                  << "10 E -2 [ ]";
+        QTest::newRow("default") << "0;g;-1;"
+                                 << "0 g -1 [ ]";
+        for (const char *text : {"", "x;g", "0;z", "0", "0;g;", "0;g;x", "0;g;1;__", " 0;g", "-1;g"})
+            QTest::newRow(qPrintable("'%1'"_s.arg(text))) << text << "";
+    }
+
+    void readsFormats()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, parts);
+        const FormatSpecification format(text);
+        QCOMPARE(format.isValid(), !parts.isEmpty());
+        QCOMPARE(format.formatSpecification(), text);
+        QCOMPARE("%1 %2 %3 [%4]"_s.arg(format.fieldWidth())
+                     .arg(format.format())
+                     .arg(format.precision())
+                     .arg(format.padding()),
+                 parts.isEmpty() ? "0 g -1 [ ]"_s : parts);
+    }
+
+    void copiesOfFormatsAreIndependent()
+    {
+        FormatSpecification format("10;f;3;_"_s);
+        FormatSpecification copy(format);
+        format.precision() = 1;
+        format.fieldWidth() = 2;
+        format.padding() = '#';
+        QCOMPARE(copy.formatSpecification(), "10;f;3;_"_s);
+        QCOMPARE(copy.precision(), 3);
+        QCOMPARE(FormatSpecification(format).formatSpecification(), "2;f;1;#"_s);
+    }
+
+    void readsUnits()
+    {
+        const UnitSpecification unit = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "m",
+            "allowedSiPrefixes": ["k", "x", "", 5], "minimum": "-1,5", "maximum": "1e3", "scaling": "2.5"}})")
+                                           .getUnitSpecification();
+        QVERIFY(unit.isValid());
+        QCOMPARE(unit.unitString, "V"_s);
+        QCOMPARE(unit.enabledPrefixes, QVector<SiPrefix>({SiPrefix::Kilo, SiPrefix::None, SiPrefix::Milli}));
+        QCOMPARE(unit.minimumRange, -1.5);
+        QCOMPARE(unit.maximumRange, 1000.0);
+        QCOMPARE(unit.scalingFactor, 2.5);
+    }
+
+    void whatIsMissingOrWrongGetsItsDefault()
+    {
+        for (const char *text :
+             {"{}", R"({"unit": 5, "format": [], "format-kilo": "x", "visualization": null})",
+              R"({"unit": {"baseUnit": 1, "inputPrefix": [], "allowedSiPrefixes": {}, "minimum": -1,
+                  "maximum": "big", "scaling": null}, "format": {"default": 7, "x": "0;f;1", "nan": "0;f;1"},
+                  "visualization": {"availableOptions": "x"}})"}) {
+            const Specification specification = parse(text);
+            const UnitSpecification &unit = specification.getUnitSpecification();
+            QVERIFY(!specification.isDefault() && !unit.isValid());
+            QCOMPARE(unit.inputPrefix, SiPrefix::None);
+            QCOMPARE(unit.enabledPrefixes, cvFullPrefixes);
+            QCOMPARE(unit.minimumRange, std::numeric_limits<double>::min());
+            QCOMPARE(unit.maximumRange, std::numeric_limits<double>::max());
+            QCOMPARE(unit.scalingFactor, 1.0);
+            QCOMPARE(specification.getFormatSpecificationFromValue(1, SiPrefix::Kilo).formatSpecification(),
+                     "0;g;-1; "_s);
+        }
+        const Specification plain("plain"_s);
+        QVERIFY(plain.isDefault() && plain.getIdentification() == "plain");
+        QCOMPARE(plain.getUnitSpecification().minimumRange, std::numeric_limits<double>::lowest());
+        QCOMPARE(plain.bestFitConversion(english, 1500, {}), "1,500"_s);
+    }
+
+    void readsVisualizations()
+    {
+        const auto visualization = parse(R"({"visualization": {"availableRepresentations": ["a", 1],
+            "availableOptions": ["b"], "availableParsingOptions": ["c"]}})")
+                                       .getVisualizationSpecification();
+        QVERIFY(visualization.hasRepresentation("a") && !visualization.hasRepresentation("b"));
+        QVERIFY(visualization.hasOption("b") && !visualization.hasOption("B"));
+        QVERIFY(visualization.hasParsingOption("c") && !visualization.hasParsingOption(""));
+    }
+
+    void choosesFormats()
+    {
+        const Specification specification
+            = parse(R"({"unit": {"baseUnit": "V", "allowedSiPrefixes": ["k", "m"]},
+            "format": {"100": "3;g", "9,5": "2;g", "1": "1;g", "default": "4;g"},
+            "format-kilo": {"10": "5;g"}})");
+        const auto width = [&](double value, SiPrefix prefix) {
+            return specification.getFormatSpecificationFromValue(value, prefix).fieldWidth();
+        };
+        QCOMPARE(width(0.5, SiPrefix::None), 1);
+        QCOMPARE(width(-9.4, SiPrefix::None), 2);
+        QCOMPARE(width(9.5, SiPrefix::None), 3);
+        QCOMPARE(width(-100, SiPrefix::None), 4);
+        QCOMPARE(width(0.5, SiPrefix::Milli), 1);
+        QCOMPARE(width(0.5, SiPrefix::Tera), 1);
+        QCOMPARE(width(9, SiPrefix::Kilo), 5);
+        QCOMPARE(width(10, SiPrefix::Kilo), 0);
+    }
+
+    void formats_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("unit"); // what the "unit" object has beside its name
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<Specification::Options>("options");
+        QTest::addColumn<QString>("expected");
+        using Options = Specification::Options;
+        auto row = [number = 0](const QLocale &locale, double value, const char *unit, const char *format,
+                                const Options &options, const char *expected) mutable {
+            QTest::addRow("%d: %s", ++number, expected)
+                << locale << value << QString(unit) << QString(format) << options << QString(expected);
+        };
+        row(english, 1500, "", "0;f;1", {}, "1.5 kHz");
+        row(german, 1500, "", "0;f;1", {}, "1,5 kHz");
+        row(QLocale("ar_EG"), 1500, "", "0;f;1", {}, "١٫٥ kHz");
+        row(english, -1.5e-6, "", "0;g", {}, "-1.5 µHz");
+        row(english, 1500, R"(, "scaling": "2")", "0;f;1", {}, "3.0 kHz");
+        row(english, 1500, R"(, "inputPrefix": "m")", "0;f;1", {}, "1.5 Hz");
+        row(german, 1234567, R"(, "allowedSiPrefixes": [""])", "0;f;2", {}, "1.234.567,00 Hz");
+        row(english, 0.00123, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0.001 Hz");
+        row(english, 1e-13, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0 Hz");
+        row(english, 1500, "", "8;f;1;_", {}, "_____1.5 kHz");
+        row(english, 1500, "", "8;f;1", {}, "1.5 kHz");
+        row(english, 1, "", "3;f;0;%", {}, "%%1 Hz");
+        row(english, 1500, "", "0;f;1", {{"precision_increment", 2}}, "1.500 kHz");
+        row(english, 1500, "", "0;f;1", {{"precision_increment", -2}}, "1.500000 kHz");
+        row(english, 1500, "", "0;f;1", {{"precision_increment", "x"}}, "1.5 kHz");
+        const char *const range = R"(, "minimum": "1", "maximum": "3")";
+        const Options clipping{{"clipping", false}};
+        const Options zero{{"clipping", {}}, {"allowZero", {}}};
+        const Options negative{{"clipping", {}}, {"allowNegativeValue", {}}};
+        row(english, 5, range, "0;g", {}, "5 Hz");
+        row(english, 5, range, "0;g", clipping, "> 3 Hz");
+        row(english, 3, range, "0;g", clipping, "3 Hz");
+        row(english, 0, range, "0;g", clipping, "< 1 Hz");
+        row(english, 0, range, "0;g", zero, "0 Hz");
+        row(english, -5, range, "0;g", negative, "> -3 Hz");
+        row(english, -0.5, range, "0;g", negative, "< -1 Hz");
+        row(english, -2, range, "0;g", negative, "-2 Hz");
+        row(english, -1, "", "0;g", clipping, "< 2.22507e-308 Hz");
+        row(english, std::numeric_limits<double>::infinity(), "", "0;g", {}, "inf Hz");
+    }
+
+    void formats()
+    {
+        QFETCH(QString, unit);
+        QFETCH(QString, format);
+        QFETCH(QLocale, locale);
+        QFETCH(double, value);
+        QFETCH(Specification::Options, options);
+        const Specification specification = parse(
+            R"({"unit": {"baseUnit": "Hz"%1}, "format": {"default": "%2"}})"_s.arg(unit, format).toUtf8());
+        QTEST(specification.bestFitConversion(locale, value, options), "expected");
+        const QString text = specification.bestFitConversion(locale, value, options);
+        QCOMPARE(specification.formatValueWithRepresentationAndOptions(locale, value, "bestFit", {}, options),
+                 text);
+    }
+
+    void hugeWidthsAndPrecisionsAreBounded()
+    {
+        const FormatSpecification format("2000000000;f;2000000000"_s);
+        QCOMPARE(format.precision(), 2000000000);
+        QCOMPARE(format.formatDouble(1, english, "%1"_s).size(), 65538);
+    }
+
+    void representations()
+    {
+        const Specification specification = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "k"},
+            "format": {"default": "0;f;1"}, "format-mega": {"default": "0;f;4"}})");
+        const auto text = [&](const char *representation, const QVariant &parameter) {
+            return specification.formatValueWithRepresentationAndOptions(english, 1234567, representation,
+                                                                         parameter, {});
+        };
+        QCOMPARE(text("fixedPrefix", {}), "1,234,567.0 kV"_s);
+        QCOMPARE(text("fixedPrefix", QVariant::fromValue(SiPrefix::Mega)), "1,234.5670 MV"_s);
+        QCOMPARE(text("fixedPrefix", "G"), "1.2 GV"_s);
+        QCOMPARE(text("fixedPrefix", ""), "1,234,567,000.0 V"_s);
+        QCOMPARE(text("fixedPrefix", "x"), "1,234,567.0 kV"_s);
+        QCOMPARE(text("bestFit", "x"), "1.2 GV"_s);
+        QCOMPARE(text("BestFit", {}), "1.23457e+06"_s);
+        QCOMPARE(text("", {}), "1.23457e+06"_s);
+    }
+
+    void customFormatters()
+    {
+        const auto formatter = [](const FormatSpecification &format, const double &value,
+                                  const QLocale &locale, const QString &text) {
+            return text.arg(format.formatSpecification() + '|' + locale.toString(value));
+        };
+        const auto document
+            = QJsonDocument::fromJson(R"({"unit": {"baseUnit": "V", "scaling": "2", "maximum": "8"}})")
+                  .object();
+        const auto specification = Specification::ParseSpecificationFromJson("id"_s, document, formatter);
+        QCOMPARE(specification.bestFitConversion(german, 9, {{"clipping", {}}}), "> 0;g;-1; |16 V"_s);
+    }
+
+    void whatWasFormattedIsReadAgain()
+    {
+        const auto reset = qScopeGuard([] { qApp->setProperty("current_language", QVariant()); });
+        QRandomGenerator random(1);
+        for (const SiPrefix prefix : cvFullPrefixes) {
+            for (const char *format : {"0;e;16", "0;g;17", "24;f;3"}) {
+                const Specification specification = parse(
+                    R"({"unit": {"baseUnit": "V", "inputPrefix": "%1"}, "format": {"default": "%2"}})"_s
+                        .arg(ConvertSiPrefixToString(prefix), format)
+                        .toUtf8());
+                for (const char *name : {"C", "en_US", "de_DE", "fr_FR", "de_CH", "sv_SE", "ar_EG", "fa_IR",
+                                         "mr_IN", "my_MM", "pl_PL", "eu_ES"}) {
+                    const QLocale locale(name);
+                    qApp->setProperty("current_language", locale);
+                    // With three digits behind the point, so that each format holds them all.
+                    const double value = (random.bounded(2000000000) - 1000000000) / 1000.0;
+                    const QString text = specification.fixedPrefixConversion(locale, value, prefix, {});
+                    double read = 0;
+                    SiPrefix readPrefix = SiPrefix::None;
+                    QString unit;
+                    QVERIFY2(ParseStringToSiPrefixUnitAndValue(text, read, &readPrefix, &unit),
+                             qPrintable(text));
+                    QVERIFY2(read == value && readPrefix == prefix && unit == "V",
+                             qPrintable("%1 under %2 is %3"_s.arg(text, name).arg(read, 0, 'g', 17)));
+                }
+            }
+        }
+    }
+
+    void transforms()
+    {
+        Shared::ScaleTransform transform(3, 1);
+        QCOMPARE(transform.transform(2), 9.0);
+        QCOMPARE(transform.invTransform(9), 2.0);
+        QCOMPARE(transform.invTransform(1e-13), 0.0);
+        const std::unique_ptr<Shared::ScaleTransform> copy(transform.copy());
+        transform.setScale(1e-13);
+        transform.setOffset(5);
+        QCOMPARE(transform.transform(2), 7.0);
+        QCOMPARE(copy->transform(2), 9.0);
+        QCOMPARE(Shared::ScaleTransform(0, 1).transform(2), 3.0);
+        QCOMPARE(Shared::ScaleTransform().transform(2), 2.0);
+    }
+
+private:
+    static Specification parse(const QByteArray &json)
+    {
+        return Specification::ParseSpecificationFromJson("id"_s, QJsonDocument::fromJson(json).object(), {});
+    }
+
+    const QLocale english{QLocale::English, QLocale::UnitedStates};
+    const QLocale german{QLocale::German, QLocale::Germany};
+};
+
+QTEST_GUILESS_MAIN(SpecificationTest)
+#include "SpecificationTest.moc"

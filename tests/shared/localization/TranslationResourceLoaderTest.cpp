@@ -1,0 +1,154 @@
+#include <shared/localization/TranslationResourceLoader.h>
+
+#include <QtTest>
+
+#include <functional>
+#include <support/Literals.h>
+#include <support/LogCapture.h>
+#include <thread>
+
+using Shared::Localization::TranslationResourceLoader;
+
+namespace {
+
+/// Counts the changes of language that the application hears of.
+class LanguageChanges : public QObject
+{
+public:
+    LanguageChanges() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == qApp && event->type() == QEvent::LanguageChange) {
+            ++count;
+            if (reaction)
+                reaction(event);
+        }
+        return false;
+    }
+
+    int count = 0;
+    std::function<void(QEvent *)> reaction;
+};
+
+QString voltage()
+{
+    return QCoreApplication::translate("Meter", "voltage");
+}
+
+QString current()
+{
+    return QCoreApplication::translate("Meter", "current");
+}
+
+} // namespace
+
+class TranslationResourceLoaderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        qApp->setProperty("current_language", QVariant());
+        qApp->setProperty("current_translators", QVariant());
+        QCOMPARE(voltage(), "voltage"_s);
+    }
+
+    void findsItsFiles()
+    {
+        QCOMPARE(TranslationResourceLoader().getSupportedLocales(), QVector<QLocale>({german, french}));
+        const TranslationResourceLoader other(nullptr, {":/Translations", ":/More"}, "Other", "_", "_lab");
+        QCOMPARE(other.getSupportedLocales(), QVector<QLocale>({french}));
+        QVERIFY(TranslationResourceLoader(nullptr, {"/no/such/folder"}).getSupportedLocales().isEmpty());
+        QCOMPARE(voltage(), "voltage"_s);
+    }
+
+    void changesTheLanguage()
+    {
+        LanguageChanges changes;
+        TranslationResourceLoader loader;
+        QVERIFY(loader.changeLanguage(german));
+        QCOMPARE(voltage(), "Spannung"_s);
+        QCOMPARE(qApp->property("current_language").toLocale(), german);
+        QCOMPARE(qApp->property("current_translators").toStringList(),
+                 QStringList(":/TranslationsTessellum_"));
+        QCOMPARE(changes.count, 1);
+
+        QVERIFY(!loader.changeLanguage(german));
+        QCOMPARE(changes.count, 1);
+
+        QVERIFY(loader.changeLanguage(french));
+        QCOMPARE(voltage(), "tension"_s);
+        QCOMPARE(qApp->property("current_translators").toStringList(),
+                 QStringList(":/TranslationsTessellum_"));
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(changes.count, 2);
+    }
+
+    void refusesOtherCountries()
+    {
+        TranslationResourceLoader loader;
+        TestSupport::LogCapture log;
+        QVERIFY(!loader.changeLanguage(QLocale(QLocale::German, QLocale::Austria)));
+        QCOMPARE(
+            log.lines(),
+            QStringList("WARNING TranslationResourceLoader::changeLanguage() found no supported locale with "
+                        "matching language German and country, no language changed"));
+        QVERIFY(!qApp->property("current_language").isValid());
+    }
+
+    void refusesOtherThreads()
+    {
+        TranslationResourceLoader loader;
+        TestSupport::LogCapture log;
+        bool isChanged = true;
+        std::thread([&] { isChanged = loader.changeLanguage(german); }).join();
+        QVERIFY(!isChanged);
+        QCOMPARE(log.lines(),
+                 QStringList(
+                     "WARNING TranslationResourceLoader::changeLanguage() called outside the application's "
+                     "thread, aborted"));
+    }
+
+    void loadersFollowEachOther()
+    {
+        TranslationResourceLoader first;
+        TranslationResourceLoader second(nullptr, {":/More"}, "Other", "_", "_lab");
+        QVERIFY(first.changeLanguage(german));
+        QCOMPARE(current(), "current"_s);
+        QVERIFY(first.changeLanguage(french));
+        QCOMPARE(voltage(), "tension"_s);
+        QCOMPARE(current(), "courant"_s);
+        QCOMPARE(qApp->property("current_translators").toStringList(),
+                 QStringList({":/TranslationsTessellum_", ":/MoreOther__lab"}));
+        QVERIFY(!second.changeLanguage(french));
+    }
+
+    void nothingHappensDuringDestruction()
+    {
+        auto loader = std::make_unique<TranslationResourceLoader>();
+        auto *const dying = loader.get();
+        QVERIFY(dying->changeLanguage(german));
+        LanguageChanges changes;
+        TestSupport::LogCapture log;
+        changes.reaction = [&](QEvent *event) {
+            QVERIFY(!dying->changeLanguage(french));
+            QVERIFY(!dying->eventFilter(qApp, event));
+        };
+        loader.reset();
+        QCOMPARE(changes.count, 1);
+        QCOMPARE(
+            log.lines(),
+            QStringList(
+                {"WARNING TranslationResourceLoader::changeLanguage() called during destruction, aborted",
+                 "WARNING TranslationResourceLoader::eventFilter() called during destruction, "
+                 "ignoring"}));
+    }
+
+private:
+    const QLocale german{QLocale::German, QLocale::Germany};
+    const QLocale french{QLocale::French, QLocale::France};
+};
+
+QTEST_GUILESS_MAIN(TranslationResourceLoaderTest)
+#include "TranslationResourceLoaderTest.moc"
