@@ -1,3 +1,4 @@
+#include "ConversionCommands.h"
 #include "Host.h"
 #include "Shell.h"
 #include "StorageCommands.h"
@@ -31,6 +32,13 @@ QString usage()
         "       tessellum host --config FILE.json [--serve ws://ADDRESS:PORT]\n"
         "                      [--storage TYPE NAME LOCATION]... [--serve-storage NAME URL]...\n"
         "                      [--log LEVEL]         hold values and offer them to other processes\n"
+        "       tessellum format VALUE --spec FILE.json [--locale LOCALE] [--prefix PREFIX]\n"
+        "                                            show a value with its unit, by best fit or in a prefix\n"
+        "       tessellum parse TEXT [--locale LOCALE]\n"
+        "                                            read a value with its prefix and unit\n"
+        "       tessellum duration TEXT              read a duration, print its seconds\n"
+        "       tessellum validate FILE.json SCHEMA.json\n"
+        "                                            tell whether a file keeps to a JSON Schema\n"
         "       tessellum --help\n");
 }
 
@@ -63,6 +71,11 @@ QString help()
                "{\"ready\":true,\"path\":...,\"port\":...,\"storage_ports\":{...}} once it serves, then "
                "reads\n"
                "commands as the shell does; the end of its input does not end it.\n"
+               "\n"
+               "FILE.json of format is a unit specification; LOCALE is a name such as de_DE, whose notation "
+               "of\n"
+               "numbers is tried first, and which is the system's if not given; PREFIX is k, m and the "
+               "like.\n"
                "\n"
                "The shell reads one command a line. Arguments stand between blanks; one in double quotes is\n"
                "a JSON string, one that begins with a bracket a JSON array or object. It writes one JSON\n"
@@ -184,7 +197,8 @@ int run(const QStringList &arguments)
         return runShell();
     } else if (command == QLatin1String("host")) {
         RunHost(ParseHostRequest(arguments.mid(2)));
-    } else if (!runOnValues(command, arguments, out)) {
+    } else if (!runOnValues(command, arguments, out)
+               && !RunConversionCommand(command, arguments.mid(2), out)) {
         print(usage(), stderr);
         return WrongUsage;
     }
