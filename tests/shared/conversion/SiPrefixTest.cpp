@@ -127,56 +127,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("remainder");
         QTest::addColumn<QString>("unitPrefix");
         QTest::addColumn<QString>("unit");
-        QTest::newRow("none") << ""
-                              << ""
-                              << ""
-                              << ""
-                              << "";
-        QTest::newRow("mm") << "mm"
-                            << "m"
-                            << "m"
-                            << "m"
-                            << "m";
-        QTest::newRow("m") << "m"
-                           << "m"
-                           << ""
-                           << ""
-                           << "m";
-        QTest::newRow("da") << "da"
-                            << "da"
-                            << ""
-                            << "d"
-                            << "a";
-        QTest::newRow("dag") << "dag"
-                             << "da"
-                             << "g"
-                             << "da"
-                             << "g";
-        QTest::newRow("Pa") << "Pa"
-                            << "P"
-                            << "a"
-                            << "P"
-                            << "a";
-        QTest::newRow("kg") << "kg"
-                            << "k"
-                            << "g"
-                            << "k"
-                            << "g";
-        QTest::newRow("Hz") << "Hz"
-                            << ""
-                            << "Hz"
-                            << ""
-                            << "Hz";
-        QTest::newRow("µs") << "µs"
-                            << "µ"
-                            << "s"
-                            << "µ"
-                            << "s";
-        QTest::newRow("us") << "us"
-                            << ""
-                            << "us"
-                            << ""
-                            << "us";
+        const auto row = [](const QString &text, const char *prefix, const char *remainder,
+                            const char *unitPrefix, const char *unit) {
+            QTest::newRow(qPrintable("'%1'"_s.arg(text)))
+                << text << QString(prefix) << QString(remainder) << QString(unitPrefix) << QString(unit);
+        };
+        row("", "", "", "", "");
+        row("mm", "m", "m", "m", "m");
+        row("m", "m", "", "", "m");
+        row("da", "da", "", "d", "a");
+        row("dag", "da", "g", "da", "g");
+        row("Pa", "P", "a", "P", "a");
+        row("kg", "k", "g", "k", "g");
+        row("Hz", "", "Hz", "", "Hz");
+        row("µs", "µ", "s", "µ", "s");
+        row("us", "", "us", "", "us");
     }
 
     void splitsPrefixes()
@@ -198,24 +163,18 @@ private Q_SLOTS:
         QTest::addColumn<double>("value");
         QTest::addColumn<QString>("prefix");
         QTest::addColumn<QString>("unit");
-        QTest::newRow("typed") << "1,5 kHz" << 1.5 << "k"
-                               << "Hz";
-        QTest::newRow("blanks all over") << " 1 2 \t.\u00a05\nk Hz" << 12.5 << "k"
-                                         << "Hz";
-        QTest::newRow("exponent") << "12e3V" << 12000.0 << ""
-                                  << "V";
-        QTest::newRow("exa") << "12EV" << 12.0 << "E"
-                             << "V";
-        QTest::newRow("two points") << "1.5.2" << 1.5 << ""
-                                    << ".2";
-        QTest::newRow("bare") << "-5" << -5.0 << ""
-                              << "";
-        QTest::newRow("a unit") << "5 m" << 5.0 << ""
-                                << "m";
-        QTest::newRow("Swiss") << "1’000.5 mV" << 1000.5 << "m"
-                               << "V";
-        QTest::newRow("Arabic") << "٣٫٥ kV" << 3.5 << "k"
-                                << "V";
+        const auto row = [](const QString &text, double value, const char *prefix, const char *unit) {
+            QTest::newRow(qPrintable(text)) << text << value << QString(prefix) << QString(unit);
+        };
+        row("1,5 kHz", 1.5, "k", "Hz");
+        row(" 1 2 \t.\u00a05\nk Hz", 12.5, "k", "Hz");
+        row("12e3V", 12000, "", "V");
+        row("12EV", 12, "E", "V");
+        row("1.5.2", 1.5, "", ".2");
+        row("-5", -5, "", "");
+        row("5 m", 5, "", "m");
+        row("1’000.5 mV", 1000.5, "m", "V");
+        row("٣٫٥ kV", 3.5, "k", "V");
     }
 
     void readsValuePrefixAndUnit()

@@ -18,20 +18,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("parts");
-        QTest::newRow("short") << "0;g"
-                               << "0 g -1 [ ]";
-        QTest::newRow("full") << "10;f;+3;_"
-                              << "10 f 3 [_]";
-        QTest::newRow("no sign") << "10;f;3"
-                                 << "10 f 3 [ ]";
-        QTest::newRow("no sign, padding") << "10;f;3;;"
-                                          << "10 f 3 [;]";
-        QTest::newRow("negative") << "10;E;-2"
-                                  << "10 E -2 [ ]";
-        QTest::newRow("default") << "0;g;-1;"
-                                 << "0 g -1 [ ]";
+        const auto row = [](const QString &text, const char *parts) {
+            QTest::newRow(qPrintable("'%1'"_s.arg(text))) << text << QString(parts);
+        };
+        row("0;g", "0 g -1 [ ]");
+        row("10;f;+3;_", "10 f 3 [_]");
+        row("10;f;3", "10 f 3 [ ]");
+        row("10;e;3;;", "10 e 3 [;]");
+        row("10;E;-2", "10 E -2 [ ]");
+        row("7;G;-2;", "7 G -2 [ ]");
         for (const char *text : {"", "x;g", "0;z", "0", "0;g;", "0;g;x", "0;g;1;__", " 0;g", "-1;g"})
-            QTest::newRow(qPrintable("'%1'"_s.arg(text))) << text << "";
+            row(text, "");
     }
 
     void readsFormats()
