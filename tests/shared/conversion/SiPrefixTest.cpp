@@ -164,7 +164,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("prefix");
         QTest::addColumn<QString>("unit");
         const auto row = [](const QString &text, double value, const char *prefix, const char *unit) {
-            QTest::newRow(qPrintable(text)) << text << value << QString(prefix) << QString(unit);
+            QTest::newRow(qPrintable(text.simplified())) << text << value << QString(prefix) << QString(unit);
         };
         row("1,5 kHz", 1.5, "k", "Hz");
         row(" 1 2 \t.\u00a05\nk Hz", 12.5, "k", "Hz");
