@@ -49,10 +49,35 @@ private Q_SLOTS:
         QFETCH(QLocale, language);
         const auto reset = qScopeGuard([] { qApp->setProperty("current_language", QVariant()); });
         qApp->setProperty("current_language", language);
-        const QStringList pieces{
-            "0",      "1",      "99",     "000", "123", ".",   ",",   "e", "E",
-            "+",      "-",      "e-",     "32",  "08",  "inf", "naN", " ", "\u2212",
-            "\u2019", "\u202f", "\u00a0", "٣",   "٫",   "٬",   "V",   "i", QString(306, '7')};
+        const QStringList pieces{"0",
+                                 "1",
+                                 "99",
+                                 "000",
+                                 "123",
+                                 ".",
+                                 ",",
+                                 "e",
+                                 "E",
+                                 "+",
+                                 "-",
+                                 "e-",
+                                 "32",
+                                 "08",
+                                 "inf",
+                                 "naN",
+                                 " ",
+                                 "\u2212",
+                                 "\u2019",
+                                 "\u202f",
+                                 "\u00a0",
+                                 "٣",
+                                 "٫",
+                                 "٬",
+                                 ",34,",
+                                 ",567",
+                                 "V",
+                                 "i",
+                                 QString(306, '7')};
         QRandomGenerator random(1);
         for (int run = 0; run < 3000; ++run) {
             QString text;

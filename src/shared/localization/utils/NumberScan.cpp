@@ -86,10 +86,19 @@ bool NumberScan::isGroupComplete() const
     return lastSeparator < 0 || next == lastSeparator + 1 + groupSize;
 }
 
-bool NumberScan::takesGroupSeparator() const
+bool NumberScan::takesGroupSeparator()
 {
-    return isGroupSeparator(next)
-        && (lastSeparator < 0 ? digits > 0 && digits <= groupSize : isGroupComplete());
+    if (!isGroupSeparator(next))
+        return false;
+    if (lastSeparator < 0)
+        return digits > 0 && digits <= groupSize;
+    // Indian locales write 12,34,567. QLocale does not tell, but reads it.
+    if (middleGroupSize == 0) {
+        bool isIndian = false;
+        locale.toDouble(QStringLiteral("1_11_111").replace(QLatin1Char('_'), group), &isIndian);
+        middleGroupSize = isIndian ? 2 : groupSize;
+    }
+    return next == lastSeparator + 1 + middleGroupSize;
 }
 
 void NumberScan::scanInteger()

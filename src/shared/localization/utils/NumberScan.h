@@ -34,7 +34,7 @@ private:
     void scanFraction();
     void scanExponent();
     bool isGroupComplete() const;
-    bool takesGroupSeparator() const;
+    bool takesGroupSeparator();
 
     /*! Makes the text up to the next character the longest number so far, if a double holds a value whose
      * first digit has that power of ten. */
@@ -49,6 +49,7 @@ private:
     int best = 0;
     int digits = 0; ///< in front of the exponent
     int lastSeparator = -1;
+    int middleGroupSize = 0; ///< between two separators; 0 while it is not known
     bool isZero = true;
     qint64 topDecade = 0; ///< the power of ten of the first digit other than 0
     qint64 triedDecade = 0; ///< the last one that was at the limit of what can be held
