@@ -79,7 +79,7 @@ private Q_SLOTS:
                                  "i",
                                  QString(306, '7')};
         QRandomGenerator random(1);
-        for (int run = 0; run < 3000; ++run) {
+        for (int run = 0; run < 1500; ++run) {
             QString text;
             for (int piece = random.bounded(1, 8); piece > 0; --piece)
                 text += pieces.at(random.bounded(pieces.size()));
