@@ -127,9 +127,9 @@ bool TranslationResourceLoader::reloadTranslations(const QLocale &locale)
     QCoreApplication *const application = QCoreApplication::instance();
     // What is installed here need not be told to this loader.
     application->removeEventFilter(this);
-    const QStringList added = loadResources(locale);
     currentLocale = locale;
     initialized = true;
+    const QStringList added = loadResources(locale);
     // Read anew: another loader may have added its own meanwhile.
     if (!added.isEmpty())
         application->setProperty(translatorsProperty,
@@ -143,12 +143,17 @@ QStringList TranslationResourceLoader::loadResources(const QLocale &locale)
     QStringList added;
     bool isReloaded = false;
     for (Resource &resource : resources) {
+        // The application may answer an installed translator with another language.
+        if (locale != currentLocale)
+            break;
         const bool isLoaded = resource.load(locale);
         isReloaded = isReloaded || resource.installed;
         if (!isLoaded || resource.installed)
             continue;
-        resource.installed = QCoreApplication::installTranslator(resource.translator.get());
-        if (resource.installed)
+        resource.installed = true;
+        if (!QCoreApplication::installTranslator(resource.translator.get()))
+            resource.installed = false;
+        else
             added.append(
                 (resource.directory + resource.prefix + resource.separator + resource.suffix).trimmed());
     }

@@ -124,6 +124,20 @@ private Q_SLOTS:
         QVERIFY(!second.changeLanguage(french));
     }
 
+    void theApplicationMayAnswerWithAnotherLanguage()
+    {
+        LanguageChanges changes;
+        TranslationResourceLoader loader(nullptr, {":/More", ":/Translations", ":/Translations"});
+        changes.reaction = [&](QEvent *) { loader.changeLanguage(french); };
+        QVERIFY(loader.changeLanguage(german));
+        QCOMPARE(voltage(), "tension"_s);
+        QCOMPARE(qApp->property("current_translators").toStringList().size(), 2);
+        changes.reaction = nullptr;
+        QVERIFY(!loader.changeLanguage(french));
+        QVERIFY(loader.changeLanguage(german));
+        QCOMPARE(voltage(), "Spannung"_s);
+    }
+
     void nothingHappensDuringDestruction()
     {
         auto loader = std::make_unique<TranslationResourceLoader>();
