@@ -25,9 +25,9 @@ private:
     // With nothing in it.
     std::shared_ptr<StorageImplementation> make()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, plugin);
-        QFETCH(int, mode);
+        QFETCH_GLOBAL(QString, type);
+        QFETCH_GLOBAL(QString, plugin);
+        QFETCH_GLOBAL(int, mode);
         const QString name = "medium%1"_s.arg(++made);
         if (type == "twin")
             return StorageTwin::Make();
@@ -63,6 +63,36 @@ private:
         quint64 stamp = 0;
         values.getTimestamp(stamp);
         return stamp;
+    }
+
+    QTemporaryDir folder;
+    PostgresServer server;
+    int made = 0;
+
+private Q_SLOTS:
+    // Each of the tests is run with each medium.
+    void initTestCase_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("plugin");
+        QTest::addColumn<int>("mode");
+        const auto row = [](const QString &type, const QString &plugin, int mode) {
+            QTest::addRow("%s, mode %d", qPrintable(type), mode) << type << plugin << mode;
+        };
+        row("twin", QString(), 0);
+        row("remote-storage-server", QString(), 0);
+        row("memory", MEMORY_PLUGIN, 0);
+        row("volatile", MEMORY_PLUGIN, 0);
+        row("sqlite", SQLITE_PLUGIN, 0);
+        row("SQLite", SQLITE_PLUGIN, 1);
+        row("postgresql", POSTGRESQL_PLUGIN, 0);
+        row("PostgreSQL", POSTGRESQL_PLUGIN, 1);
+    }
+
+    void initTestCase()
+    {
+        QVERIFY(folder.isValid());
+        QVERIFY(server.start());
     }
 
     void keepsEntries()
@@ -179,7 +209,7 @@ private:
     {
         const auto storage = open();
         QVERIFY(storage);
-        QFETCH(QString, type);
+        QFETCH_GLOBAL(QString, type);
         QCOMPARE(storage->getEntryTypes().contains(type), true);
         const QString entry = Uuid();
         QVERIFY(storage->serializeEntry(entry, Record()));
@@ -242,7 +272,7 @@ private:
 
     void keepsWhatManyThreadsWrite()
     {
-        QFETCH(int, mode);
+        QFETCH_GLOBAL(int, mode);
         constexpr int Threads = 4;
         const int count = mode == 0 ? 700 : 60;
         const auto storage = open();
@@ -288,54 +318,6 @@ private:
                 QCOMPARE(storage->getElementRawData(entry, found.at(index)), raw);
             }
         }
-    }
-
-    QTemporaryDir folder;
-    PostgresServer server;
-    int made = 0;
-    const std::vector<std::pair<const char *, void (StorageContractTest::*)()>> rules{
-        {"keepsEntries", &StorageContractTest::keepsEntries},
-        {"keepsElements", &StorageContractTest::keepsElements},
-        {"changesElements", &StorageContractTest::changesElements},
-        {"answersTheUnknown", &StorageContractTest::answersTheUnknown},
-        {"removesEntries", &StorageContractTest::removesEntries},
-        {"answersWhileClosed", &StorageContractTest::answersWhileClosed},
-        {"keepsWhatManyThreadsWrite", &StorageContractTest::keepsWhatManyThreadsWrite},
-    };
-
-private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(folder.isValid());
-        QVERIFY(server.start());
-    }
-
-    void contract_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("plugin");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<int>("rule");
-        for (int rule = 0; rule < int(rules.size()); ++rule) {
-            const auto row = [&](const QString &type, const QString &plugin, int mode) {
-                QTest::addRow("%s, mode %d: %s", qPrintable(type), mode, rules[size_t(rule)].first)
-                    << type << plugin << mode << rule;
-            };
-            row("twin", QString(), 0);
-            row("remote-storage-server", QString(), 0);
-            row("memory", MEMORY_PLUGIN, 0);
-            row("volatile", MEMORY_PLUGIN, 0);
-            row("sqlite", SQLITE_PLUGIN, 0);
-            row("SQLite", SQLITE_PLUGIN, 1);
-            row("postgresql", POSTGRESQL_PLUGIN, 0);
-            row("PostgreSQL", POSTGRESQL_PLUGIN, 1);
-        }
-    }
-
-    void contract()
-    {
-        QFETCH(int, rule);
-        (this->*rules[size_t(rule)].second)();
     }
 };
 

@@ -6,13 +6,17 @@
 
 #include <QtTest>
 
+#include <atomic>
+#include <random>
 #include <set>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <support/Threads.h>
 #include <vector>
 
 using namespace HierarchyTree;
 using namespace Shared::Hierarchy;
+using TestSupport::InThreads;
 
 namespace {
 
@@ -22,8 +26,52 @@ std::shared_ptr<HierarchyNodeLink> makeLink(const NodePointer &target, bool read
     return make<HierarchyNodeLink>(std::weak_ptr<HierarchyNode>(target), id, readOnly);
 }
 
+// What must hold of a tree that nobody changes: children and parents agree, ids are unique, paths are those
+// of the places, and nobody lies below himself.
+bool isSound(const NodePointer &node, int depth = 0)
+{
+    if (depth > 100)
+        return false;
+    QStringList ids = idsOf(node->getChildren(false));
+    if (ids.removeDuplicates() != 0 || node->getNumberOfChildren() != quint64(ids.size()))
+        return false;
+    for (const NodePointer &child : node->getChildren(false)) {
+        const QString above = pathOf(node);
+        const QString expected = above.isEmpty() ? child->getId() : above + QLatin1Char('.') + child->getId();
+        if (child->getParent() != node || pathOf(child) != expected || !isSound(child, depth + 1))
+            return false;
+    }
+    return true;
+}
+
+struct Tree
+{
+    NodePointer root = make();
+    std::vector<NodePointer> nodes;
+
+    explicit Tree(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            nodes.push_back(grow(root, "n%1"_s.arg(i)));
+    }
+
+    // Whether each node is where its parent says, and nowhere else.
+    bool isWhole() const
+    {
+        int placed = 0;
+        for (const NodePointer &node : nodes) {
+            const NodePointer parent = node->getParent();
+            if (parent && parent->getChildById(node->getId()) != node)
+                return false;
+            placed += parent && node->getRootNode() == root ? 1 : 0;
+        }
+        return root->getChildren(true).size() == placed && isSound(root);
+    }
+};
+
 } // namespace
 
+/*! Links, references, and moves by several threads at once. */
 class HierarchyLinkTest : public QObject
 {
     Q_OBJECT
@@ -195,6 +243,69 @@ private Q_SLOTS:
         const QVariant value = QVariant::fromValue(HierarchyStringPathLink(leaf->getNodePath()));
         leaf->setParent(root, false);
         QCOMPARE(value.toString(), "y"_s);
+    }
+
+    void twoThatMoveBelowEachOther()
+    {
+        for (int round = 0; round < 300; ++round) {
+            const Tree tree(2);
+            std::atomic<int> moved{0};
+            InThreads(2, [&](int i) {
+                if (tree.nodes[size_t(i)]->setParent(tree.nodes[size_t(1 - i)], false))
+                    ++moved;
+            });
+            QCOMPARE(moved.load(), 1);
+            QVERIFY(tree.isWhole());
+        }
+    }
+
+    void manyAddOneId()
+    {
+        for (int round = 0; round < 200; ++round) {
+            const Tree tree(0);
+            std::atomic<int> added{0};
+            InThreads(4, [&](int) { added += tree.root->addChild(make("a"_s)) ? 1 : 0; });
+            QCOMPARE(added.load(), 1);
+            QCOMPARE(tree.root->getNumberOfChildren(), quint64(1));
+            QVERIFY(isSound(tree.root));
+        }
+    }
+
+    void randomMoves()
+    {
+        const Tree tree(12);
+        InThreads(4, [&tree](int i) {
+            std::mt19937 random{uint(i)};
+            const auto any = [&] { return tree.nodes[random() % tree.nodes.size()]; };
+            for (int round = 0; round < 4000; ++round) {
+                switch (random() % 6) {
+                case 0:
+                    any()->setParent(tree.root, false);
+                    break;
+                case 1:
+                    any()->setParent({}, false);
+                    break;
+                case 2: {
+                    const NodePointer node = any();
+                    const NodePointer parent = any();
+                    if (node->getParent() != parent)
+                        parent->addChild(node);
+                    break;
+                }
+                case 3:
+                    tree.root->getChildren(true);
+                    tree.root->queryChildren<HierarchyNode>("*.n1*"_s);
+                    break;
+                default:
+                    any()->setParent(any(), false);
+                    pathOf(any());
+                }
+            }
+        });
+        for (const NodePointer &node : tree.nodes) // bring back what hangs below nothing
+            node->setParent(tree.root, false);
+        QVERIFY(tree.isWhole());
+        QCOMPARE(tree.root->getNumberOfChildren(), quint64(tree.nodes.size()));
     }
 };
 
