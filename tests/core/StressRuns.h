@@ -1,14 +1,66 @@
 #pragma once
 
-#include "core/StressGate.h"
 #include "support/Watchdog.h"
 
 #include <core/Library.h>
 #include <shared/logging/LogHandler.h>
 
+#include <QMutex>
 #include <QtTest>
+#include <QWaitCondition>
 
 constexpr int stressWorkerCount = 8;
+
+/*! Lets the main thread hold all workers between two operations. */
+class StressGate
+{
+public:
+    explicit StressGate(int workerCount)
+        : workers(workerCount)
+    { }
+    /*! Called by each worker between its operations; false: end. */
+    bool pass()
+    {
+        QMutexLocker locker(&mutex);
+        if (!closed)
+            return !ended;
+        ++waiting;
+        changed.wakeAll();
+        while (closed)
+            changed.wait(&mutex);
+        --waiting;
+        return !ended;
+    }
+    /*! Returns when every worker stands at the gate. */
+    void close()
+    {
+        QMutexLocker locker(&mutex);
+        closed = true;
+        while (waiting < workers)
+            changed.wait(&mutex);
+    }
+    void open()
+    {
+        const QMutexLocker locker(&mutex);
+        closed = false;
+        changed.wakeAll();
+    }
+    void end()
+    {
+        const QMutexLocker locker(&mutex);
+        ended = true;
+        closed = false;
+        changed.wakeAll();
+    }
+
+private:
+    QMutex mutex;
+    QWaitCondition changed;
+    const int workers;
+    int waiting = 0;
+    bool closed = true;
+    bool ended = false;
+};
 
 /*!
  * Lets \a workers work and stand still in turn, for as long as a stress test takes: \a startRun starts the
