@@ -6,9 +6,6 @@
 
 #include <random>
 #include <support/AttributeTree.h>
-#include <support/Literals.h>
-#include <support/LogCapture.h>
-#include <support/Notes.h>
 #include <support/Threads.h>
 
 using namespace TestSupport;
@@ -58,7 +55,7 @@ private Q_SLOTS:
     void removes()
     {
         ListInTree tree;
-        TestSupport::Notes notes;
+        Notes notes;
         const auto handle = tree.notifications.registerDeleteHandler(
             "*",
             [&](const QString &path, const DeletePoint &, const bool &result) {
@@ -81,7 +78,7 @@ private Q_SLOTS:
     void refusesEmptyNames()
     {
         ListInTree tree;
-        const TestSupport::LogCapture log;
+        const LogCapture log;
         QVERIFY(!tree.list->addElementToList(QString(), 1, true));
         QVERIFY(!tree.list->removeElementFromList(QString()));
         QCOMPARE(log.lines(),

@@ -6,9 +6,9 @@
 #include <plugins/support/StorageRecords.h>
 #include <random>
 #include <support/Files.h>
+#include <support/FullDisk.h>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace TestSupport;
@@ -229,23 +229,22 @@ private Q_SLOTS:
         const QString file = folder->filePath("a");
         const auto storage = make(file, 1);
         const QString entry = Uuid();
+        const auto write = [&](const QByteArray &bytes) {
+            return storage->serializeElement(entry, Uuid(), Values(1, bytes));
+        };
         QVERIFY(storage->connectStorage() && storage->serializeEntry(entry, Record()));
-        std::signal(SIGXFSZ, SIG_IGN);
-        rlimit before{};
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
-        rlimit limit = before;
-        limit.rlim_cur = 200000;
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
         const LogCapture log;
         int taken = 0;
-        while (taken < 1000 && storage->serializeElement(entry, Uuid(), Values(1, QByteArray(4000, 'x'))))
-            ++taken;
-        QVERIFY(!storage->serializeElement(entry, Uuid(), Values(1, QByteArray(4000, 'x'))));
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+        {
+            const FullDisk full(200000);
+            while (taken < 1000 && write(QByteArray(4000, 'x')))
+                ++taken;
+            QVERIFY(!write(QByteArray(4000, 'x')));
+        }
         QVERIFY(taken < 1000);
         QVERIFY(
             log.lines().first().startsWith("WARNING SqlWriter::tell() storage 'test' cannot be written: "));
-        QVERIFY(storage->serializeElement(entry, Uuid(), Values(1, "after")));
+        QVERIFY(write("after"));
         QStringList uuids;
         QCOMPARE(storage->getElementIds(entry, uuids), quint64(taken + 1));
         QVERIFY(storage->disconnectStorage());

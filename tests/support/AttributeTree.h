@@ -10,6 +10,8 @@
 #include <shared/hierarchy/HierarchyNodeInstance.h>
 
 #include <support/Literals.h>
+#include <support/LogCapture.h>
+#include <support/Notes.h>
 
 namespace TestSupport {
 

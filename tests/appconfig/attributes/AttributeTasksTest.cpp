@@ -4,9 +4,6 @@
 #include <QtTest>
 
 #include <support/AttributeTree.h>
-#include <support/Literals.h>
-#include <support/LogCapture.h>
-#include <support/Notes.h>
 
 using namespace TestSupport;
 using Reports = QList<CreateObserver::ResultType>;

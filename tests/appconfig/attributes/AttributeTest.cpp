@@ -8,9 +8,6 @@
 
 #include <support/AttributeTree.h>
 #include <support/FunctionValidation.h>
-#include <support/Literals.h>
-#include <support/LogCapture.h>
-#include <support/Notes.h>
 
 using namespace TestSupport;
 using Reports = QList<UpdateObserver::ResultType>;

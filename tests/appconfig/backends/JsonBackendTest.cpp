@@ -5,11 +5,10 @@
 #include <QPoint>
 #include <QtTest>
 
-#include <csignal>
 #include <support/ClosedFolder.h>
 #include <support/Files.h>
+#include <support/FullDisk.h>
 #include <support/Literals.h>
-#include <sys/resource.h>
 
 using Shared::Logging::LogMessageType;
 using Values = RepositoryFixture::Values;
@@ -25,23 +24,6 @@ QJsonDocument Document(const char *json)
 {
     return QJsonDocument::fromJson(json);
 }
-
-// No file may grow beyond a few bytes while this lives: a disk that is full.
-class FullDisk
-{
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit tiny{10, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &tiny);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
-
-private:
-    rlimit before;
-};
 
 } // namespace
 
@@ -209,7 +191,7 @@ private Q_SLOTS:
         write(before);
         QVERIFY(load(fileName));
         {
-            const FullDisk full;
+            const TestSupport::FullDisk full(10);
             QVERIFY(!save());
         }
         QCOMPARE(directory->read(fileName), before);

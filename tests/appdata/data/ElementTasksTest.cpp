@@ -1,5 +1,4 @@
 #include "../../support/AttributeTree.h"
-#include "../../support/LogCapture.h"
 #include "../support/RunningDataRepository.h"
 
 #include <appdata/data/elements/ElementReference.h>

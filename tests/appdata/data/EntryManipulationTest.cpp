@@ -1,4 +1,3 @@
-#include "../../support/LogCapture.h"
 #include "../../support/Threads.h"
 #include "../support/RunningDataRepository.h"
 

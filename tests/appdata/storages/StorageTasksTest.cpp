@@ -1,4 +1,3 @@
-#include "../../support/LogCapture.h"
 #include "../support/RunningDataRepository.h"
 
 #include <appdata/storages/StorageCreateTask.h>

@@ -13,6 +13,8 @@
 
 #include <QDataStream>
 
+#include <support/LogCapture.h>
+
 namespace TestSupport {
 
 using namespace Tessellum::AppData;
