@@ -12,7 +12,7 @@ install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessellum
     FILES_MATCHING PATTERN "*.h"
     PATTERN Precompiled.h EXCLUDE
     PATTERN platform EXCLUDE
-    REGEX "/utils/Remote[A-Za-z]+\\.h$" EXCLUDE)
+    REGEX "/(utils/Remote|storages/remote/RemoteStorage)[A-Za-z]+\\.h$" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/src/shared/TessellumExport.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessellum/shared)
 

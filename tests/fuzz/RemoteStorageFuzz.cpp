@@ -1,7 +1,7 @@
 // The frames and payloads of the storage protocol in both modes: what is read can be written and read again.
 #include "FuzzInput.h"
 
-#include <appdata/storages/utils/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
 #include <shared/logging/LogHandler.h>
 
 using namespace Tessellum::AppData::Storages::utils;

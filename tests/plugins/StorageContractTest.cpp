@@ -1,4 +1,4 @@
-#include <appdata/storages/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorage.h>
 #include <appdata/support/StorageTwin.h>
 
 #include <QTemporaryDir>

@@ -1,8 +1,8 @@
 #include "StorageMirror.h"
 
-#include <appdata/storages/utils/RemoteStorageCodec.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
-#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageSource.h>
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <appconfig/backends/utils/RemoteMessage.h>
-#include <appdata/storages/utils/RemoteStorageCodec.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 
 // The frames that the floors send, as the library makes and reads them.
 

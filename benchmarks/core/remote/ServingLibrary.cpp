@@ -3,7 +3,7 @@
 
 #include <appconfig/backends/utils/RemoteBackendServer.h>
 #include <appconfig/utils/RepositoryProvider.h>
-#include <appdata/storages/utils/RemoteStorageServer.h>
+#include <appdata/storages/remote/RemoteStorageServer.h>
 #include <shared/logging/LogHandler.h>
 
 #include <QEvent>

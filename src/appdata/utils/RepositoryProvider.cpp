@@ -1,5 +1,5 @@
 #include <appdata/data/utils/ElementRegistrationProvider.h>
-#include <appdata/storages/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorage.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageTypes.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>

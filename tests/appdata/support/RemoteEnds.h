@@ -2,7 +2,7 @@
 
 #include "StorageTwin.h"
 
-#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/storages/remote/RemoteStorageSource.h>
 
 #include <QMutexLocker>
 

@@ -2,7 +2,7 @@
 
 #include <appdata/data/elements/ElementUpdateData.h>
 #include <appdata/data/entries/EntrySerializeInformation.h>
-#include <appdata/storages/utils/RemoteStorageMessage.h>
+#include <appdata/storages/remote/RemoteStorageMessage.h>
 
 #include <QHash>
 #include <QList>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageConnection.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageConnection.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 
 #include <functional>
 #include <memory>

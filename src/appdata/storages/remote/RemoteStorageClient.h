@@ -1,9 +1,9 @@
 #pragma once
 
 #include <appconfig/utils/ShownAttribute.h>
-#include <appdata/storages/utils/RemoteStorageConnection.h>
-#include <appdata/storages/utils/RemoteStorageMirror.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageConnection.h>
+#include <appdata/storages/remote/RemoteStorageMirror.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <notification/interfaces/NotificationHandleInterface.h>
 #include <notification/interfaces/NotificationInterface.h>

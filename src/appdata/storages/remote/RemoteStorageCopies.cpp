@@ -1,5 +1,5 @@
+#include <appdata/storages/remote/RemoteStorageCopies.h>
 #include <appdata/storages/Storage.h>
-#include <appdata/storages/utils/RemoteStorageCopies.h>
 
 #include <QSet>
 

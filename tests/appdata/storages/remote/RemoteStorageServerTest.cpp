@@ -1,8 +1,8 @@
-#include "../support/RunningDataRepository.h"
+#include "../../support/RunningDataRepository.h"
 
-#include <appdata/storages/RemoteStorage.h>
-#include <appdata/storages/utils/RemoteStorageCodec.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 #include <appdata/utils/RepositoryLookup.h>
 
 #include <QTcpServer>

@@ -1,6 +1,6 @@
 #include "../../support/RemoteEnds.h"
 
-#include <appdata/storages/utils/RemoteStorageConnections.h>
+#include <appdata/storages/remote/RemoteStorageConnections.h>
 
 #include <QtTest>
 

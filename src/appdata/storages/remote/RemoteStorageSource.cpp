@@ -1,7 +1,7 @@
+#include <appdata/storages/remote/RemoteStorageSource.h>
 #include <appdata/storages/Storage.h>
 #include <appdata/storages/StorageImplementation.h>
 #include <appdata/storages/utils/CallMedium.h>
-#include <appdata/storages/utils/RemoteStorageSource.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <shared/logging/FrameworkLog.h>

@@ -1,4 +1,4 @@
-#include "../support/RunningDataRepository.h"
+#include "../../support/RunningDataRepository.h"
 
 #include <appconfig/utils/AttributesManipulationProvider.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>

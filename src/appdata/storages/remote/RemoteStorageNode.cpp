@@ -1,4 +1,4 @@
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/UrlLimit.h>

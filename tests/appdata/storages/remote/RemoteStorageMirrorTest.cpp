@@ -1,8 +1,8 @@
 #include "../../support/RemoteEnds.h"
 #include "../../support/RunningDataRepository.h"
 
-#include <appdata/storages/RemoteStorage.h>
-#include <appdata/storages/utils/RemoteStorageMirror.h>
+#include <appdata/storages/remote/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorageMirror.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryLookup.h>
 

@@ -1,7 +1,7 @@
-#include "../support/RunningDataRepository.h"
+#include "../../support/RunningDataRepository.h"
 
 #include <appconfig/utils/AttributesManipulationProvider.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryStorageProvider.h>
 

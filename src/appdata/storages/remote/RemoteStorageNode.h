@@ -1,7 +1,7 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageCodec.h>
-#include <appdata/storages/utils/RemoteStorageMessage.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageMessage.h>
 #include <notification/utils/FrameWorker.h>
 
 #include <QHash>

@@ -1,5 +1,5 @@
+#include <appdata/storages/remote/RemoteStorageServer.h>
 #include <appdata/storages/Storage.h>
-#include <appdata/storages/utils/RemoteStorageServer.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <shared/hierarchy/HierarchyNode.h>
 #include <shared/logging/FrameworkLog.h>

@@ -1,4 +1,4 @@
-#include <appdata/storages/utils/RemoteStorageConnections.h>
+#include <appdata/storages/remote/RemoteStorageConnections.h>
 
 #include <QMutexLocker>
 

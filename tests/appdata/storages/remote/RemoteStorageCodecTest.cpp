@@ -1,4 +1,4 @@
-#include <appdata/storages/utils/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
 #include <shared/conversion/FlatJson.h>
 
 #include <QJsonDocument>

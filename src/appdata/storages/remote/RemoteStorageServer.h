@@ -1,9 +1,9 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageConnections.h>
-#include <appdata/storages/utils/RemoteStorageMirror.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
-#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/storages/remote/RemoteStorageConnections.h>
+#include <appdata/storages/remote/RemoteStorageMirror.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageSource.h>
 #include <appdata/utils/AppDataRepositoryEventThreadUser.h>
 #include <notification/utils/FrameQueue.h>
 #include <notification/utils/WebSocketListener.h>

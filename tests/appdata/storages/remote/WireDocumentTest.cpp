@@ -1,6 +1,6 @@
 // docs/wire.md shows what really travels. TESSELLUM_DOCS is the folder, else the working directory has it.
 #include <appconfig/backends/utils/RemoteMessage.h>
-#include <appdata/storages/utils/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
 
 #include <QFile>
 #include <QtTest>

@@ -1,8 +1,8 @@
 #include <appconfig/utils/LiveNode.h>
 #include <appdata/data/elements/Element.h>
 #include <appdata/data/entries/EntryProperties.h>
+#include <appdata/storages/remote/RemoteStorageMirror.h>
 #include <appdata/storages/Storage.h>
-#include <appdata/storages/utils/RemoteStorageMirror.h>
 #include <appdata/utils/RepositoryDataEntryProvider.h>
 #include <appdata/utils/RepositoryLookup.h>
 #include <appdata/utils/RepositoryProvider.h>

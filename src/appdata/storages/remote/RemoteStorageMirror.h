@@ -1,8 +1,8 @@
 #pragma once
 
 #include <appdata/data/entries/Entry.h>
-#include <appdata/storages/utils/RemoteStorageCopies.h>
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageCopies.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 #include <notification/Observer.h>
 
 #include <QSet>

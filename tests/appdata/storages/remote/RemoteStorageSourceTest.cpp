@@ -1,6 +1,6 @@
 #include "../../support/RunningDataRepository.h"
 
-#include <appdata/storages/utils/RemoteStorageSource.h>
+#include <appdata/storages/remote/RemoteStorageSource.h>
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
-#include <appdata/storages/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorage.h>
+#include <appdata/storages/remote/RemoteStorageClient.h>
+#include <appdata/storages/remote/RemoteStorageServer.h>
 #include <appdata/storages/StorageTypes.h>
-#include <appdata/storages/utils/RemoteStorageClient.h>
-#include <appdata/storages/utils/RemoteStorageServer.h>
 #include <notification/utils/MakeNode.h>
 #include <shared/logging/FrameworkLog.h>
 

@@ -1,4 +1,4 @@
-#include <appdata/storages/utils/RemoteStorageMessage.h>
+#include <appdata/storages/remote/RemoteStorageMessage.h>
 #include <shared/conversion/BoundedDecoding.h>
 #include <shared/conversion/Compression.h>
 #include <shared/conversion/FlatJson.h>

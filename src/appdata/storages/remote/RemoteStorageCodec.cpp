@@ -1,5 +1,5 @@
 #include <appdata/DataTypeStrings.h>
-#include <appdata/storages/utils/RemoteStorageCodec.h>
+#include <appdata/storages/remote/RemoteStorageCodec.h>
 #include <shared/conversion/BoundedDecoding.h>
 #include <shared/conversion/Compression.h>
 #include <shared/conversion/FlatJson.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageNode.h>
+#include <appdata/storages/remote/RemoteStorageNode.h>
 
 #include <QHash>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <appdata/storages/utils/RemoteStorageConnection.h>
+#include <appdata/storages/remote/RemoteStorageConnection.h>
 
 #include <QHash>
 #include <QMutex>

@@ -1,5 +1,5 @@
 #include <appconfig/utils/RepositoryProvider.h>
-#include <appdata/storages/utils/RemoteStorageClient.h>
+#include <appdata/storages/remote/RemoteStorageClient.h>
 #include <appdata/utils/RepositoryProvider.h>
 #include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/SendWithoutDelay.h>
