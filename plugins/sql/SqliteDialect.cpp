@@ -2,10 +2,11 @@
 #include "SqliteDialect.h"
 
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QThread>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace Tessellum::Plugins::Sql {
 
@@ -46,23 +47,16 @@ QString FileName(const QVariant &location)
     return url.isLocalFile() ? url.toLocalFile() : url.path();
 }
 
-// Whether the file is shorter than its header says and no log is there that could hold the rest.
-bool IsCut(const QString &fileName)
+// Whether the file is shorter than the engine takes it to be, and no log is there that could hold the rest.
+// The file itself is not opened for this: closing it would end every lock that this process has on it, and
+// another process that leaves the file then deletes the log under ours.
+bool IsCut(SqlConnection &connection, const QString &fileName)
 {
-    constexpr int HeaderSize = 100, PageSizeAt = 16, PageCountAt = 28;
-    QFile file(fileName);
-    if (QFileInfo(fileName + QLatin1String("-wal")).size() > 0 || !file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray header = file.read(HeaderSize);
-    if (header.size() < HeaderSize)
-        return !header.isEmpty();
-    const auto byte = [&header](int position) { return quint64(quint8(header.at(position))); };
-    quint64 pageSize = byte(PageSizeAt) << 8 | byte(PageSizeAt + 1);
-    if (pageSize == 1)
-        pageSize = 65536;
-    const quint64 pages = byte(PageCountAt) << 24 | byte(PageCountAt + 1) << 16 | byte(PageCountAt + 2) << 8
-        | byte(PageCountAt + 3);
-    return quint64(file.size()) < pageSize * pages;
+    // A single byte makes no page for the engine, which would write a new database over it.
+    const qint64 pages = std::max(1LL, connection.value(QStringLiteral("PRAGMA page_count")).toLongLong());
+    const qint64 pageSize = connection.value(QStringLiteral("PRAGMA page_size")).toLongLong();
+    const qint64 size = QFileInfo(fileName).size();
+    return size > 0 && size < pages * pageSize && QFileInfo(fileName + QLatin1String("-wal")).size() == 0;
 }
 
 // Lets the engine say what is wrong with a file that is cut.
@@ -141,7 +135,9 @@ bool SqliteDialect::startSession(SqlConnection &connection, const QVariant &loca
 {
     // Before anything is written: a file that is not ours stays as it is.
     bool found = false;
-    if (IsCut(FileName(location)) && !FailCut(connection))
+    const QString fileName = FileName(location);
+    // Seen twice, as another process may just move its log into the file.
+    if (IsCut(connection, fileName) && IsCut(connection, fileName) && !FailCut(connection))
         return false;
     if (!hasTables(connection, found))
         return false;
