@@ -61,7 +61,8 @@ private:
         QVERIFY(storage->connectStorage());
         QStringList uuids;
         const quint64 count = storage->getElementIds(entry, uuids);
-        QVERIFY2(qint64(count) > lastSaid, qPrintable(QStringLiteral("%1 elements, said %2").arg(count).arg(lastSaid)));
+        QVERIFY2(qint64(count) > lastSaid,
+                 qPrintable(QStringLiteral("%1 elements, said %2").arg(count).arg(lastSaid)));
         const QList<qulonglong> stamps = Stamps(storage, entry);
         for (int index = 0; index < uuids.size(); ++index) {
             QCOMPARE(stamps.at(index), quint64(index));
