@@ -17,6 +17,7 @@ private Q_SLOTS:
     void wrongUsageIsTold();
     void filesAreReadAndChanged();
     void badFilesFail();
+    void filesAreDownloaded();
     void theShellWorksOnAttributes();
     void theShellWorksOnBackends();
     void theShellHears();
@@ -42,8 +43,12 @@ void TessellumToolTest::wrongUsageIsTold()
     QCOMPARE(help.exitCode, 0);
     for (const char *word : {"tree SOURCE", "set SOURCE", "watch create|update|delete", "Exit codes"})
         QVERIFY2(help.output.contains(word), word);
-    for (const QStringList &wrong :
-         {QStringList(), {"tree"}, {"get", "x"}, {"nonsense"}, {"shell", "more"}}) {
+    for (const QStringList &wrong : {QStringList(),
+                                     {"tree"},
+                                     {"get", "x"},
+                                     {"nonsense"},
+                                     {"shell", "more"},
+                                     {"download", "http://x/"}}) {
         const Outcome outcome = runTool(wrong);
         QCOMPARE(outcome.exitCode, 2);
         QVERIFY(outcome.output.isEmpty() && outcome.errors.contains("usage:"));
@@ -88,6 +93,37 @@ void TessellumToolTest::badFilesFail()
     QFile file(broken);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("{\"a\":"));
+}
+
+void TessellumToolTest::filesAreDownloaded()
+{
+    const QByteArray content(100000, 'c');
+    const QString url = QUrl::fromLocalFile(write("source", content)).toString();
+    const QString target = write("target", "before");
+    const auto read = [&target] {
+        QFile file(target);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    for (const QString &bad : {url + "x", QString("http://127.0.0.1:1/"), QString("nonsense://x/")}) {
+        const Outcome failed = runTool({"download", bad, target});
+        QCOMPARE(failed.exitCode, 1);
+        QVERIFY2(failed.errors.startsWith("tessellum: " + bad + " cannot be fetched: "),
+                 qPrintable(failed.errors));
+        QCOMPARE(read(), QByteArray("before"));
+    }
+    QCOMPARE(runTool({"download", "no url", target}).exitCode, 2);
+    QCOMPARE(runTool({"download", url, folder->filePath("none/x")}).exitCode, 1);
+    const Outcome quiet = runTool({"download", url, target});
+    QVERIFY(quiet.exitCode == 0 && quiet.output.isEmpty() && quiet.errors.isEmpty());
+    QVERIFY(read() == content);
+
+    QProcess terminal; // which "script" makes for what it runs
+    const QString command = QString("'%1' download '%2' '%3'").arg(TESSELLUM_TOOL, url, target);
+    terminal.start("script", {"-qec", command, "/dev/null"});
+    QVERIFY(terminal.waitForFinished(60000));
+    QCOMPARE(terminal.exitCode(), 0);
+    const QString shown = QString::fromUtf8(terminal.readAllStandardOutput());
+    QVERIFY2(shown.contains(QString(40, '#') + "] 100 %"), qPrintable(shown));
 }
 
 void TessellumToolTest::theShellWorksOnAttributes()

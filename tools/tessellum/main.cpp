@@ -1,4 +1,5 @@
 #include "ConversionCommands.h"
+#include "DownloadCommand.h"
 #include "Host.h"
 #include "Shell.h"
 #include "StorageCommands.h"
@@ -28,6 +29,7 @@ QString usage()
         "                                            print the entries, or the values of one\n"
         "       tessellum export FILE.sqlite --csv|--json\n"
         "                                            print all values\n"
+        "       tessellum download URL FILE          fetch a URL into a file, with a bar on a terminal\n"
         "       tessellum shell                      read commands from standard input\n"
         "       tessellum host --config FILE.json [--serve ws://ADDRESS:PORT]\n"
         "                      [--storage TYPE NAME LOCATION]... [--serve-storage NAME URL]...\n"
@@ -62,6 +64,9 @@ QString help()
                "process lists this client. A watch tells \"create\", \"update\", \"delete\" and \"status\" "
                "until\n"
                "it is interrupted or has told N changes; it fails if the connection is lost.\n"
+               "\n"
+               "A download follows redirects; FILE is written when all has come, and otherwise stays as it\n"
+               "was. The bar goes to standard error.\n"
                "\n"
                "A host holds the values of NAME.json at host.NAME until SIGINT, SIGTERM or \"quit\" ends "
                "it.\n"
@@ -193,6 +198,8 @@ int run(const QStringList &arguments)
         out << help();
     } else if (command == QLatin1String("history") || command == QLatin1String("export")) {
         runOnRecording(command, arguments, out);
+    } else if (command == QLatin1String("download") && count == 2) {
+        DownloadFile(arguments.at(2), arguments.at(3));
     } else if (command == QLatin1String("shell") && count == 0) {
         return runShell();
     } else if (command == QLatin1String("host")) {
