@@ -25,8 +25,8 @@ bool fitTogether(const QByteArray &first, const QByteArray &second)
 
 } // namespace
 
-PayloadDecoder::PayloadDecoder(const std::shared_ptr<Protocols::ProtocolHeaderInterface> &messageHeader)
-    : header(messageHeader)
+PayloadDecoder::PayloadDecoder(const std::shared_ptr<Protocols::ProtocolHeaderInterface> &header)
+    : messageHeader(header)
     , paddingToDrop(std::max<qint64>(toSigned(getPayloadPaddedSize()) - toSigned(getPayloadSize()), 0))
 { }
 
@@ -97,12 +97,12 @@ ProtocolDecoderState PayloadDecoder::getState() const
 
 quint64 PayloadDecoder::getPayloadSize() const
 {
-    return header ? header->getPayloadSize() : 0;
+    return messageHeader ? messageHeader->getPayloadSize() : 0;
 }
 
 quint64 PayloadDecoder::getPayloadPaddedSize() const
 {
-    return header ? header->getPayloadPaddedSize() : 0;
+    return messageHeader ? messageHeader->getPayloadPaddedSize() : 0;
 }
 
 qint64 PayloadDecoder::getRemainingBytes() const
@@ -119,7 +119,7 @@ qint64 PayloadDecoder::getRemainingBytes() const
 qint64 PayloadDecoder::getDiscardedPaddingBytesCount() const
 {
     // Less padding than none means that the header says less of both than of the payload.
-    return header
+    return messageHeader
         ? std::max<qint64>(toSigned(getPayloadPaddedSize()) - paddingToDrop - toSigned(getPayloadSize()), 0)
         : 0;
 }

@@ -20,7 +20,7 @@ class TESSELLUM_EXPORT PayloadDecoder : public PayloadDecoderInterface
 {
 public:
     /*! Without a header the payload is empty. */
-    explicit PayloadDecoder(const std::shared_ptr<Protocols::ProtocolHeaderInterface> &messageHeader);
+    explicit PayloadDecoder(const std::shared_ptr<Protocols::ProtocolHeaderInterface> &header);
 
     /*! What is complete leaves \a data as it is and keeps a copy; what is invalid takes nothing. */
     ProtocolDecoderState appendPayload(QByteArray &data) override;
@@ -44,7 +44,7 @@ protected:
 private:
     void takeMessage(QByteArray &data, qint64 remaining);
 
-    std::shared_ptr<Protocols::ProtocolHeaderInterface> header;
+    std::shared_ptr<Protocols::ProtocolHeaderInterface> messageHeader;
     ProtocolDecoderState state = ProtocolDecoderState::Empty;
     QByteArray decoded;
     QByteArray undecoded;

@@ -10,8 +10,8 @@ ProtocolMessageInterface::ProtocolMessageInterface(
     const std::shared_ptr<ProtocolHeaderInterface> &responseHeader,
     const std::shared_ptr<Connections::Connection> &connection)
     : messageId(id)
-    , request(requestHeader)
-    , response(responseHeader)
+    , currentRequestHeader(requestHeader)
+    , currentResponseHeader(responseHeader)
     , messageConnection(connection)
 {
     // For queued signals of the messages that derive.
@@ -34,23 +34,23 @@ std::shared_ptr<Connections::Connection> ProtocolMessageInterface::getConnection
 std::shared_ptr<ProtocolHeaderInterface> ProtocolMessageInterface::getRequestHeader() const
 {
     const ScopedLock lock(this);
-    return request;
+    return currentRequestHeader;
 }
 
 std::shared_ptr<ProtocolHeaderInterface> ProtocolMessageInterface::getResponseHeader() const
 {
     const ScopedLock lock(this);
-    return response;
+    return currentResponseHeader;
 }
 
 bool ProtocolMessageInterface::setRequestHeader(const std::shared_ptr<ProtocolHeaderInterface> &header)
 {
-    return replace(request, header);
+    return replace(currentRequestHeader, header);
 }
 
 bool ProtocolMessageInterface::setResponseHeader(const std::shared_ptr<ProtocolHeaderInterface> &header)
 {
-    return replace(response, header);
+    return replace(currentResponseHeader, header);
 }
 
 bool ProtocolMessageInterface::replace(std::shared_ptr<ProtocolHeaderInterface> &header,
@@ -66,14 +66,13 @@ bool ProtocolMessageInterface::replace(std::shared_ptr<ProtocolHeaderInterface> 
 std::shared_ptr<ProtocolMessageTrackingInterface> ProtocolMessageInterface::getTracking() const
 {
     const ScopedLock lock(this);
-    return tracking;
+    return currentTracking;
 }
 
-void ProtocolMessageInterface::setTracking(
-    const std::shared_ptr<ProtocolMessageTrackingInterface> &messageTracking)
+void ProtocolMessageInterface::setTracking(const std::shared_ptr<ProtocolMessageTrackingInterface> &tracking)
 {
     const ScopedLock lock(this);
-    tracking = messageTracking;
+    currentTracking = tracking;
 }
 
 bool ProtocolMessageInterface::canProcessRequest() const

@@ -45,7 +45,7 @@ public:
     bool setResponseHeader(const std::shared_ptr<ProtocolHeaderInterface> &header);
     std::shared_ptr<ProtocolMessageTrackingInterface> getTracking() const;
     /*! An empty one ends the tracking. */
-    void setTracking(const std::shared_ptr<ProtocolMessageTrackingInterface> &messageTracking);
+    void setTracking(const std::shared_ptr<ProtocolMessageTrackingInterface> &tracking);
 
     /*! What the tracking says; true without one. */
     bool canProcessRequest() const;
@@ -63,10 +63,10 @@ private:
                  const std::shared_ptr<ProtocolHeaderInterface> &next);
 
     const QString messageId;
-    std::shared_ptr<ProtocolHeaderInterface> request;
-    std::shared_ptr<ProtocolHeaderInterface> response;
+    std::shared_ptr<ProtocolHeaderInterface> currentRequestHeader;
+    std::shared_ptr<ProtocolHeaderInterface> currentResponseHeader;
     const std::shared_ptr<Connections::Connection> messageConnection;
-    std::shared_ptr<ProtocolMessageTrackingInterface> tracking;
+    std::shared_ptr<ProtocolMessageTrackingInterface> currentTracking;
 };
 
 } // namespace Shared::Communication::Protocols
