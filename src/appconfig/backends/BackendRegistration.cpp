@@ -3,6 +3,7 @@
 #include <appconfig/backends/IniFileBackend.h>
 #include <appconfig/backends/JsonBackend.h>
 #include <appconfig/backends/MemoryBackend.h>
+#include <appconfig/backends/ObjectPropertiesBackend.h>
 #include <appconfig/backends/RemoteBackend.h>
 #include <appconfig/backends/VersionInformationBackend.h>
 
@@ -12,7 +13,8 @@ int RegisterBackends(BackendFactory &factory)
 {
     return RegisterBackend<MemoryBackend>(factory) + RegisterBackend<JsonBackend>(factory)
         + RegisterBackend<ConstraintsBackend>(factory) + RegisterBackend<IniFileBackend>(factory)
-        + RegisterBackend<VersionInformationBackend>(factory) + RegisterBackend<RemoteBackend>(factory);
+        + RegisterBackend<VersionInformationBackend>(factory) + RegisterBackend<RemoteBackend>(factory)
+        + RegisterBackend<ObjectPropertiesBackend>(factory);
 }
 
 } // namespace Tessellum::AppConfig::Backends

@@ -1,4 +1,4 @@
-#include <appconfig/backends/Backend.h>
+#include <appconfig/backends/ObjectPropertiesBackend.h>
 #include <appconfig/utils/RepositoryBackendProvider.h>
 #include <notification/utils/PoolWait.h>
 #include <shared/logging/FrameworkLog.h>
@@ -23,7 +23,8 @@ bool RepositoryBackendProvider::createBackend(const QString &type, const QString
                                               const BackendCreateDataDetails &details,
                                               const CreatePoint &waitPoint)
 {
-    return Notification::utils::WaitForSuccess(*pool, startCreateBackend(type, name, details, waitPoint));
+    const auto bound = Backends::ObjectPropertiesBackend::BindObject(type, details);
+    return Notification::utils::WaitForSuccess(*pool, startCreateBackend(type, name, bound, waitPoint));
 }
 
 QString RepositoryBackendProvider::getBackendDescription(const QString &name) const

@@ -1,5 +1,6 @@
 #include <appconfig/backends/Backend.h>
 #include <appconfig/backends/BackendReference.h>
+#include <appconfig/backends/ObjectPropertiesBackend.h>
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appconfig/utils/WrappedRepositoryBackendProvider.h>
 #include <notification/utils/PoolWait.h>
@@ -12,8 +13,10 @@ bool WrappedRepositoryBackendProvider::createBackend(const QString &type, const 
                                                      const Backends::BackendCreateDataDetails &details,
                                                      const Notification::CreatePoint &waitPoint)
 {
+    // Before the lock: it may call code of the application.
+    const auto bound = Backends::ObjectPropertiesBackend::BindObject(type, details);
     const auto observer = writing([&](RepositoryBackendProvider &provider) {
-        return provider.startCreateBackend(type, name, details, waitPoint);
+        return provider.startCreateBackend(type, name, bound, waitPoint);
     });
     return Notification::utils::WaitForSuccess(RepositoryProvider::getInstance()->getThreadPool(), observer);
 }
