@@ -3,6 +3,7 @@
 
 #include <shared/logging/FrameworkLog.h>
 #include <shared/logging/LogHandler.h>
+#include <shared/logging/utils/StackWalker.h>
 
 #include <QSystemSemaphore>
 #include <QTextStream>
@@ -109,5 +110,30 @@ void LineToStandardError_Peer(benchmark::State &state)
         logger.warn("HierarchyNodeInstance::addChild() called with an id that is there already");
 }
 BENCHMARK(LineToStandardError_Peer)->UseRealTime();
+
+/// Calls work with so many frames more on the stack.
+template <class Work>
+Q_NEVER_INLINE int Deeper(int frames, const Work &work)
+{
+    if (frames == 0) {
+        work();
+        return 0;
+    }
+    // What follows the call keeps the frame on the stack.
+    return qMax(frames, Deeper(frames - 1, work));
+}
+
+void StackTraceOf30Frames(benchmark::State &state)
+{
+    utils::StackWalker::StackWalker walker;
+    const int frames = walker.getStackOutput().size();
+    Deeper(30 - frames, [&] {
+        for (auto _ : state)
+            benchmark::DoNotOptimize(walker.getStackOutput());
+        state.counters["frames"] = walker.getStackOutput().size();
+    });
+    state.counters["aim_ns"] = 2e6;
+}
+BENCHMARK(StackTraceOf30Frames)->UseRealTime();
 
 } // namespace

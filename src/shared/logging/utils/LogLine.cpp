@@ -1,5 +1,5 @@
 #include <shared/logging/utils/LogLine.h>
-#include <shared/logging/utils/StackTraceSource.h>
+#include <shared/logging/utils/StackWalker.h>
 
 namespace Shared::Logging::utils {
 
@@ -30,7 +30,7 @@ QString StackTraceText(const LogMessageContext &context)
     if (!context.flags.testFlag(LogMessageContext::LogStackTrace))
         return {};
     QStringList lines{QStringLiteral("[STACKTRACE BEGIN]")};
-    lines += StackTrace();
+    lines += StackWalker::StackWalker().getStackOutput();
     lines += QStringLiteral("[STACKTRACE END]");
     return QLatin1Char('\n') + lines.mid(0, maximumTraceLines).join(QLatin1Char('\n'));
 }
