@@ -48,8 +48,10 @@ enum class ElementValueKind : quint32 { Unknown = 0, RawData = 1, ParsedValue = 
 /*! Which elements a query takes. */
 enum class ActivationMask : quint32 { Unknown = 0, Active = 1, Inactive = 2, All = 3 };
 
+/*! What an element can be told to do with its value. */
 enum class ElementCommand : quint32 { Unknown = 0, Load = 1, Unload = 2 };
 
+/*! What an element can be asked about its value. */
 enum class ElementQueryCommand : quint32 { Unknown = 0, IsParsedDataNull = 1, IsLoaded = 2 };
 
 } // namespace Tessellum::AppData

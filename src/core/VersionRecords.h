@@ -21,6 +21,7 @@ bool registerVersionInformation(const VersionInformationList &records);
 
 /*! Keeps the records of plug-ins, which stay loaded, for all later starts. Any thread may call. */
 void rememberPluginRecords(const VersionInformationList &records);
+/*! What was kept so far. Any thread may call. */
 VersionInformationList rememberedPluginRecords();
 
 } // namespace Tessellum::Core

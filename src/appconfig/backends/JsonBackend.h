@@ -9,7 +9,7 @@ namespace Tessellum::AppConfig::Backends {
  *
  * An object is a level of the tree; an array is a level whose node has its key between angle brackets and
  * whose children have the decimal index as their name. Every boolean, number (a double, always) and text is
- * one attribute; a null is none but uses up its index. {"net": {"hosts": ["a"]}} gives net.<hosts>.0.
+ * one attribute; a null is none but uses up its index. {"net": {"hosts": ["a"]}} gives "net.<hosts>.0".
  *
  * What does not come back as it was: an array at top level is saved as an object, an object whose key stands
  * between angle brackets becomes an array, a key with a separator in it becomes nested objects, integers

@@ -6,6 +6,7 @@
 /*! The type keys of the known storages. The keys of one list are equal; a look-up is exact and heeds case. */
 namespace Tessellum::AppData::Storages::StorageTypes {
 
+/*! A file of SQLite. */
 inline const QStringList &Sqlite()
 {
     static const QStringList keys{QStringLiteral("sqlite"), QStringLiteral("SQLite")};
@@ -17,6 +18,7 @@ inline const QStringList &NxSqlite()
     static const QStringList keys{QStringLiteral("nxsqlite"), QStringLiteral("NxSQLite")};
     return keys;
 }
+/*! A database of a PostgreSQL server. */
 inline const QStringList &PostgreSql()
 {
     static const QStringList keys{QStringLiteral("postgresql"), QStringLiteral("PostgreSQL")};
@@ -42,11 +44,13 @@ inline const QString &PostgreSqlDriver()
     static const QString name = QStringLiteral("QPSQL");
     return name;
 }
+/*! The schema that a storage uses where none is named. */
 inline const QString &PostgreSqlSchema()
 {
     static const QString name = QStringLiteral("public");
     return name;
 }
+/*! The host that a storage uses where none is named. */
 inline const QString &PostgreSqlHost()
 {
     static const QString name = QStringLiteral("localhost");

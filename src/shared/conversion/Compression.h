@@ -10,6 +10,7 @@ namespace Shared::Conversion {
  * it needs until it ends, and nothing is needed at level 0. Any thread may call.
  */
 QByteArray Compress(const QByteArray &bytes);
+/*! At level 0: the bytes as they are, in the same form. */
 QByteArray CompressStored(const QByteArray &bytes);
 
 } // namespace Shared::Conversion

@@ -94,6 +94,7 @@ private:
     QVariant copy;
 };
 
+/*! As MetaPropertyWrapper::Create() makes it. */
 using MetaPropertyWrapperPtr = std::shared_ptr<MetaPropertyWrapper>;
 
 } // namespace Shared

@@ -5,26 +5,31 @@
 /*! The keys under which the properties of a new entry are given. */
 namespace Tessellum::AppData::Data::Entries::EntryProperties {
 
+/*! Of the classification, a text. */
 inline const QString &Classification()
 {
     static const QString key = QStringLiteral("classification");
     return key;
 }
+/*! Of the name, a text. */
 inline const QString &Name()
 {
     static const QString key = QStringLiteral("name");
     return key;
 }
+/*! Of the category, the number of an AppData::CategoryType. */
 inline const QString &CategoryType()
 {
     static const QString key = QStringLiteral("category_type");
     return key;
 }
+/*! Of the detail of the category, a text. */
 inline const QString &CategoryDetail()
 {
     static const QString key = QStringLiteral("category_detail");
     return key;
 }
+/*! Of the persistence, the number of an AppData::PersistenceType. */
 inline const QString &Persistence()
 {
     static const QString key = QStringLiteral("persistence");

@@ -9,6 +9,7 @@
  * the caller, "Class::function()". */
 namespace Tessellum::AppData::Data::Elements::Parsers {
 
+/*! What \a call returns, a default value where it throws. */
 template <class Result, class Call>
 Result GuardParser(const char *caller, const Call &call) noexcept
 {
