@@ -20,7 +20,8 @@ namespace {
 
 constexpr qint64 headerBytes
     = 16LL * 1024; // what a handshake or the head of a frame may take beyond the limit
-constexpr int handshakeTime = 5000; // milliseconds
+constexpr int handshakeTick = 1000; // milliseconds
+constexpr int handshakeTicks = 5;
 constexpr int acceptPause = 1000; // milliseconds
 constexpr int mostSockets = 10000;
 constexpr int keptDescriptors = 64; // GLib ends the process if a new thread's event loop gets none
@@ -101,11 +102,22 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
         if (unfinished.remove(port, socket) > 0)
             socket->deleteLater();
     });
-    QTimer::singleShot(handshakeTime, &context, [this, port, weak = QPointer<QTcpSocket>(socket)] {
-        if (weak && unfinished.contains(port, weak))
-            weak->abort();
-    });
+    awaitHandshake(port, socket, handshakeTicks);
     handshakes.handleConnection(socket);
+}
+
+/*! Tick by tick: a peer whose bytes this thread was too busy to read for seconds gets the turns that it
+ * takes. */
+void WebSocketListener::awaitHandshake(quint16 port, const QPointer<QTcpSocket> &socket, int ticks)
+{
+    QTimer::singleShot(handshakeTick, &context, [this, port, socket, ticks] {
+        if (!socket || !unfinished.contains(port, socket))
+            return;
+        if (ticks > 1)
+            awaitHandshake(port, socket, ticks - 1);
+        else
+            socket->abort();
+    });
 }
 
 void WebSocketListener::endHandshakes()
@@ -129,7 +141,7 @@ void WebSocketListener::finish(QWebSocket &finished)
     for (QTcpSocket *const socket : sockets) {
         if (socket->peerAddress() == finished.peerAddress()) {
             unfinished.remove(finished.peerPort(), socket);
-            disconnect(socket, &QTcpSocket::disconnected, &context, nullptr);
+            static_cast<void>(disconnect(socket, &QTcpSocket::disconnected, &context, nullptr));
             socket->setParent(&finished);
         }
     }

@@ -3,6 +3,7 @@
 #include <shared/TessellumExport.h>
 
 #include <QMultiHash>
+#include <QPointer>
 #include <QTcpServer>
 #include <QWebSocketServer>
 
@@ -38,6 +39,7 @@ Q_SIGNALS:
 private:
     void takeSockets();
     void beginHandshake(QTcpSocket *socket);
+    void awaitHandshake(quint16 port, const QPointer<QTcpSocket> &socket, int ticks);
     void refuse(QTcpSocket *socket);
     void pause(const QString &reason);
     void endHandshakes();

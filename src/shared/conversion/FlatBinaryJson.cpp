@@ -66,7 +66,7 @@ private:
         if (limit - base < BaseSize)
             return false;
         const qint64 end = base + word(base);
-        const qint64 table = base + word(base + 2 * WordSize);
+        const qint64 table = base + word(base + 2LL * WordSize);
         const quint32 kind = word(base + WordSize);
         const qint64 length = kind >> 1;
         if (!(kind & 1) || end > limit || table < base + BaseSize || table + length * WordSize > end
