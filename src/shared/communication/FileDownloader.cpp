@@ -33,7 +33,7 @@ QUrl FileDownloader::url() const
     return lastUrl;
 }
 
-void FileDownloader::download(QUrl url)
+void FileDownloader::download(const QUrl &url)
 {
     redirects = 0;
     request(url);

@@ -31,7 +31,7 @@ public:
 
 public Q_SLOTS:
     /*! Begins to fetch \a url; its end is told by downloaded(). */
-    void download(QUrl url);
+    void download(const QUrl &url);
     void fileDownloaded(QNetworkReply *pReply);
 
 Q_SIGNALS:

@@ -129,6 +129,7 @@ private Q_SLOTS:
     void isUsedFromOtherThreads();
     void diesWhereverItIsDropped();
     void keepsDatagramsApart();
+    void outlivesAPeerWithoutAConnection();
     void answersWithoutADevice();
 
 private:
@@ -324,6 +325,26 @@ void ConnectionTest::keepsDatagramsApart()
     QTRY_COMPARE(told.signalNames.last(), "down"_s);
     QVERIFY(connection->open() && connection->isConnected());
     QVERIFY(told.wasFree);
+}
+
+void ConnectionTest::outlivesAPeerWithoutAConnection()
+{
+    QUdpSocket peer;
+    QVERIFY(peer.bind(QHostAddress::LocalHost));
+    const quint16 port = peer.localPort();
+    peer.close();
+    const TestSupport::LogCapture log;
+    const auto connection = udpTo(port);
+    Told told(connection);
+    QVERIFY(connection->open() && connection->onDataSend("into the void"));
+    QTRY_COMPARE(log.lines(),
+                 QStringList("LOG Connection::onSocketError() received socket error=Connection refused"));
+    QVERIFY(peer.bind(QHostAddress::LocalHost, port));
+    QVERIFY(connection->isConnected());
+    QTRY_VERIFY(connection->onDataSend("anybody?") && peer.hasPendingDatagrams());
+    peer.writeDatagram(peer.receiveDatagram().makeReply("me"));
+    QTRY_COMPARE(told.blocks, QList<QByteArray>{"me"});
+    QCOMPARE(told.signalNames, (QStringList{"up", "data"}));
 }
 
 void ConnectionTest::answersWithoutADevice()

@@ -16,7 +16,8 @@ struct TESSELLUM_EXPORT ConnectionReleaser
     void operator()(QObject *object) const;
 };
 
-/*! Makes a connection of class \a T, such as TcpConnection, that lives on the calling thread. */
+/*! Makes a connection of class \a T, such as TcpConnection, that lives on the calling thread. It can be moved
+ * to another one before its first open(), not later: its device would stay behind. */
 template <class T, class... Arguments>
 std::shared_ptr<T> MakeConnection(Arguments &&...arguments)
 {

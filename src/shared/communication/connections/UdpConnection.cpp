@@ -24,22 +24,26 @@ void UdpConnection::onDataReceived()
     // A read of the stream would join datagrams and cut long ones. A peer that never stops does not keep the
     // thread: the socket tells again of what is left.
     constexpr int mostAtOnce = 256;
+    constexpr int largest = 65536; // bytes, more than a datagram has
     if (!isOnOwnThread()) {
         Connection::onDataReceived();
         return;
     }
     const QPointer<Connection> self(this);
     for (int i = 0; self && i < mostAtOnce && isConnected(); ++i) {
-        bool isPending = false;
+        bool isPending = true;
         QByteArray data;
         withDevice([&](QIODevice &device) {
             auto &socket = static_cast<QUdpSocket &>(device);
-            isPending = socket.hasPendingDatagrams();
+            // What was told first may be that the peer is not there. Asking for what is pending would lose
+            // that, and the socket tells nothing more until it has been read.
+            isPending = i == 0 || socket.hasPendingDatagrams();
             if (isPending)
-                data = socket.receiveDatagram().data();
+                data = socket.receiveDatagram(largest).data();
         });
         if (!self || !isPending)
             return;
+        data.squeeze();
         if (!data.isEmpty())
             Q_EMIT dataReceived(data);
     }

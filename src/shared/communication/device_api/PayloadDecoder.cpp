@@ -34,12 +34,13 @@ ProtocolDecoderState PayloadDecoder::appendPayload(QByteArray &data)
 {
     if (state == ProtocolDecoderState::Invalid)
         return state;
-    if (!fitTogether(decoded, data) || !fitTogether(undecoded, data)) {
+    const bool isComplete = state == ProtocolDecoderState::Complete;
+    if (!fitTogether(undecoded, data) || (!isComplete && !fitTogether(decoded, data))) {
         FrameworkLog().critical() << "PayloadDecoder::appendPayload() cannot hold more than "
                                   << std::max(decoded.size(), undecoded.size()) << " bytes";
         return state = ProtocolDecoderState::Invalid;
     }
-    if (state == ProtocolDecoderState::Complete) {
+    if (isComplete) {
         undecoded.append(data);
         return state;
     }
