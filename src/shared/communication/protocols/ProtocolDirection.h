@@ -10,6 +10,7 @@ enum class ProtocolDirection {
     Response = 1, ///< from the device
 };
 
+/*! For tables by direction. */
 inline uint qHash(ProtocolDirection direction, uint seed = 0) noexcept
 {
     return static_cast<uint>(direction) ^ seed;
