@@ -1,4 +1,5 @@
-// A unit specification of any content: what is wrong in it gets its default, and values are still shown.
+// The description of a unit, of any content: what is wrong in it gets its default, and values are still
+// shown.
 #include "FuzzInput.h"
 
 #include <shared/conversion/Specification.h>

@@ -77,7 +77,7 @@ QString help()
                "reads\n"
                "commands as the shell does; the end of its input does not end it.\n"
                "\n"
-               "FILE.json of format is a unit specification; LOCALE is a name such as de_DE, whose notation "
+               "FILE.json of format describes a unit; LOCALE is a name such as de_DE, whose notation "
                "of\n"
                "numbers is tried first, and which is the system's if not given; PREFIX is k, m and the "
                "like.\n"

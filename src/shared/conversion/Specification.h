@@ -55,7 +55,7 @@ public:
     QString getIdentification() const { return identification; }
     const UnitSpecification &getUnitSpecification() const { return unit; }
     const VisualizationSpecification &getVisualizationSpecification() const { return visualization; }
-    /*! Whether this is no specification that was read. */
+    /*! Whether this was not read from a document. */
     bool isDefault() const { return isDefaultSpecification; }
 
     /*! The format for a value of that magnitude, counted in \a prefix; valid for as long as this object. */
