@@ -1,3 +1,4 @@
+#include "common/Steps.h"
 #include "DeviceRun.h"
 #include "Simulation.h"
 
@@ -107,7 +108,5 @@ int main(int argc, char *argv[])
     // What goes wrong is told by the steps.
     LogHandler::SetLogLevel(LogMessageType::critical);
     out << "The power supply" << Qt::endl;
-    const bool held = DeviceRun(*options, out).run();
-    out << (held ? "every step held" : "a step did NOT hold") << Qt::endl;
-    return held ? 0 : 1;
+    return TellEnd(out, DeviceRun(*options, out).run());
 }

@@ -1,3 +1,4 @@
+#include "common/Steps.h"
 #include "Instrument.h"
 #include "IsoCodes.h"
 
@@ -73,6 +74,5 @@ int main(int argc, char *argv[])
     bool held = Instrument(options, out).run();
     out << "Large files" << Qt::endl;
     held = LoadIsoCodes(parser.value(QStringLiteral("iso-codes")), out) && held;
-    out << (held ? "every step held" : "a step did NOT hold") << Qt::endl;
-    return held ? 0 : 1;
+    return TellEnd(out, held);
 }

@@ -1,3 +1,4 @@
+#include "common/Steps.h"
 #include "Monitor.h"
 
 #include <shared/logging/LogHandler.h>
@@ -89,7 +90,5 @@ int main(int argc, char *argv[])
     // What becomes of the connections is told below, where log lines would spoil the picture.
     LogHandler::SetLogLevel(LogMessageType::critical);
     out << "The monitor" << Qt::endl;
-    const bool held = Monitor(*options, out).run();
-    out << (held ? "every step held" : "a step did NOT hold") << Qt::endl;
-    return held ? 0 : 1;
+    return TellEnd(out, Monitor(*options, out).run());
 }

@@ -1,3 +1,4 @@
+#include "common/Steps.h"
 #include "CrashCheck.h"
 #include "Recorder.h"
 
@@ -132,6 +133,5 @@ int main(int argc, char *argv[])
         options.durationMs = static_cast<int>(seconds * 1000);
         held = Recorder(options, out).run();
     }
-    out << (held ? "every step held" : "a step did NOT hold") << Qt::endl;
-    return held ? 0 : 1;
+    return TellEnd(out, held);
 }
