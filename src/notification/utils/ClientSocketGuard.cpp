@@ -30,6 +30,7 @@ ClientSocketGuard::ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, En
         progress.start();
         timer.start();
     });
+    connect(socket, &QWebSocket::disconnected, this, &QObject::deleteLater);
     if (end == End::Server)
         timer.start();
 }

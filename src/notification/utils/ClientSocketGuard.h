@@ -17,7 +17,7 @@ namespace Tessellum::Notification::utils {
  * owner's to say.
  *
  * A closed connection that does not end by itself is cut after as many seconds. A child of the socket, on the
- * thread of which it lives.
+ * thread of which it lives; it goes with the connection, so that each one needs a guard of its own.
  */
 class TESSELLUM_EXPORT ClientSocketGuard : public QObject
 {

@@ -155,9 +155,11 @@ void WebSocketListenerTest::neitherEndHoldsMessagesBack()
         QVERIFY(!isWithoutDelay(peer));
         QVERIFY(SendWithoutDelay(peer));
         QVERIFY(isWithoutDelay(peer));
+        const QPointer guard(new ClientSocketGuard(&peer, 1000, ClientSocketGuard::End::Client));
         accepted->close();
         delete accepted;
         QTRY_COMPARE(peer.state(), QAbstractSocket::UnconnectedState);
+        QTRY_VERIFY(!guard); // the next connection is not ended by it
     }
 }
 

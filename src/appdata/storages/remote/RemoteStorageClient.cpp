@@ -1,6 +1,7 @@
 #include <appconfig/utils/RepositoryProvider.h>
 #include <appdata/storages/remote/RemoteStorageClient.h>
 #include <appdata/utils/RepositoryProvider.h>
+#include <notification/utils/ClientSocketGuard.h>
 #include <notification/utils/ExceptionBarrier.h>
 #include <notification/utils/SendWithoutDelay.h>
 #include <shared/logging/FrameworkLog.h>
@@ -15,6 +16,7 @@ namespace Tessellum::AppData::Storages::utils {
 using AppConfig::utils::ShownAttribute;
 using Notification::UpdatePoint;
 using Notification::UpdateResult;
+using Notification::utils::ClientSocketGuard;
 using Notification::utils::RunGuarded;
 using Shared::Logging::FrameworkLog;
 
@@ -162,6 +164,7 @@ void RemoteStorageClient::makeSocket()
 void RemoteStorageClient::onConnected()
 {
     Notification::utils::SendWithoutDelay(*socket);
+    std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Client).release(); // a child
     if (attributes)
         attributes->showChild(status, QStringLiteral("established"));
     const QString init
