@@ -21,6 +21,7 @@ using Shared::Logging::FrameworkLog;
 namespace {
 
 constexpr qint64 defaultLimit = 64LL * 1024 * 1024;
+constexpr int longestId = 200; // of a client, in a line and in the tree
 
 QString ShownPath(const QString &list, const QString &id)
 {
@@ -135,7 +136,6 @@ void RemoteStorageServer::listen()
 
 void RemoteStorageServer::onNewConnection(QWebSocket *socket)
 {
-    socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
     const QString uuid = QUuid::createUuid().toString();
     connect(socket, &QWebSocket::textMessageReceived, this,
             [this, uuid](const QString &message) { onTextMessageReceived(uuid, message); });
@@ -257,11 +257,11 @@ void RemoteStorageServer::showPeer(const QString &connectionUuid, const QString 
                                    const QString &address)
 {
     std::shared_ptr<ShownAttribute> status;
-    if (IsPathElement(clientId))
+    if (clientId.size() <= longestId && IsPathElement(clientId))
         status
             = std::make_shared<ShownAttribute>(ShownPath(QStringLiteral("remote_server"), clientId), address);
     else
-        FrameworkLog().warning() << "RemoteStorageServer::showPeer() the id '" << clientId
+        FrameworkLog().warning() << "RemoteStorageServer::showPeer() the id '" << clientId.left(longestId)
                                  << "' of a client cannot be shown";
     connections.setClient(connectionUuid, clientId, status);
 }
