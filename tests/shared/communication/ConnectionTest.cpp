@@ -130,6 +130,7 @@ private Q_SLOTS:
     void diesWhereverItIsDropped();
     void keepsDatagramsApart();
     void outlivesAPeerWithoutAConnection();
+    void hearsOnAfterAWaitWithinADatagram();
     void answersWithoutADevice();
 
 private:
@@ -345,6 +346,34 @@ void ConnectionTest::outlivesAPeerWithoutAConnection()
     peer.writeDatagram(peer.receiveDatagram().makeReply("me"));
     QTRY_COMPARE(told.blocks, QList<QByteArray>{"me"});
     QCOMPARE(told.signalNames, (QStringList{"up", "data"}));
+}
+
+void ConnectionTest::hearsOnAfterAWaitWithinADatagram()
+{
+    QUdpSocket peer;
+    QVERIFY(peer.bind(QHostAddress::LocalHost));
+    const quint16 port = peer.localPort();
+    const auto connection = udpTo(port);
+    Told told(connection);
+    QVERIFY(connection->open() && connection->onDataSend("hello"));
+    QTRY_VERIFY(peer.hasPendingDatagrams());
+    const QNetworkDatagram hello = peer.receiveDatagram();
+    bool hasWaited = false;
+    QObject::connect(connection.get(), &Connection::dataReceived, this, [&](const QByteArray &data) {
+        if (data != "leaving")
+            return;
+        // That nobody is there comes back while this waits.
+        connection->onDataSend("anybody?");
+        QTest::qWait(100);
+        hasWaited = true;
+    });
+    peer.writeDatagram("leaving", hello.senderAddress(), quint16(hello.senderPort()));
+    peer.close();
+    QTRY_VERIFY(hasWaited);
+    QVERIFY(peer.bind(QHostAddress::LocalHost, port));
+    peer.writeDatagram("back", hello.senderAddress(), quint16(hello.senderPort()));
+    QTRY_COMPARE(told.blocks, (QList<QByteArray>{"leaving", "back"}));
+    QVERIFY(connection->isConnected());
 }
 
 void ConnectionTest::answersWithoutADevice()

@@ -3,6 +3,7 @@
 
 #include <QNetworkDatagram>
 #include <QPointer>
+#include <QSignalBlocker>
 #include <QUdpSocket>
 
 namespace Shared::Communication::Connections {
@@ -31,22 +32,37 @@ void UdpConnection::onDataReceived()
     }
     const QPointer<Connection> self(this);
     for (int i = 0; self && i < mostAtOnce && isConnected(); ++i) {
-        bool isPending = true;
+        bool hasCome = false;
         QByteArray data;
         withDevice([&](QIODevice &device) {
-            auto &socket = static_cast<QUdpSocket &>(device);
-            // What was told first may be that the peer is not there. Asking for what is pending would lose
-            // that, and the socket tells nothing more until it has been read.
-            isPending = i == 0 || socket.hasPendingDatagrams();
-            if (isPending)
-                data = socket.receiveDatagram(largest).data();
+            // The socket tells nothing more until it has been read: that is what ends this, too. Asking for
+            // what is pending would not do, and it would lose the news that the peer is not there. Only the
+            // first read is known to find anything; that a further one does not is no error.
+            const QSignalBlocker quiet(i == 0 ? nullptr : &device);
+            const QNetworkDatagram datagram = static_cast<QUdpSocket &>(device).receiveDatagram(largest);
+            hasCome = datagram.isValid();
+            data = datagram.data();
         });
-        if (!self || !isPending)
+        if (!self || (i > 0 && !hasCome))
             return;
         data.squeeze();
         if (!data.isEmpty())
-            Q_EMIT dataReceived(data);
+            tellDatagram(data, i + 1 == mostAtOnce);
     }
+}
+
+void UdpConnection::tellDatagram(const QByteArray &data, bool isLast)
+{
+    if (!isLast) {
+        Q_EMIT dataReceived(data);
+        return;
+    }
+    // A slot may run an event loop, and what comes meanwhile is not announced within an announcement. Nothing
+    // is read behind this one, so it is told outside.
+    queue([this, data] {
+        if (isConnected())
+            Q_EMIT dataReceived(data);
+    });
 }
 
 } // namespace Shared::Communication::Connections

@@ -21,6 +21,9 @@ public Q_SLOTS:
 
 protected:
     std::shared_ptr<QAbstractSocket> makeSocket() const override;
+
+private:
+    void tellDatagram(const QByteArray &data, bool isLast);
 };
 
 } // namespace Shared::Communication::Connections
