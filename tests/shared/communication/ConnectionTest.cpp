@@ -281,6 +281,10 @@ void ConnectionTest::isUsedFromOtherThreads()
     QTRY_COMPARE(told.signalNames.last(), "down"_s);
     QCOMPARE(connection->closeReason(), QVariant("from afar"));
     QVERIFY(!elsewhere([&] { return connection->isConnected(); }));
+    // Both wait for this thread: the reason of the later one stays.
+    QVERIFY(elsewhere([&] { return connection->open() && connection->close("at once"_s); }));
+    QCoreApplication::processEvents();
+    QCOMPARE(connection->closeReason(), QVariant("at once"));
 }
 
 void ConnectionTest::diesWhereverItIsDropped()

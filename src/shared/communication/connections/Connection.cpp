@@ -23,17 +23,26 @@ bool Connection::open()
 {
     if (isConnected())
         return false;
+    {
+        // At once, not when the call's turn comes: a close() that is called after this one gives its reason.
+        const ScopedLock lock(this);
+        lastReason.clear();
+    }
     if (!isOnOwnThread()) {
-        queue([this] { open(); });
+        queue([this] { openOnOwnThread(); });
         return true;
     }
+    return openOnOwnThread();
+}
+
+bool Connection::openOnOwnThread()
+{
+    if (isConnected())
+        return false;
     bool isOpen = false;
     bool connected = false;
     const QPointer<Connection> self(this);
-    underLock([&] {
-        lastReason.clear();
-        isOpen = beginToConnect(connected);
-    });
+    underLock([&] { isOpen = beginToConnect(connected); });
     // Whoever was told meanwhile may have dropped this connection.
     if (!self)
         return false;

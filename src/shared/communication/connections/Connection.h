@@ -93,6 +93,7 @@ protected:
 
 private:
     void underLock(const std::function<void()> &use);
+    bool openOnOwnThread();
     bool beginToConnect(bool &connected);
     bool fail() const;
 
