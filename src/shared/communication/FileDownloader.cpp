@@ -6,6 +6,7 @@ namespace Shared::Communication {
 
 FileDownloader::FileDownloader(QObject *parent, const bool &followRedirects)
     : QObject(parent)
+    , manager(this) // so that it moves to another thread along with this
     , followsRedirects(followRedirects)
 {
     connect(&manager, &QNetworkAccessManager::finished, this, &FileDownloader::fileDownloaded);

@@ -75,6 +75,7 @@ class FileDownloaderTest : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void fetches();
+    void fetchesOnTheThreadItIsMovedTo();
     void tellsFailures_data();
     void tellsFailures();
     void followsRedirects();
@@ -96,6 +97,28 @@ void FileDownloaderTest::fetches()
     QVERIFY(downloader.downloadedData() == body);
     QCOMPARE(downloader.url(), server.url("/file"));
     QCOMPARE(progress.last(), (QVariantList{qint64(body.size()), qint64(body.size())}));
+}
+
+void FileDownloaderTest::fetchesOnTheThreadItIsMovedTo()
+{
+    const QUrl url = server.url("/file");
+    server.answers["/file"] = page("200 OK", "there");
+    QThread thread;
+    FileDownloader downloader(nullptr, false);
+    QList<bool> ended;
+    connect(&downloader, &FileDownloader::downloaded, this,
+            [&ended](bool success) { ended.append(success); });
+    downloader.moveToThread(&thread);
+    const auto *const manager = downloader.findChild<QNetworkAccessManager *>();
+    QVERIFY(manager && manager->thread() == &thread);
+    thread.start();
+    const auto end = qScopeGuard([&thread] {
+        thread.quit();
+        thread.wait();
+    });
+    QMetaObject::invokeMethod(&downloader, [&downloader, url] { downloader.download(url); });
+    QTRY_COMPARE(ended, QList<bool>{true});
+    QCOMPARE(downloader.downloadedData(), QByteArray("there"));
 }
 
 void FileDownloaderTest::tellsFailures_data()
