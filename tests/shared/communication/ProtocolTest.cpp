@@ -67,6 +67,7 @@ private Q_SLOTS:
     void tracksMessages();
     void decodes_data();
     void decodes();
+    void keepsBytesOfItsOwn();
     void refusesWhatIsInvalid();
 };
 
@@ -214,6 +215,20 @@ void ProtocolTest::decodes()
     QTEST(log.lines(), "lines");
     QCOMPARE(decoder.getPayloadSize(), payload);
     QCOMPARE(decoder.getPayloadPaddedSize(), padded);
+}
+
+void ProtocolTest::keepsBytesOfItsOwn()
+{
+    QByteArray buffer = "abc";
+    PayloadDecoder decoder(std::make_shared<Header>(3, 3));
+    PayloadDecoder withoutPayload(std::make_shared<Header>(0, 0));
+    for (PayloadDecoder *const each : {&decoder, &withoutPayload}) {
+        QByteArray view = QByteArray::fromRawData(buffer.constData(), buffer.size());
+        QCOMPARE(each->appendPayload(view), ProtocolDecoderState::Complete);
+    }
+    buffer.fill('x'); // in place, as a buffer that is read into again
+    QCOMPARE(decoder.getDecodedPayload(), QByteArray("abc"));
+    QCOMPARE(withoutPayload.getUndecodedPayload(), QByteArray("abc"));
 }
 
 void ProtocolTest::refusesWhatIsInvalid()

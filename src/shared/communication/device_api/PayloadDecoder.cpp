@@ -23,6 +23,14 @@ bool fitTogether(const QByteArray &first, const QByteArray &second)
     return qint64(first.size()) + second.size() <= std::numeric_limits<int>::max() - overhead;
 }
 
+/*! Swaps the two. What is kept are bytes of its own: a block may be a view of a buffer that is soon filled
+ * again. */
+void exchange(QByteArray &block, QByteArray &kept)
+{
+    block.swap(kept);
+    kept.detach();
+}
+
 } // namespace
 
 PayloadDecoder::PayloadDecoder(const std::shared_ptr<Protocols::ProtocolHeaderInterface> &header)
@@ -50,7 +58,7 @@ ProtocolDecoderState PayloadDecoder::appendPayload(QByteArray &data)
         if (remaining < data.size())
             takeMessage(data, remaining);
         else
-            data.swap(decoded);
+            exchange(data, decoded);
         break;
     case ProtocolDecoderState::Partial:
         if (remaining < data.size())
@@ -76,7 +84,7 @@ void PayloadDecoder::takeMessage(QByteArray &data, qint64 remaining)
     data.remove(0, size);
     paddingToDrop -= dropPaddingBytes(data, paddingToDrop);
     if (undecoded.isEmpty() && !data.isEmpty())
-        data.swap(undecoded);
+        exchange(data, undecoded);
     else
         undecoded.append(data);
 }
