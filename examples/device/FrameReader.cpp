@@ -9,29 +9,33 @@ QVector<SupplyFrame> FrameReader::take(const QByteArray &bytes)
 {
     QVector<SupplyFrame> frames;
     rest += bytes;
-    while (!damaged && (decoder || beginFrame())) {
+    int position = 0; // what is before is cut off once, not frame by frame: there may be thousands
+    while (!damaged && (decoder || beginFrame(position))) {
         // Not more than is its own: a decoder takes padding off on top of what it was given.
-        QByteArray block
-            = rest.left(static_cast<int>(std::min<qint64>(decoder->getRemainingBytes(), rest.size())));
-        rest.remove(0, block.size());
+        QByteArray block = rest.mid(
+            position,
+            static_cast<int>(std::min<qint64>(decoder->getRemainingBytes(), rest.size() - position)));
+        position += block.size();
         if (decoder->appendPayload(block) != ProtocolDecoderState::Complete)
             break;
         frames.append({header, decoder->getDecodedPayload().left(static_cast<int>(header.payloadSize))});
         decoder.reset();
     }
+    rest.remove(0, position);
     return frames;
 }
 
-bool FrameReader::beginFrame()
+/*! Reads a header at \a position, and moves that behind it; false where none has come. */
+bool FrameReader::beginFrame(int &position)
 {
-    if (rest.size() < SupplyHeader::Size)
+    if (rest.size() - position < SupplyHeader::Size)
         return false;
-    const auto next = SupplyHeader::Parse(rest);
+    const auto next = SupplyHeader::Parse(rest.mid(position, SupplyHeader::Size));
     damaged = !next;
     if (damaged)
         return false;
     header = *next;
-    rest.remove(0, SupplyHeader::Size);
+    position += SupplyHeader::Size;
     decoder.emplace(std::make_shared<SupplyHeader>(header));
     return true;
 }

@@ -16,7 +16,7 @@ public:
     bool isWithinFrame() const { return decoder || !rest.isEmpty(); }
 
 private:
-    bool beginFrame();
+    bool beginFrame(int &position);
 
     QByteArray rest; // not read yet
     SupplyHeader header;
