@@ -13,24 +13,24 @@ namespace {
 // A cast of a value that the target cannot hold is undefined, so the limits are settled before it. A limit
 // that a double cannot hold (2^63 - 1, 2^64 - 1) rounds up, hence "at least" and not "above".
 template <class T>
-T Saturate(double value, T lowest, T highest)
+T Saturate(double value)
 {
+    using Limits = std::numeric_limits<T>;
     if (std::isnan(value))
-        return std::numeric_limits<T>::has_quiet_NaN ? std::numeric_limits<T>::quiet_NaN() : T(0);
-    if (value <= static_cast<double>(lowest))
-        return lowest;
-    if (value >= static_cast<double>(highest))
-        return highest;
+        return Limits::has_quiet_NaN ? Limits::quiet_NaN() : T(0);
+    if (value <= static_cast<double>(Limits::lowest()))
+        return Limits::lowest();
+    if (value >= static_cast<double>(Limits::max()))
+        return Limits::max();
     return static_cast<T>(value);
 }
 
-template <class T>
-DoubleConversionFunctionWrapper MakeConversion(T lowest = std::numeric_limits<T>::lowest(),
-                                               T highest = std::numeric_limits<T>::max())
+/*! Makes a \a T of a value within the limits of \a Range. */
+template <class T, class Range = T>
+DoubleConversionFunctionWrapper MakeConversion()
 {
-    return DoubleConversionFunctionWrapper([lowest, highest](const double &value) {
-        return QVariant::fromValue<T>(Saturate<T>(value, lowest, highest));
-    });
+    return DoubleConversionFunctionWrapper(
+        [](const double &value) { return QVariant::fromValue(static_cast<T>(Saturate<Range>(value))); });
 }
 
 } // namespace
@@ -56,15 +56,15 @@ QVariant DoubleConversionFunctionWrapper::defaultConvert(const double &)
 
 DoubleConversionHelper::DoubleConversionHelper()
     : conversions{
-        {QMetaType::Char, MakeConversion<char>(-128, 127)},
+        // Some platforms have a char without a sign.
+        {QMetaType::Char, MakeConversion<char, signed char>()},
         {QMetaType::UChar, MakeConversion<unsigned char>()},
         {QMetaType::Short, MakeConversion<short>()},
         {QMetaType::UShort, MakeConversion<unsigned short>()},
         {QMetaType::Int, MakeConversion<int>()},
         {QMetaType::UInt, MakeConversion<unsigned int>()},
-        {QMetaType::Long,
-         MakeConversion<long>(std::numeric_limits<qint32>::lowest(), std::numeric_limits<qint32>::max())},
-        {QMetaType::ULong, MakeConversion<unsigned long>(0, std::numeric_limits<quint32>::max())},
+        {QMetaType::Long, MakeConversion<long, qint32>()},
+        {QMetaType::ULong, MakeConversion<unsigned long, quint32>()},
         {QMetaType::LongLong, MakeConversion<long long>()},
         {QMetaType::ULongLong, MakeConversion<unsigned long long>()},
         {QMetaType::Float, MakeConversion<float>()},
