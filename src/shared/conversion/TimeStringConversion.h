@@ -47,7 +47,7 @@ public:
     double toPicoSeconds() const;
 
 private:
-    // One a object: a QRegExp keeps the state of its last match and cannot be shared by threads.
+    // One an object: a QRegExp keeps the state of its last match and cannot be shared by threads.
     QRegExp expression;
     double seconds = 0.0;
     bool valid = false;
