@@ -34,10 +34,10 @@ private Q_SLOTS:
             const double factor = QString("1e%1").arg(exponents.at(number)).toDouble();
             QCOMPARE(ConvertValueToTargetPrefix(1.0, prefix, SiPrefix::None), factor);
         }
-        const QVector<int> defaults{4, 5, 6, 7, 10, 13, 14, 15, 16};
-        for (int index = 0; index < defaults.size(); ++index)
-            QCOMPARE(int(cvDefaultPrefixes.at(index)), defaults.at(index));
-        QCOMPARE(cvDefaultPrefixes.size(), defaults.size());
+        QString defaults;
+        for (const SiPrefix prefix : cvDefaultPrefixes)
+            defaults += ConvertSiPrefixToString(prefix) + '|';
+        QCOMPARE(defaults, "T|G|M|k||m|µ|n|p|"_s);
         QVERIFY(QMetaType::type("Shared::Conversion::UnitConversion::SiPrefix") != QMetaType::UnknownType);
     }
 
@@ -50,145 +50,114 @@ private Q_SLOTS:
             bool ok = true;
             QCOMPARE(ParseStringToSiPrefix(text, SiPrefix::Pico, &ok), SiPrefix::Pico);
             QVERIFY(!ok);
-            QCOMPARE(ParseStringToSiPrefix(text, SiPrefix::Pico, nullptr), SiPrefix::Pico);
         }
     }
 
-    void bestPrefix_data()
+    void choosesTheBestPrefix()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("input");
-        QTest::addColumn<QString>("enabled");
-        QTest::addColumn<double>("adjusted");
-        QTest::addColumn<int>("prefix");
-        QTest::addColumn<bool>("found");
-        auto row = [number = 0](double value, int input, const char *enabled, double adjusted, int prefix,
-                                bool found) mutable {
-            QTest::addRow("%d: %g", ++number, value)
-                << value << input << QString(enabled) << adjusted << prefix << found;
-        };
         const double infinity = std::numeric_limits<double>::infinity();
-        row(1000, 10, "k M", 1, 7, true);
-        row(999, 10, "k M", 999, 10, false);
-        row(999999, 10, "k M", 999.999, 7, true);
-        row(-1234567, 10, "default", -1.234567, 6, true);
-        row(0.005, 10, "default", 5, 13, true);
-        row(0.5, 10, "default", 0.5, 10, false);
-        row(0.5, 10, "full", 5, 11, true);
-        row(25, 10, "full", 2.5, 9, true);
-        row(5, 7, "default", 5, 7, false);
-        row(2.5e6, 13, "default", 2.5, 7, true);
-        row(5e-7, 7, "default", 500, 14, true);
-        row(5e-4, 7, "m", 5e-4, 7, false);
-        row(0.5, 7, "M", 0.5, 7, false);
-        row(1e30, 10, "full", 1e6, 0, true);
-        row(5, 0, "full", 5, 0, false);
-        row(500, 0, "full", 500, 0, false);
-        row(0.5, 20, "full", 0.5, 20, false);
-        row(0, 7, "m", 0, 7, true);
-        row(1e-12, 10, "full", 1e-12, 10, true);
-        row(1.1e-12, 10, "full", 1.1, 16, true);
-        row(infinity, 7, "full", infinity, 7, true);
-        row(-infinity, 7, "full", -infinity, 7, true);
-        row(1500, 99, "default", 1.5, 7, true);
-    }
-
-    void bestPrefix()
-    {
-        QFETCH(QString, enabled);
-        QVector<SiPrefix> prefixes = enabled == "full" ? cvFullPrefixes : cvDefaultPrefixes;
-        if (enabled != "full" && enabled != "default") {
-            prefixes.clear();
-            for (const QString &text : enabled.split(' '))
-                prefixes.append(ParseStringToSiPrefix(text, SiPrefix::None, nullptr));
-        }
-        QFETCH(double, value);
-        QFETCH(int, input);
-        double adjusted = 0;
-        SiPrefix prefix = SiPrefix::None;
-        QTEST(AdjustSignificantDigits(value, static_cast<SiPrefix>(input), prefixes, adjusted, prefix),
-              "found");
-        QTEST(adjusted, "adjusted");
-        QTEST(int(prefix), "prefix");
-    }
-
-    void notANumberKeepsItsPrefix()
-    {
-        double adjusted = 0;
-        SiPrefix prefix = SiPrefix::None;
-        QVERIFY(AdjustSignificantDigits(std::nan(""), SiPrefix::Mega, cvFullPrefixes, adjusted, prefix));
-        QVERIFY(std::isnan(adjusted) && prefix == SiPrefix::Mega);
-    }
-
-    void splitsPrefixes_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("prefix");
-        QTest::addColumn<QString>("remainder");
-        QTest::addColumn<QString>("unitPrefix");
-        QTest::addColumn<QString>("unit");
-        const auto row = [](const QString &text, const char *prefix, const char *remainder,
-                            const char *unitPrefix, const char *unit) {
-            QTest::newRow(qPrintable("'%1'"_s.arg(text)))
-                << text << QString(prefix) << QString(remainder) << QString(unitPrefix) << QString(unit);
+        const struct
+        {
+            double value;
+            int input;
+            const char *enabled;
+            double adjusted;
+            int prefix;
+            bool found;
+        } rows[] = {
+            {1000, 10, "k M", 1, 7, true},
+            {999, 10, "k M", 999, 10, false},
+            {999999, 10, "k M", 999.999, 7, true},
+            {-1234567, 10, "default", -1.234567, 6, true},
+            {0.005, 10, "default", 5, 13, true},
+            {0.5, 10, "default", 0.5, 10, false},
+            {0.5, 10, "full", 5, 11, true},
+            {25, 10, "full", 2.5, 9, true},
+            {5, 7, "default", 5, 7, false},
+            {2.5e6, 13, "default", 2.5, 7, true},
+            {5e-7, 7, "default", 500, 14, true},
+            {5e-4, 7, "m", 5e-4, 7, false},
+            {0.5, 7, "M", 0.5, 7, false},
+            {1e30, 10, "full", 1e6, 0, true},
+            {5, 0, "full", 5, 0, false},
+            {500, 0, "full", 500, 0, false},
+            {0.5, 20, "full", 0.5, 20, false},
+            {0, 7, "m", 0, 7, true},
+            {1e-12, 10, "full", 1e-12, 10, true},
+            {1.1e-12, 10, "full", 1.1, 16, true},
+            {infinity, 7, "full", infinity, 7, true},
+            {-infinity, 7, "full", -infinity, 7, true},
+            {1500, 99, "default", 1.5, 7, true},
+            {std::nan(""), 6, "full", std::nan(""), 6, true},
         };
-        row("", "", "", "", "");
-        row("mm", "m", "m", "m", "m");
-        row("m", "m", "", "", "m");
-        row("da", "da", "", "d", "a");
-        row("dag", "da", "g", "da", "g");
-        row("Pa", "P", "a", "P", "a");
-        row("kg", "k", "g", "k", "g");
-        row("Hz", "", "Hz", "", "Hz");
-        row("µs", "µ", "s", "µ", "s");
-        row("us", "", "us", "", "us");
+        for (const auto &row : rows) {
+            const QString enabled = row.enabled;
+            QVector<SiPrefix> prefixes = enabled == "full" ? cvFullPrefixes : cvDefaultPrefixes;
+            if (enabled != "full" && enabled != "default") {
+                prefixes.clear();
+                for (const QString &text : enabled.split(' '))
+                    prefixes.append(ParseStringToSiPrefix(text, SiPrefix::None, nullptr));
+            }
+            double adjusted = 0;
+            SiPrefix prefix = SiPrefix::None;
+            const bool found = AdjustSignificantDigits(row.value, static_cast<SiPrefix>(row.input), prefixes,
+                                                       adjusted, prefix);
+            const auto told = [&row](double number, int where, bool isFound) {
+                return "%1 in %2 of %3: %4 in %5, %6"_s.arg(row.value)
+                    .arg(row.input)
+                    .arg(row.enabled)
+                    .arg(number)
+                    .arg(where)
+                    .arg(isFound);
+            };
+            QCOMPARE(told(adjusted, int(prefix), found), told(row.adjusted, row.prefix, row.found));
+        }
     }
 
     void splitsPrefixes()
     {
-        QFETCH(QString, text);
-        SiPrefix prefix = SiPrefix::Yocto;
-        QString rest;
-        ParseStringToSiPrefixAndRemainder(text, prefix, rest);
-        QTEST(ConvertSiPrefixToString(prefix), "prefix");
-        QTEST(rest, "remainder");
-        QVERIFY(ParseStringToSiPrefixAndUnit(text, prefix, rest));
-        QTEST(ConvertSiPrefixToString(prefix), "unitPrefix");
-        QTEST(rest, "unit");
-    }
-
-    void readsValuePrefixAndUnit_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<QString>("prefix");
-        QTest::addColumn<QString>("unit");
-        const auto row = [](const QString &text, double value, const char *prefix, const char *unit) {
-            QTest::newRow(qPrintable(text.simplified())) << text << value << QString(prefix) << QString(unit);
+        const QStringList rows[] = {
+            // the text, its prefix and remainder, its prefix and unit
+            {"", "", "", "", ""},       {"mm", "m", "m", "m", "m"},    {"m", "m", "", "", "m"},
+            {"da", "da", "", "d", "a"}, {"dag", "da", "g", "da", "g"}, {"Pa", "P", "a", "P", "a"},
+            {"kg", "k", "g", "k", "g"}, {"Hz", "", "Hz", "", "Hz"},    {"µs", "µ", "s", "µ", "s"},
+            {"us", "", "us", "", "us"},
         };
-        row("1,5 kHz", 1.5, "k", "Hz");
-        row(" 1 2 \t.\u00a05\nk Hz", 12.5, "k", "Hz");
-        row("12e3V", 12000, "", "V");
-        row("12EV", 12, "E", "V");
-        row("1.5.2", 1.5, "", ".2");
-        row("-5", -5, "", "");
-        row("5 m", 5, "", "m");
-        row("1’000.5 mV", 1000.5, "m", "V");
-        row("٣٫٥ kV", 3.5, "k", "V");
+        for (const QStringList &row : rows) {
+            SiPrefix prefix = SiPrefix::Yocto;
+            SiPrefix unitPrefix = SiPrefix::Yocto;
+            QString remainder;
+            QString unit;
+            ParseStringToSiPrefixAndRemainder(row.first(), prefix, remainder);
+            QVERIFY(ParseStringToSiPrefixAndUnit(row.first(), unitPrefix, unit));
+            QCOMPARE(QStringList({row.first(), ConvertSiPrefixToString(prefix), remainder,
+                                  ConvertSiPrefixToString(unitPrefix), unit})
+                         .join('|'),
+                     row.join('|'));
+        }
     }
 
     void readsValuePrefixAndUnit()
     {
-        QFETCH(QString, text);
+        const QStringList rows[] = {
+            // the text, its value, prefix and unit
+            {"1,5 kHz", "1.5", "k", "Hz"}, {" 1 2 \t.\u00a05\nk Hz", "12.5", "k", "Hz"},
+            {"12e3V", "12000", "", "V"},   {"12EV", "12", "E", "V"},
+            {"1.5.2", "1.5", "", ".2"},    {"-5", "-5", "", ""},
+            {"5 m", "5", "", "m"},         {"1’000.5 mV", "1000.5", "m", "V"},
+            {"٣٫٥ kV", "3.5", "k", "V"},
+        };
         TestSupport::LogCapture log;
-        double value = 0;
-        SiPrefix prefix = SiPrefix::Yocto;
-        QString unit;
-        QVERIFY(ParseStringToSiPrefixUnitAndValue(text, value, &prefix, &unit));
-        QTEST(value, "value");
-        QTEST(ConvertSiPrefixToString(prefix), "prefix");
-        QTEST(unit, "unit");
-        QVERIFY(ParseStringToSiPrefixUnitAndValue(text, value, nullptr, nullptr));
+        for (const QStringList &row : rows) {
+            double value = 0;
+            SiPrefix prefix = SiPrefix::Yocto;
+            QString unit;
+            QVERIFY(ParseStringToSiPrefixUnitAndValue(row.first(), value, &prefix, &unit));
+            QCOMPARE(QStringList({row.first(), QString::number(value), ConvertSiPrefixToString(prefix), unit})
+                         .join('|'),
+                     row.join('|'));
+            QVERIFY(ParseStringToSiPrefixUnitAndValue(row.first(), value, nullptr, nullptr));
+        }
         QCOMPARE(log.lines(), QStringList());
     }
 

