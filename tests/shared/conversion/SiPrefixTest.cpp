@@ -6,6 +6,7 @@
 #include <cmath>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <tuple>
 
 using namespace Shared::Conversion::UnitConversion;
 
@@ -20,8 +21,8 @@ private Q_SLOTS:
         const QStringList longTexts
             = "yotta zetta exa peta tera giga mega kilo hecto deca  deci centi milli micro nano pico femto "
               "atto zepto yocto"_s.split(' ');
-        const QVector<int> exponents{24, 21, 18, 15, 12, 9,   6,   3,   2,   1,  0,
-                                     -1, -2, -3, -6, -9, -12, -15, -18, -21, -24};
+        const QStringList exponents
+            = "24 21 18 15 12 9 6 3 2 1 0 -1 -2 -3 -6 -9 -12 -15 -18 -21 -24"_s.split(' ');
         QCOMPARE(cvFullPrefixes.size(), 21);
         for (int number = 0; number < 21; ++number) {
             const auto prefix = static_cast<SiPrefix>(number);
@@ -31,8 +32,8 @@ private Q_SLOTS:
             bool ok = false;
             QCOMPARE(ParseStringToSiPrefix(shortTexts.at(number), SiPrefix::Exa, &ok), prefix);
             QVERIFY(ok);
-            const double factor = QString("1e%1").arg(exponents.at(number)).toDouble();
-            QCOMPARE(ConvertValueToTargetPrefix(1.0, prefix, SiPrefix::None), factor);
+            QCOMPARE(ConvertValueToTargetPrefix(1.0, prefix, SiPrefix::None),
+                     ("1e" + exponents.at(number)).toDouble());
         }
         QString defaults;
         for (const SiPrefix prefix : cvDefaultPrefixes)
@@ -55,62 +56,41 @@ private Q_SLOTS:
 
     void choosesTheBestPrefix()
     {
-        const double infinity = std::numeric_limits<double>::infinity();
-        const struct
-        {
-            double value;
-            int input;
-            const char *enabled;
-            double adjusted;
-            int prefix;
-            bool found;
-        } rows[] = {
-            {1000, 10, "k M", 1, 7, true},
-            {999, 10, "k M", 999, 10, false},
-            {999999, 10, "k M", 999.999, 7, true},
-            {-1234567, 10, "default", -1.234567, 6, true},
-            {0.005, 10, "default", 5, 13, true},
-            {0.5, 10, "default", 0.5, 10, false},
-            {0.5, 10, "full", 5, 11, true},
-            {25, 10, "full", 2.5, 9, true},
-            {5, 7, "default", 5, 7, false},
-            {2.5e6, 13, "default", 2.5, 7, true},
-            {5e-7, 7, "default", 500, 14, true},
-            {5e-4, 7, "m", 5e-4, 7, false},
-            {0.5, 7, "M", 0.5, 7, false},
-            {1e30, 10, "full", 1e6, 0, true},
-            {5, 0, "full", 5, 0, false},
-            {500, 0, "full", 500, 0, false},
-            {0.5, 20, "full", 0.5, 20, false},
-            {0, 7, "m", 0, 7, true},
-            {1e-12, 10, "full", 1e-12, 10, true},
-            {1.1e-12, 10, "full", 1.1, 16, true},
-            {infinity, 7, "full", infinity, 7, true},
-            {-infinity, 7, "full", -infinity, 7, true},
-            {1500, 99, "default", 1.5, 7, true},
-            {std::nan(""), 6, "full", std::nan(""), 6, true},
-        };
-        for (const auto &row : rows) {
-            const QString enabled = row.enabled;
-            QVector<SiPrefix> prefixes = enabled == "full" ? cvFullPrefixes : cvDefaultPrefixes;
-            if (enabled != "full" && enabled != "default") {
-                prefixes.clear();
-                for (const QString &text : enabled.split(' '))
-                    prefixes.append(ParseStringToSiPrefix(text, SiPrefix::None, nullptr));
-            }
+        const QVector<SiPrefix> kiloAndMega{SiPrefix::Kilo, SiPrefix::Mega};
+        const QVector<SiPrefix> milli{SiPrefix::Milli};
+        const QVector<SiPrefix> &full = cvFullPrefixes;
+        const QVector<SiPrefix> &usual = cvDefaultPrefixes;
+        // value, its prefix, the enabled ones; what comes out, its prefix, whether an enabled one was met
+        const std::tuple<double, int, QVector<SiPrefix>, double, int, bool> rows[]
+            = {{1000, 10, kiloAndMega, 1, 7, true},
+               {999, 10, kiloAndMega, 999, 10, false},
+               {999999, 10, kiloAndMega, 999.999, 7, true},
+               {-1234567, 10, usual, -1.234567, 6, true},
+               {0.005, 10, usual, 5, 13, true},
+               {0.5, 10, usual, 0.5, 10, false},
+               {0.5, 10, full, 5, 11, true},
+               {25, 10, full, 2.5, 9, true},
+               {5, 7, usual, 5, 7, false},
+               {2.5e6, 13, usual, 2.5, 7, true},
+               {5e-7, 7, usual, 500, 14, true},
+               {5e-4, 7, milli, 5e-4, 7, false},
+               {1e30, 10, full, 1e6, 0, true},
+               {500, 0, full, 500, 0, false},
+               {0.5, 20, full, 0.5, 20, false},
+               {0, 7, milli, 0, 7, true},
+               {1e-12, 10, full, 1e-12, 10, true},
+               {1.1e-12, 10, full, 1.1, 16, true},
+               {-HUGE_VAL, 7, full, -HUGE_VAL, 7, true},
+               {1500, 99, usual, 1.5, 7, true},
+               {std::nan(""), 6, full, std::nan(""), 6, true}};
+        for (const auto &[value, input, enabled, expected, expectedPrefix, expectedFound] : rows) {
             double adjusted = 0;
             SiPrefix prefix = SiPrefix::None;
-            const bool found = AdjustSignificantDigits(row.value, static_cast<SiPrefix>(row.input), prefixes,
-                                                       adjusted, prefix);
-            const auto told = [&row](double number, int where, bool isFound) {
-                return "%1 in %2 of %3: %4 in %5, %6"_s.arg(row.value)
-                    .arg(row.input)
-                    .arg(row.enabled)
-                    .arg(number)
-                    .arg(where)
-                    .arg(isFound);
-            };
-            QCOMPARE(told(adjusted, int(prefix), found), told(row.adjusted, row.prefix, row.found));
+            const bool found
+                = AdjustSignificantDigits(value, static_cast<SiPrefix>(input), enabled, adjusted, prefix);
+            const auto row = QString::asprintf("%g in %d: ", value, input);
+            QCOMPARE(row + QString::asprintf("%g in %d, %d", adjusted, int(prefix), found),
+                     row + QString::asprintf("%g in %d, %d", expected, expectedPrefix, expectedFound));
         }
     }
 
@@ -130,10 +110,9 @@ private Q_SLOTS:
             QString unit;
             ParseStringToSiPrefixAndRemainder(row.first(), prefix, remainder);
             QVERIFY(ParseStringToSiPrefixAndUnit(row.first(), unitPrefix, unit));
-            QCOMPARE(QStringList({row.first(), ConvertSiPrefixToString(prefix), remainder,
-                                  ConvertSiPrefixToString(unitPrefix), unit})
-                         .join('|'),
-                     row.join('|'));
+            const QStringList told{row.first(), ConvertSiPrefixToString(prefix), remainder,
+                                   ConvertSiPrefixToString(unitPrefix), unit};
+            QCOMPARE(told.join('|'), row.join('|'));
         }
     }
 
@@ -153,9 +132,9 @@ private Q_SLOTS:
             SiPrefix prefix = SiPrefix::Yocto;
             QString unit;
             QVERIFY(ParseStringToSiPrefixUnitAndValue(row.first(), value, &prefix, &unit));
-            QCOMPARE(QStringList({row.first(), QString::number(value), ConvertSiPrefixToString(prefix), unit})
-                         .join('|'),
-                     row.join('|'));
+            const QStringList told{row.first(), QString::number(value), ConvertSiPrefixToString(prefix),
+                                   unit};
+            QCOMPARE(told.join('|'), row.join('|'));
             QVERIFY(ParseStringToSiPrefixUnitAndValue(row.first(), value, nullptr, nullptr));
         }
         QCOMPARE(log.lines(), QStringList());
@@ -168,11 +147,9 @@ private Q_SLOTS:
             double value = 7;
             QVERIFY(!ParseStringToSiPrefixUnitAndValue(text, value, nullptr, nullptr));
             QCOMPARE(value, 7.0);
-            QCOMPARE(
-                log.lines(),
-                QStringList(
-                    "WARNING UnitConversion::ConvertStringToSiPrefixUnitAndValue() the provided input: "_s
-                    + text + " does not contain a valid double value"));
+            const auto line = "WARNING UnitConversion::ConvertStringToSiPrefixUnitAndValue() the provided "
+                              "input: %1 does not contain a valid double value"_s;
+            QCOMPARE(log.lines(), QStringList(line.arg(text)));
         }
     }
 
@@ -181,14 +158,12 @@ private Q_SLOTS:
         double value = 7;
         QString remainder;
         QVERIFY(ParseStringToValueAndRemainder(" 1,5  kHz "_s, value, remainder));
-        QCOMPARE(value, 1.5);
-        QCOMPARE(remainder, "kHz "_s);
+        QVERIFY(value == 1.5 && remainder == "kHz ");
         QVERIFY(ParseStringToValueAndRemainder("5\t "_s, value, remainder));
-        QCOMPARE(remainder, ""_s);
+        QVERIFY(value == 5 && remainder.isEmpty());
         for (const QString &text : {""_s, " x5"_s}) {
             QVERIFY(!ParseStringToValueAndRemainder(text, value, remainder));
-            QCOMPARE(value, 0.0);
-            QCOMPARE(remainder, text);
+            QVERIFY(value == 0 && remainder == text);
         }
     }
 };

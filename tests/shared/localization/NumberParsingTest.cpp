@@ -6,6 +6,7 @@
 #include <cstring>
 #include <support/Literals.h>
 #include <support/LongestNumber.h>
+#include <tuple>
 
 using namespace Shared::Localization;
 
@@ -64,13 +65,7 @@ private Q_SLOTS:
     void longTextsTakeLinearTime()
     {
         constexpr int many = 1000000;
-        const struct
-        {
-            const char *name;
-            QString text;
-            int length;
-            double value;
-        } rows[] = {
+        const std::tuple<const char *, QString, int, double> rows[] = {
             {"useless text", "1.5"_s + QString(many, 'x'), 3, 1.5},
             {"blanks", QString(many, ' '), 0, 0.0},
             {"zeros", QString(many, '0') + ",1", many + 2, 0.1},
@@ -82,11 +77,10 @@ private Q_SLOTS:
             {"next to too large", QString(309, '1') + "e" + QString(many, '0'), many + 310, 1e308 / 0.9},
             {"balanced", "0." + QString(many, '0') + "1e1000002" + QString(many, '9'), many + 11, 10.0},
         };
-        for (const auto &row : rows) {
+        for (const auto &[name, text, length, value] : rows) {
             double number = 0;
-            const int length = ParseLeadingNumber(row.text, number);
-            QVERIFY2(length == row.length, row.name);
-            QVERIFY2(number == row.value || qFuzzyCompare(number, row.value), row.name);
+            QVERIFY2(ParseLeadingNumber(text, number) == length, name);
+            QVERIFY2(number == value || qFuzzyCompare(number, value), name);
         }
     }
 };

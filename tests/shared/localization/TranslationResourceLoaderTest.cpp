@@ -30,14 +30,9 @@ public:
     std::function<void(QEvent *)> reaction;
 };
 
-QString voltage()
+QString translated(const char *text)
 {
-    return QCoreApplication::translate("Meter", "voltage");
-}
-
-QString current()
-{
-    return QCoreApplication::translate("Meter", "current");
+    return QCoreApplication::translate("Meter", text);
 }
 
 } // namespace
@@ -51,7 +46,7 @@ private Q_SLOTS:
     {
         qApp->setProperty("current_language", QVariant());
         qApp->setProperty("current_translators", QVariant());
-        QCOMPARE(voltage(), "voltage"_s);
+        QCOMPARE(translated("voltage"), "voltage"_s);
     }
 
     void findsItsFiles()
@@ -60,7 +55,7 @@ private Q_SLOTS:
         const TranslationResourceLoader other(nullptr, {":/Translations", ":/More"}, "Other", "_", "_lab");
         QCOMPARE(other.getSupportedLocales(), QVector<QLocale>({french}));
         QVERIFY(TranslationResourceLoader(nullptr, {"/no/such/folder"}).getSupportedLocales().isEmpty());
-        QCOMPARE(voltage(), "voltage"_s);
+        QCOMPARE(translated("voltage"), "voltage"_s);
     }
 
     void changesTheLanguage()
@@ -68,7 +63,7 @@ private Q_SLOTS:
         LanguageChanges changes;
         TranslationResourceLoader loader;
         QVERIFY(loader.changeLanguage(german));
-        QCOMPARE(voltage(), "Spannung"_s);
+        QCOMPARE(translated("voltage"), "Spannung"_s);
         QCOMPARE(qApp->property("current_language").toLocale(), german);
         QCOMPARE(qApp->property("current_translators").toStringList(),
                  QStringList(":/TranslationsTessellum_"));
@@ -78,7 +73,7 @@ private Q_SLOTS:
         QCOMPARE(changes.count, 1);
 
         QVERIFY(loader.changeLanguage(french));
-        QCOMPARE(voltage(), "tension"_s);
+        QCOMPARE(translated("voltage"), "tension"_s);
         QCOMPARE(qApp->property("current_translators").toStringList(),
                  QStringList(":/TranslationsTessellum_"));
         QCoreApplication::sendPostedEvents();
@@ -106,10 +101,10 @@ private Q_SLOTS:
         TranslationResourceLoader first;
         TranslationResourceLoader second(nullptr, {":/More"}, "Other", "_", "_lab");
         QVERIFY(first.changeLanguage(german));
-        QCOMPARE(current(), "current"_s);
+        QCOMPARE(translated("current"), "current"_s);
         QVERIFY(first.changeLanguage(french));
-        QCOMPARE(voltage(), "tension"_s);
-        QCOMPARE(current(), "courant"_s);
+        QCOMPARE(translated("voltage"), "tension"_s);
+        QCOMPARE(translated("current"), "courant"_s);
         QCOMPARE(qApp->property("current_translators").toStringList(),
                  QStringList({":/TranslationsTessellum_", ":/MoreOther__lab"}));
         QVERIFY(!second.changeLanguage(french));
@@ -121,12 +116,12 @@ private Q_SLOTS:
         TranslationResourceLoader loader(nullptr, {":/More", ":/Translations", ":/Translations"});
         changes.reaction = [&](QEvent *) { loader.changeLanguage(french); };
         QVERIFY(loader.changeLanguage(german));
-        QCOMPARE(voltage(), "tension"_s);
+        QCOMPARE(translated("voltage"), "tension"_s);
         QCOMPARE(qApp->property("current_translators").toStringList().size(), 2);
         changes.reaction = nullptr;
         QVERIFY(!loader.changeLanguage(french));
         QVERIFY(loader.changeLanguage(german));
-        QCOMPARE(voltage(), "Spannung"_s);
+        QCOMPARE(translated("voltage"), "Spannung"_s);
     }
 
     void nothingHappensDuringDestruction()
@@ -142,12 +137,9 @@ private Q_SLOTS:
         };
         loader.reset();
         QCOMPARE(changes.count, 1);
-        QCOMPARE(
-            log.lines(),
-            QStringList(
-                {"WARNING TranslationResourceLoader::changeLanguage() called during destruction, aborted",
-                 "WARNING TranslationResourceLoader::eventFilter() called during destruction, "
-                 "ignoring"}));
+        const auto line = "WARNING TranslationResourceLoader::%1() called during destruction, %2"_s;
+        QCOMPARE(log.lines(),
+                 QStringList({line.arg("changeLanguage", "aborted"), line.arg("eventFilter", "ignoring")}));
     }
 
 private:
