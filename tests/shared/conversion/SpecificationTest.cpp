@@ -112,7 +112,7 @@ private Q_SLOTS:
             {english, 0.00123, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0.001 Hz"},
             {english, 1e-13, R"(, "allowedSiPrefixes": [""])", "0;f;0", {}, "0 Hz"},
             {english, 1500, "", "8;f;1;_", {}, "_____1.5 kHz"},
-            {english, 1500, "", "8;f;1", {}, "1.5 kHz"},
+            {english, 1500, "", "8;f;1", {}, "1.5 kHz"}, // no blanks are left in front
             {english, 1, "", "3;f;0;%", {}, "%%1 Hz"},
             {english, 1500, "", "0;f;1", {{"precision_increment", 2}}, "1.500 kHz"},
             {english, 1500, "", "0;f;1", {{"precision_increment", -2}}, "1.500000 kHz"},
