@@ -1,4 +1,5 @@
 #include <shared/localization/TranslationResourceLoader.h>
+#include <shared/localization/utils/ExchangeableTranslator.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QCoreApplication>
@@ -9,6 +10,7 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <utility>
 
 namespace Shared::Localization {
 
@@ -98,8 +100,14 @@ bool TranslationResourceLoader::eventFilter(QObject *watched, QEvent *event)
 bool TranslationResourceLoader::Resource::load(const QLocale &locale)
 {
     if (!translator)
-        translator = std::make_shared<QTranslator>();
-    return translator->load(locale, prefix, separator, directory, suffix + QLatin1String(".qm"));
+        translator = std::make_shared<utils::ExchangeableTranslator>();
+    auto translations = std::make_unique<QTranslator>();
+    const bool isLoaded
+        = translations->load(locale, prefix, separator, directory, suffix + QLatin1String(".qm"));
+    if (!isLoaded)
+        translations.reset();
+    translator->exchange(std::move(translations));
+    return isLoaded;
 }
 
 void TranslationResourceLoader::scanTranslations()
@@ -158,12 +166,9 @@ QStringList TranslationResourceLoader::loadResources(const QLocale &locale)
                 (resource.directory + resource.prefix + resource.separator + resource.suffix).trimmed());
     }
     if (isReloaded) {
-        // An installed translator that is loaded again says so later, once for each: one time for all will
-        // do.
-        QCoreApplication *const application = QCoreApplication::instance();
-        QCoreApplication::removePostedEvents(application, QEvent::LanguageChange);
+        // An installed translator does not say that it has changed: one time for all will do.
         QEvent event(QEvent::LanguageChange);
-        QCoreApplication::sendEvent(application, &event);
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
     }
     return added;
 }

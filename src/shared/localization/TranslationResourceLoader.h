@@ -11,9 +11,11 @@
 
 #include <memory>
 
-class QTranslator;
-
 namespace Shared::Localization {
+
+namespace utils {
+class ExchangeableTranslator;
+}
 
 /*!
  * Finds translations, files such as "Tessellum_de_DE.qm", and installs those of the current language on the
@@ -22,8 +24,9 @@ namespace Shared::Localization {
  * (QStringList) of the application object.
  *
  * Made, used and destroyed on the application's thread, while the application object exists;
- * getSupportedLocales() may be called from any thread. Its mutex guards its state, is held while translators
- * are installed, and is taken on no other thread but by a destructor.
+ * getSupportedLocales() may be called from any thread, and all threads may translate meanwhile. Its mutex
+ * guards its state, is held while translators are installed, and is taken on no other thread but by a
+ * destructor.
  */
 class TESSELLUM_EXPORT TranslationResourceLoader : public QObject
 {
@@ -58,7 +61,7 @@ private:
         QString prefix;
         QString separator;
         QString suffix;
-        std::shared_ptr<QTranslator> translator;
+        std::shared_ptr<utils::ExchangeableTranslator> translator;
         bool installed = false;
 
         bool load(const QLocale &locale);

@@ -2,6 +2,7 @@
 
 #include <QtTest>
 
+#include <atomic>
 #include <functional>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
@@ -119,6 +120,28 @@ private Q_SLOTS:
         QVERIFY(!loader.changeLanguage(french));
         QVERIFY(loader.changeLanguage(german));
         QCOMPARE(translated("voltage"), "Spannung"_s);
+    }
+
+    void otherThreadsTranslateMeanwhile()
+    {
+        TranslationResourceLoader loader;
+        QVERIFY(loader.changeLanguage(german));
+        std::atomic<bool> ended{false};
+        QStringList untranslated;
+        std::thread translating([&] {
+            while (!ended) {
+                const QString text = translated("voltage");
+                if (text != "Spannung"_s && text != "tension"_s)
+                    untranslated.append(text);
+            }
+        });
+        bool isChanged = true;
+        for (int round = 0; round < 200; ++round)
+            isChanged = loader.changeLanguage(round % 2 == 0 ? french : german) && isChanged;
+        ended = true;
+        translating.join();
+        QVERIFY(isChanged);
+        QCOMPARE(untranslated, QStringList());
     }
 
     void nothingHappensDuringDestruction()
