@@ -6,6 +6,7 @@
 #include <shared/foundation/TemporaryFiles.h>
 
 #include <QDir>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -21,6 +23,7 @@
 namespace {
 
 const auto mark = "{51743F95-66DE-45AA-81ED-B61A4B3ECFDF}"_s;
+const auto outlive = "--outlive-the-first-thread"_s;
 
 } // namespace
 
@@ -133,6 +136,22 @@ private Q_SLOTS:
         QCOMPARE(end.si_status, SIGKILL);
     }
 
+    void processThatOutlivesItsFirstThread()
+    {
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {outlive});
+        QVERIFY(child.waitForStarted());
+        const auto isFirstThreadDead = [&] {
+            QFile file("/proc/%1/stat"_s.arg(child.processId()));
+            return file.open(QIODevice::ReadOnly) && file.readAll().contains(") Z ");
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isFirstThreadDead(), 30000);
+        const int id = int(child.processId());
+        QVERIFY(Shared::CheckIfProcessIdIsRunning(id));
+        QVERIFY(Shared::TerminateProcessById(id));
+        QVERIFY(child.waitForFinished());
+    }
+
     void temporaryFiles()
     {
         const auto file = Shared::CreateTemporaryFile("a:b."_s);
@@ -198,6 +217,10 @@ private Q_SLOTS:
 
 int main(int argc, char *argv[])
 {
+    if (argc > 1 && outlive == QLatin1String(argv[1])) {
+        std::thread([] { pause(); }).detach();
+        syscall(SYS_exit, 0); // of this thread alone
+    }
     // A folder of its own: other processes' temporary files are none of this test's business.
     QTemporaryDir folder;
     qputenv("TMPDIR", QFile::encodeName(folder.path()));

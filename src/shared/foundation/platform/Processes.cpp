@@ -63,8 +63,10 @@ bool IsProcessRunning(int processId)
         return kill(processId, 0) == 0 || errno != ESRCH;
     const QByteArray status = file.readAll();
     const QByteArray state = StatusField(status, "State");
-    return !state.startsWith('Z') && !state.startsWith('X')
-        && StatusField(status, "Tgid") == QByteArray::number(processId);
+    // The first thread's state, which may have ended while others go on.
+    const bool isDead
+        = state.startsWith('X') || (state.startsWith('Z') && StatusField(status, "Threads").toInt() < 2);
+    return !isDead && StatusField(status, "Tgid") == QByteArray::number(processId);
 }
 
 bool KillProcess(int processId)
