@@ -206,7 +206,8 @@ void MetaPropertyWrapper::waitForRefresh()
         QMetaObject::invokeMethod(this, &MetaPropertyWrapper::refresh, Qt::QueuedConnection);
     }
     const quint64 wanted = refreshesBegun + 1;
-    while (alive && refreshesDone < wanted && refreshed.wait(&mutex, refreshDeadline)) { }
+    const QDeadlineTimer deadline = refreshDeadline; // that of later readers is not this one's
+    while (alive && refreshesDone < wanted && refreshed.wait(&mutex, deadline)) { }
 }
 
 } // namespace Shared

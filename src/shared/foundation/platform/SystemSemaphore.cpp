@@ -74,14 +74,17 @@ SystemSemaphore::Result SystemSemaphore::acquire(QDeadlineTimer deadline)
         }
         if (ChangeCount(id, -1, &slice))
             return Result::Acquired;
-        if (errno == EAGAIN) {
+        if (errno == EAGAIN || errno == EINTR) {
+            // Under a profiler's signals hardly a slice is waited through; the time passes nevertheless.
+            const bool waitedThrough = errno == EAGAIN;
             if (deadline.hasExpired())
                 return Result::Failed;
-            initializeOrphan();
+            if (waitedThrough)
+                initializeOrphan();
         } else if (IsGone(errno)) {
             id = -1;
             ++attempt;
-        } else if (errno != EINTR) {
+        } else {
             return Result::Failed;
         }
     }
