@@ -43,7 +43,7 @@ Simulation::Simulation(SupplyFault simulatedFault)
 
 bool Simulation::listen()
 {
-    return server.listen(QHostAddress::LocalHost) && datagrams.bind(QHostAddress::LocalHost);
+    return server.listen(QHostAddress::LocalHost) && datagrams.bind(QHostAddress(QHostAddress::LocalHost));
 }
 
 std::optional<SupplyFault> Simulation::ParseFault(const QString &name)

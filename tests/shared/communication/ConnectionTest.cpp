@@ -311,7 +311,7 @@ void ConnectionTest::diesWhereverItIsDropped()
 void ConnectionTest::keepsDatagramsApart()
 {
     QUdpSocket peer;
-    QVERIFY(peer.bind(QHostAddress::LocalHost));
+    QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost)));
     const auto connection = udpTo(peer.localPort());
     Told told(connection);
     QVERIFY(connection->open());
@@ -335,7 +335,7 @@ void ConnectionTest::keepsDatagramsApart()
 void ConnectionTest::outlivesAPeerWithoutAConnection()
 {
     QUdpSocket peer;
-    QVERIFY(peer.bind(QHostAddress::LocalHost));
+    QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost)));
     const quint16 port = peer.localPort();
     peer.close();
     const TestSupport::LogCapture log;
@@ -344,7 +344,7 @@ void ConnectionTest::outlivesAPeerWithoutAConnection()
     QVERIFY(connection->open() && connection->onDataSend("into the void"));
     QTRY_COMPARE(log.lines(),
                  QStringList("LOG Connection::onSocketError() received socket error=Connection refused"));
-    QVERIFY(peer.bind(QHostAddress::LocalHost, port));
+    QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost), port));
     QVERIFY(connection->isConnected());
     QTRY_VERIFY(connection->onDataSend("anybody?") && peer.hasPendingDatagrams());
     peer.writeDatagram(peer.receiveDatagram().makeReply("me"));
@@ -355,7 +355,7 @@ void ConnectionTest::outlivesAPeerWithoutAConnection()
 void ConnectionTest::hearsOnAfterAWaitWithinADatagram()
 {
     QUdpSocket peer;
-    QVERIFY(peer.bind(QHostAddress::LocalHost));
+    QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost)));
     const quint16 port = peer.localPort();
     const auto connection = udpTo(port);
     Told told(connection);
@@ -374,7 +374,7 @@ void ConnectionTest::hearsOnAfterAWaitWithinADatagram()
     peer.writeDatagram("leaving", hello.senderAddress(), quint16(hello.senderPort()));
     peer.close();
     QTRY_VERIFY(hasWaited);
-    QVERIFY(peer.bind(QHostAddress::LocalHost, port));
+    QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost), port));
     peer.writeDatagram("back", hello.senderAddress(), quint16(hello.senderPort()));
     QTRY_COMPARE(told.blocks, (QList<QByteArray>{"leaving", "back"}));
     QVERIFY(connection->isConnected());
