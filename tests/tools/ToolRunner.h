@@ -9,6 +9,9 @@
 
 namespace ToolSupport {
 
+// Of a program that does not hang; it may have a hundred thousand lines to read on a machine with much to do.
+constexpr int LongestRun = 240000;
+
 /*! What a run of the program ended with. */
 struct Outcome
 {
@@ -23,7 +26,7 @@ inline Outcome runTool(const QStringList &arguments, const QByteArray &input = {
     process.start(QStringLiteral(TESSELLUM_TOOL), arguments);
     process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(LongestRun) || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
@@ -45,7 +48,7 @@ public:
     ~ShellProcess()
     {
         process.closeWriteChannel();
-        process.waitForFinished(60000);
+        process.waitForFinished(LongestRun);
     }
 
     /*! The object that answers \a command; what was heard before it is kept in heard. */
@@ -83,12 +86,12 @@ public:
     int finish()
     {
         process.closeWriteChannel();
-        return process.waitForFinished(60000) ? process.exitCode() : -1;
+        return process.waitForFinished(LongestRun) ? process.exitCode() : -1;
     }
 
     void closeInput()
     {
-        process.waitForBytesWritten(60000);
+        process.waitForBytesWritten(LongestRun);
         process.closeWriteChannel();
     }
     /*! The exit code after \a signal; -1 if it does not end, or not by itself. */
@@ -100,7 +103,7 @@ public:
     }
     int waitForExit()
     {
-        const bool hasEnded = process.state() == QProcess::NotRunning || process.waitForFinished(60000);
+        const bool hasEnded = process.state() == QProcess::NotRunning || process.waitForFinished(LongestRun);
         return hasEnded && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
     QString errors() { return QString::fromUtf8(process.readAllStandardError()); }
@@ -110,7 +113,7 @@ public:
     QJsonObject next()
     {
         while (!process.canReadLine()) {
-            if (!process.waitForReadyRead(60000))
+            if (!process.waitForReadyRead(LongestRun))
                 return {{"error", QString("no line came")}};
         }
         return QJsonDocument::fromJson(process.readLine()).object();
