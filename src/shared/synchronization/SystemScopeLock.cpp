@@ -40,12 +40,6 @@ QString BehindFirstField(const QString &data)
     return data.mid(position);
 }
 
-/*! A text as it comes out of a mark: what the system's encoding does not have has become something else. */
-QString AsMarked(const QString &text)
-{
-    return QString::fromLocal8Bit(text.toLocal8Bit());
-}
-
 /*! Whether nobody else is attached to the memory of this system's name. */
 bool IsUnused(const QString &nativeKey)
 {
@@ -260,10 +254,7 @@ bool SystemScopeLock::isOwnerAlive(int processId, const QString &data) const
         file.chop(deleted.size());
     // Of the path only the beginning may have had room, and it may hold a separator.
     const bool cut = data.toLocal8Bit().size() >= memory.size() - 1;
-    const auto names = [&](const QString &program) {
-        return (path + separator).startsWith(program + separator) || (cut && program.startsWith(path));
-    };
-    return names(file) || names(AsMarked(file));
+    return (path + separator).startsWith(file + separator) || (cut && file.startsWith(path));
 }
 
 } // namespace Shared::Synchronization

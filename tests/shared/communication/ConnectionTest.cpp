@@ -3,7 +3,6 @@
 #include <shared/communication/connections/UdpConnection.h>
 
 #include <QNetworkDatagram>
-#include <QtConcurrent>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
@@ -14,6 +13,7 @@
 #include <support/Literals.h>
 #include <support/LogCapture.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Shared::Communication::Connections;
@@ -268,7 +268,11 @@ void ConnectionTest::isUsedFromOtherThreads()
 {
     const auto connection = tcpTo(server->serverPort(), 5);
     Told told(connection);
-    const auto elsewhere = [](const std::function<bool()> &call) { return QtConcurrent::run(call).result(); };
+    const auto elsewhere = [](const std::function<bool()> &call) {
+        bool result = false;
+        std::thread([&] { result = call(); }).join();
+        return result;
+    };
     QVERIFY(!elsewhere([&] { return connection->onDataSend("early") || connection->close(1); }));
     QVERIFY(elsewhere([&] { return connection->open(); }));
     QTRY_COMPARE(told.signalNames, QStringList("up"));
@@ -303,7 +307,7 @@ void ConnectionTest::diesWhereverItIsDropped()
     watched = connection.get();
     QVERIFY(connection->open());
     const auto other = accept();
-    QtConcurrent::run([last = std::move(connection)]() mutable { last.reset(); }).waitForFinished();
+    std::thread([last = std::move(connection)]() mutable { last.reset(); }).join();
     QTRY_VERIFY(!watched);
     QTRY_COMPARE(other->state(), QAbstractSocket::UnconnectedState);
 }

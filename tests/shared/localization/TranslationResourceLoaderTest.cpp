@@ -136,7 +136,7 @@ private Q_SLOTS:
             }
         });
         bool isChanged = true;
-        for (int round = 0; round < 200; ++round)
+        for (int round = 0; round < 20000; ++round)
             isChanged = loader.changeLanguage(round % 2 == 0 ? french : german) && isChanged;
         ended = true;
         translating.join();

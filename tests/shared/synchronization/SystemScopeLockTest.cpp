@@ -1,18 +1,13 @@
 #include <shared/synchronization/SystemScopeLock.h>
 
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
 #include <cstdio>
 #include <iostream>
-#include <spawn.h>
 #include <string>
 #include <support/Literals.h>
 #include <support/LogCapture.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using Shared::Synchronization::SystemScopeLock;
 
@@ -177,30 +172,6 @@ private Q_SLOTS:
         QTEST(lock.isInUse(), "used");
     }
 
-    void programWhoseNameTheEncodingDoesNotHave()
-    {
-        const QTemporaryDir folder;
-        const QByteArray plain = QFile::encodeName(folder.filePath("program"_s));
-        const QByteArray program = plain + "\xC3\xBC";
-        QVERIFY(QFile::copy("/bin/sleep"_s, QFile::decodeName(plain)));
-        QCOMPARE(std::rename(plain.constData(), program.constData()), 0);
-        QByteArray name("sleep"), seconds("600");
-        char *const arguments[] = {name.data(), seconds.data(), nullptr};
-        pid_t owner = 0;
-        QCOMPARE(posix_spawn(&owner, program.constData(), nullptr, nullptr, arguments, environ), 0);
-        bool used = false;
-        {
-            SystemScopeLock lock(Key(), markSize);
-            // As that program would have marked it.
-            used = lock.appendData(QString::number(owner) + '|' + QFile::decodeName(program))
-                && lock.isInUse();
-        }
-        ::kill(owner, SIGKILL);
-        QCOMPARE(waitpid(owner, nullptr, 0), owner);
-        std::remove(program.constData());
-        QVERIFY(used);
-    }
-
     void shortAndImpossibleSegments()
     {
         for (const int size : {1, 12}) {
@@ -229,7 +200,6 @@ private Q_SLOTS:
 
 int main(int argc, char *argv[])
 {
-    qputenv("LC_ALL", "C"); // the encoding that has the least
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == "--child"_s)
