@@ -39,7 +39,7 @@ public:
      * out. */
     bool quitAndJoin(int milliseconds = -1);
 
-    /*! Counts a node that was handed to its thread for deletion. For the deleter of nodes. */
+    /*! Counts a node after it was handed to its thread for deletion. For the deleter of nodes. */
     static void CountRelease();
 
 protected:

@@ -13,8 +13,9 @@ struct NodeReleaser
 {
     void operator()(Shared::Hierarchy::HierarchyNode *node) const
     {
-        Core::RepositoryHierarchyThreadProvider::CountRelease();
         Shared::Hierarchy::HierarchyNode::Release(node);
+        // Behind it: a barrier that counts this one must find its deletion in the event thread's queue.
+        Core::RepositoryHierarchyThreadProvider::CountRelease();
     }
 };
 
