@@ -5,6 +5,9 @@
 #include <QRegularExpression>
 #include <QVector>
 
+#include <deque>
+#include <utility>
+
 namespace {
 
 /*! Why a schema is not given to RapidJSON, or where RapidJSON gave it up. */
@@ -22,6 +25,30 @@ struct UnusableSchema
 {
     refuse(QStringLiteral("RapidJSON cannot take it"));
 }
+
+/*! Owns the expressions of the schema that its thread validates by: RapidJSON does not destroy the parts of a
+ * schema that is given up on the way. */
+class SchemaExpressions
+{
+public:
+    SchemaExpressions()
+        : outer(std::exchange(current, this))
+    { }
+    ~SchemaExpressions() { current = outer; }
+    Q_DISABLE_COPY_MOVE(SchemaExpressions)
+
+    static const QRegularExpression &Make(const QString &pattern)
+    {
+        return current->expressions.emplace_back(pattern);
+    }
+
+private:
+    static thread_local SchemaExpressions *current;
+    std::deque<QRegularExpression> expressions; // which stay where they are
+    SchemaExpressions *const outer;
+};
+
+thread_local SchemaExpressions *SchemaExpressions::current = nullptr;
 
 } // namespace
 
@@ -43,13 +70,13 @@ class GenericRegex<UTF8<>, CrtAllocator>
 {
 public:
     explicit GenericRegex(const char *source)
-        : expression(QString::fromUtf8(source))
+        : expression(SchemaExpressions::Make(QString::fromUtf8(source)))
     { }
     bool IsValid() const { return expression.isValid(); }
     bool Search(const char *text) const { return expression.match(QString::fromUtf8(text)).hasMatch(); }
 
 private:
-    const QRegularExpression expression;
+    const QRegularExpression &expression;
 };
 
 } // namespace rapidjson::internal
@@ -338,6 +365,7 @@ bool validateAgainst(const SchemaDocument &schema, const QByteArray &text, int d
 bool RapidJsonValidator::validate(const QByteArray &document, const QByteArray &schema)
 {
     errors.clear();
+    const SchemaExpressions expressions;
     Pool pool; // keeps what a schema that is given up on the way has taken
     rapidjson::Document parsed;
     if (!parse(parsed, schema, errors)) {

@@ -115,6 +115,7 @@ void JsonFileTest::badSchemasAreRefused()
              R"({"a":1,"items":{"$ref":"#/a"}})",
              R"({"anyOf":[true]})",
              R"({"patternProperties":{"a":1}})",
+             R"({"unknown":{"a":{"pattern":"x"},"b":{"patternProperties":true}}})",
              R"({"dependencies":{"a":[1]}})",
              "[]",
          }) {
