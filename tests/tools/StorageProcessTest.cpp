@@ -107,6 +107,8 @@ void StorageProcessTest::theServerIsKilled()
                                   QStringList(QString("\"plant.live%1\",%1,true,-1").arg(round)), Patience);
         QVERIFY(host->succeeds(numbered("remove entry plant.live#", round)));
         QTRY_COMPARE_WITH_TIMEOUT(contents(mirror, "live"), QStringList(), Patience);
+        // A host tells all its peers of "live": who follows "disk" would keep it, if the host ended now.
+        QTRY_COMPARE_WITH_TIMEOUT(contents(mirror, "disk"), stored(), Patience);
     }
 }
 
