@@ -58,8 +58,8 @@ private Q_SLOTS:
         for (StorageMirror &client : clients) {
             QTRY_COMPARE_WITH_TIMEOUT(contents(client, "live"), contents(*host, "live"), Patience);
             for (int i = 0; i < Values; ++i)
-                QCOMPARE(client.ask(numbered("get far.plant.a#", i)),
-                         host->ask(numbered("get host.plant.a#", i)));
+                QTRY_COMPARE_WITH_TIMEOUT(client.ask(numbered("get far.plant.a#", i)),
+                                          host->ask(numbered("get host.plant.a#", i)), Patience);
         }
     }
     void cleanup() { QCOMPARE(host ? host->endBy(SIGTERM) : 0, 0); }
