@@ -5,6 +5,7 @@
 #include <core/PluginLoader.h>
 #include <core/utils/LibraryHash.h>
 #include <notification/RepositoryLocks.h>
+#include <shared/foundation/platform/LibraryFile.h>
 #include <shared/logging/FrameworkLog.h>
 
 #include <QDir>
@@ -50,6 +51,8 @@ qint64 utils::LoadPluginFiles(const QString &directory, const QStringList &patte
     qint64 registered = 0;
     const QFileInfoList files = QDir(directory).entryInfoList(patterns, QDir::Files, QDir::NoSort);
     for (const QFileInfo &file : files) {
+        if (Shared::Foundation::Platform::IsCutLibrary(file.absoluteFilePath()))
+            continue; // the process would not survive it
         constexpr int version = 1;
         // Going out of scope it does not unload, since load() was called for good.
         QLibrary library(file.absoluteFilePath(), version);

@@ -84,7 +84,8 @@ private Q_SLOTS:
         QVERIFY(QDir(plugins.path()).mkdir("folder.bp"));
         plugins.write("no library", "text.bp");
         const QByteArray plugin = plugins.read(FOLDER_BACKEND);
-        plugins.write(plugin.left(plugin.size() / 2), "half.bp");
+        for (int part = 0; part < 32; ++part)
+            plugins.write(plugin.left(plugin.size() / 64 * part), QString("cut%1.bp").arg(part));
         QCOMPARE(initializeLibrary(), 0);
         const TestSupport::LogCapture log;
         QCOMPARE(addPluginSearchPath(plugins.path()), 0);
