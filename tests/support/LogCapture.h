@@ -5,18 +5,20 @@
 #include <QMutex>
 #include <QStringList>
 
+#include <memory>
+
 namespace TestSupport {
 
-// Collects what is logged, as "LEVEL text", for as long as it lives.
+// Collects what is logged, as "LEVEL text", for as long as it lives. Another thread may be at a line by then.
 class LogCapture
 {
 public:
     LogCapture()
         : handle(Shared::Logging::LogHandler::RegisterMessageSink(
-            [this](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &level,
-                   const QString &message) {
-                QMutexLocker locker(&mutex);
-                collected.append(QString(level) + QLatin1Char(' ') + message);
+            [kept = state](const Shared::Logging::LogMessageContext &, const Shared::Logging::LogLevel &level,
+                           const QString &message) {
+                QMutexLocker locker(&kept->mutex);
+                kept->lines.append(QString(level) + QLatin1Char(' ') + message);
             }))
     { }
     ~LogCapture() { Shared::Logging::LogHandler::UnregisterMessageSink(handle); }
@@ -25,13 +27,18 @@ public:
 
     QStringList lines() const
     {
-        QMutexLocker locker(&mutex);
-        return collected;
+        QMutexLocker locker(&state->mutex);
+        return state->lines;
     }
 
 private:
-    mutable QMutex mutex;
-    QStringList collected;
+    struct State
+    {
+        QMutex mutex;
+        QStringList lines;
+    };
+
+    const std::shared_ptr<State> state = std::make_shared<State>();
     QString handle;
 };
 
