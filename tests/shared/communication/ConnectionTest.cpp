@@ -302,7 +302,6 @@ void ConnectionTest::diesWhereverItIsDropped()
     peer->write("the end");
     QTRY_VERIFY(!watched);
     QTRY_COMPARE(peer->state(), QAbstractSocket::UnconnectedState);
-
     connection = tcpTo(server->serverPort(), 5);
     watched = connection.get();
     QVERIFY(connection->open());
@@ -381,7 +380,6 @@ void ConnectionTest::hearsOnAfterAWaitWithinADatagram()
     QVERIFY(peer.bind(QHostAddress(QHostAddress::LocalHost), port));
     peer.writeDatagram("back", hello.senderAddress(), quint16(hello.senderPort()));
     QTRY_COMPARE(told.blocks, (QList<QByteArray>{"leaving", "back"}));
-    QVERIFY(connection->isConnected());
 }
 
 void ConnectionTest::answersWithoutADevice()
