@@ -6,6 +6,7 @@
 #include <QWebSocket>
 
 #include <algorithm>
+#include <memory>
 
 namespace Tessellum::Notification::utils {
 
@@ -14,6 +15,11 @@ namespace {
 constexpr int ChecksInPatience = 5;
 
 } // namespace
+
+void ClientSocketGuard::Guard(QWebSocket *guarded, qint64 mostAnswers, End end)
+{
+    static_cast<void>(std::make_unique<ClientSocketGuard>(guarded, mostAnswers, end).release());
+}
 
 ClientSocketGuard::ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, End end, int mostPatience)
     : QObject(guarded)

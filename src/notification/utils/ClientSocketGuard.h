@@ -27,6 +27,9 @@ public:
     enum class End { Server, Client };
     static constexpr int DefaultPatience = 10000;
 
+    /*! Makes the guard of \a guarded, which owns it. */
+    static void Guard(QWebSocket *guarded, qint64 mostAnswers, End end);
+
     /*! For a connected socket of \a end. \a mostAnswers in bytes, \a mostPatience in milliseconds. */
     ClientSocketGuard(QWebSocket *guarded, qint64 mostAnswers, End end, int mostPatience = DefaultPatience);
 

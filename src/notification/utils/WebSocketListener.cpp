@@ -128,8 +128,7 @@ void WebSocketListener::endHandshakes()
         socket->setMaxAllowedIncomingMessageSize(quint64(limit));
         socket->setMaxAllowedIncomingFrameSize(quint64(limit));
         socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize()); // a message is one frame
-        std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Server)
-            .release(); // a child
+        ClientSocketGuard::Guard(socket, limit, ClientSocketGuard::End::Server);
         Q_EMIT connected(socket);
     }
 }

@@ -218,7 +218,7 @@ void RemoteBackendClient::onConnected()
 {
     FrameworkLog().log() << "RemoteBackendClient::onConnected() id=" << describedUrl();
     Notification::utils::SendWithoutDelay(*socket);
-    std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Client).release(); // a child
+    ClientSocketGuard::Guard(socket, limit, ClientSocketGuard::End::Client);
     isEstablished = true;
     publishStatus(QStringLiteral("established"));
     const QString frame

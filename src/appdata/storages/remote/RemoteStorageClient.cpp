@@ -164,7 +164,7 @@ void RemoteStorageClient::makeSocket()
 void RemoteStorageClient::onConnected()
 {
     Notification::utils::SendWithoutDelay(*socket);
-    std::make_unique<ClientSocketGuard>(socket, limit, ClientSocketGuard::End::Client).release(); // a child
+    ClientSocketGuard::Guard(socket, limit, ClientSocketGuard::End::Client);
     if (attributes)
         attributes->showChild(status, QStringLiteral("established"));
     const QString init
