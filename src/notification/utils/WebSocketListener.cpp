@@ -108,13 +108,13 @@ void WebSocketListener::beginHandshake(QTcpSocket *socket)
 
 /*! Tick by tick: a peer whose bytes this thread was too busy to read for seconds gets the turns that it
  * takes. */
-void WebSocketListener::awaitHandshake(quint16 port, const QPointer<QTcpSocket> &socket, int ticks)
+void WebSocketListener::awaitHandshake(quint16 port, QPointer<QTcpSocket> socket, int ticks)
 {
-    QTimer::singleShot(handshakeTick, &context, [this, port, socket, ticks] {
+    QTimer::singleShot(handshakeTick, &context, [this, port, socket = std::move(socket), ticks]() mutable {
         if (!socket || !unfinished.contains(port, socket))
             return;
         if (ticks > 1)
-            awaitHandshake(port, socket, ticks - 1);
+            awaitHandshake(port, std::move(socket), ticks - 1);
         else
             socket->abort();
     });

@@ -39,7 +39,7 @@ Q_SIGNALS:
 private:
     void takeSockets();
     void beginHandshake(QTcpSocket *socket);
-    void awaitHandshake(quint16 port, const QPointer<QTcpSocket> &socket, int ticks);
+    void awaitHandshake(quint16 port, QPointer<QTcpSocket> socket, int ticks);
     void refuse(QTcpSocket *socket);
     void pause(const QString &reason);
     void endHandshakes();
