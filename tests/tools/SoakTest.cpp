@@ -15,7 +15,12 @@ constexpr int Patience = 60000;
 constexpr int Values = 5;
 constexpr int Batch = 100; // of changes; one is due each millisecond
 constexpr int Round = 1000; // after so many all clients have to have followed
-constexpr qint64 MostGrowth = 4 << 20; // of a process, in bytes
+// Of a process, in bytes. A sanitizer keeps books on each allocation.
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 MostGrowth = 64 << 20;
+#else
+constexpr qint64 MostGrowth = 4 << 20;
+#endif
 constexpr int MostNewThreads = 16; // those of the pools come and go
 
 } // namespace
