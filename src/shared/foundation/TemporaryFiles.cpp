@@ -47,7 +47,7 @@ void RemoveStaleFiles(const QString &pattern)
 
 } // namespace
 
-std::shared_ptr<QTemporaryFile> CreateTemporaryFile(QString name)
+std::shared_ptr<QTemporaryFile> CreateTemporaryFile(const QString &name)
 {
     static const QString basePath = QDir::temp().absoluteFilePath(FileNameOfAll(QStringLiteral(".XXXXXX")));
     auto file = std::make_shared<QTemporaryFile>(basePath + ValidName(name));
@@ -55,7 +55,7 @@ std::shared_ptr<QTemporaryFile> CreateTemporaryFile(QString name)
     return file;
 }
 
-QFuture<void> CleanTemporaryFiles(QString name)
+QFuture<void> CleanTemporaryFiles(const QString &name)
 {
     return QtConcurrent::run(RemoveStaleFiles, FileNameOfAll(QStringLiteral(".*")) + ValidName(name));
 }
