@@ -90,12 +90,16 @@ private:
         };
         QVERIFY(addMany(2 * capacity));
         QCOMPARE(entry->getNumberOfChildren(), quint64(capacity));
-        const size_t before = mallinfo2().uordblks;
-        QVERIFY(addMany(adds));
-        const size_t after = mallinfo2().uordblks;
+        // What a peak of the queues leaves behind comes once, a leak with each round. The least that an add
+        // could leave behind are 32 bytes.
+        bool grows = true;
+        for (int round = 0; grows && round < 3; ++round) {
+            const size_t before = mallinfo2().uordblks;
+            QVERIFY(addMany(adds));
+            grows = mallinfo2().uordblks >= before + 24 * adds;
+        }
+        QVERIFY(!grows);
         QCOMPARE(entry->getNumberOfChildren(), quint64(capacity));
-        // The least that an add could leave behind are 32 bytes.
-        QVERIFY2(after < before + 24 * adds, qPrintable(QString::number(qint64(after - before))));
     }
 
 private Q_SLOTS:
