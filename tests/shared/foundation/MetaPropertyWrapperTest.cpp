@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include <support/Literals.h>
+#include <functional>
 #include <thread>
 
 using Shared::MetaPropertyWrapper;
@@ -78,6 +79,18 @@ QVariant Read(const MetaPropertyWrapperPtr &wrapper, QMetaType::Type type = unty
     return wrapper->readProperty(type, value) ? value : QVariant("failed");
 }
 
+/*! Whether \a read gives \a value without a wait for the blocked owner; a busy machine may hold up some
+ * tries. */
+bool IsQuick(const std::function<QVariant()> &read, const QVariant &value)
+{
+    qint64 milliseconds = 90;
+    for (int i = 0; milliseconds >= 90 && i < 5; ++i) {
+        if (WhileBlocked(read, &milliseconds) != value)
+            return false;
+    }
+    return milliseconds < 90;
+}
+
 } // namespace
 
 class MetaPropertyWrapperTest : public QObject
@@ -128,14 +141,11 @@ private Q_SLOTS:
         owner.setProperty("text", "a");
         owner.value = 5; // the copy does not know
         qint64 milliseconds = 0;
-        QCOMPARE(WhileBlocked([&] { return Read(text); }, &milliseconds), QVariant("a"));
-        QVERIFY2(milliseconds < 90, "a property with a signal needs nobody");
+        QVERIFY2(IsQuick([&] { return Read(text); }, "a"), "a property with a signal needs nobody");
         QCOMPARE(WhileBlocked([&] { return Read(level); }, &milliseconds), QVariant(0));
         QVERIFY(milliseconds >= 99);
-        QCOMPARE(WhileBlocked([&] { return level->writeProperty("42") ? Read(level) : QVariant(); },
-                              &milliseconds),
-                 QVariant(42));
-        QVERIFY2(milliseconds < 90, "the thread is known to be blocked");
+        QVERIFY2(IsQuick([&] { return level->writeProperty("42") ? Read(level) : QVariant(); }, 42),
+                 "the thread is known to be blocked");
         QCOMPARE(owner.value, 5);
         QCOMPARE(Read(level), QVariant(42));
         QTRY_COMPARE(owner.value, 42);
