@@ -3,8 +3,8 @@
 #include <QThread>
 #include <QtTest>
 
-#include <support/Literals.h>
 #include <functional>
+#include <support/Literals.h>
 #include <thread>
 
 using Shared::MetaPropertyWrapper;
