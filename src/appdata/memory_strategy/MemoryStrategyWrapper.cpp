@@ -1,6 +1,7 @@
 #include <appdata/memory_strategy/MemoryStrategyWrapper.h>
 #include <notification/utils/ExceptionBarrier.h>
 
+#include <QPointer>
 #include <QReadLocker>
 #include <QTimer>
 #include <QWriteLocker>
@@ -109,8 +110,11 @@ void MemoryStrategyWrapper::emitAnnounced()
     if (!hasStrategy())
         return;
     sinceEmission.start();
+    // An element that unloads may be the last to hold its entry, and with it this.
+    const QPointer<MemoryStrategyWrapper> self(this);
     Q_EMIT invalidated();
-    emissionMilliseconds = sinceEmission.restart();
+    if (self)
+        emissionMilliseconds = sinceEmission.restart();
 }
 
 qint64 MemoryStrategyWrapper::millisecondsToWait() const
