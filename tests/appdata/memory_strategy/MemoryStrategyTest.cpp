@@ -271,6 +271,24 @@ private Q_SLOTS:
         QCOMPARE(repository->getStrategyType("strategy", "other"), QString());
         QCOMPARE(repository->getStrategyType("Strategy.test", "bright"), QString());
     }
+
+    // A listener may hold the last pointer to it.
+    void mayEndWithinItsEmission()
+    {
+        auto wrapper = MakeEventThreadObject<MemoryStrategyWrapper>();
+        QVERIFY(wrapper->setStrategy(std::make_shared<ThrowingStrategy>()));
+        QSemaphore ended;
+        MemoryStrategyWrapper *const emitting = wrapper.get();
+        QObject::connect(
+            emitting, &MemoryStrategy::invalidated, emitting,
+            [&ended, last = std::move(wrapper)]() mutable {
+                last.reset();
+                ended.release();
+            },
+            Qt::DirectConnection);
+        emitting->announceElement("x");
+        QVERIFY(ended.tryAcquire(1, StorageTwin::Patience));
+    }
 };
 
 QTEST_GUILESS_MAIN(MemoryStrategyTest)
