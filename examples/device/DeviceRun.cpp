@@ -178,17 +178,16 @@ bool DeviceRun::update(const QString &path, double value)
 
 bool DeviceRun::setTyped(const QString &quantity, const QString &text)
 {
-    const auto specification = units.find(quantity);
+    const auto known = units.find(quantity);
     double value = 0;
     SiPrefix prefix = SiPrefix::None;
     QString unit;
-    if (specification == units.end() || !ParseStringToSiPrefixUnitAndValue(text, value, &prefix, &unit)
-        || unit != specification->second.getUnitSpecification().unitString)
+    if (known == units.end() || !ParseStringToSiPrefixUnitAndValue(text, value, &prefix, &unit)
+        || unit != known->second.getUnitSpecification().unitString)
         return step(QStringLiteral("%1: \"%2\" cannot be read").arg(quantity, text), false);
-    value
-        = ConvertValueToTargetPrefix(value, prefix, specification->second.getUnitSpecification().inputPrefix);
+    value = ConvertValueToTargetPrefix(value, prefix, known->second.getUnitSpecification().inputPrefix);
     const QString told = shown(quantity, value, true);
-    specification->second.clipToRange(value, {{QStringLiteral("clipping"), true}});
+    known->second.clipToRange(value, {{QStringLiteral("clipping"), true}});
     const auto status = set(Quantities::Names().indexOf(quantity), value);
     return step(QStringLiteral("%1: \"%2\" is set as %3: %4").arg(quantity, text, told, nameOf(status)),
                 status == Supply::Status::Ok && update(settingPath(quantity), value));

@@ -17,19 +17,19 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *bytes, size_t size)
     const __lsan::ScopedDisabler untracked;
     const auto document
         = QJsonDocument::fromJson(QByteArray(reinterpret_cast<const char *>(bytes), int(size)));
-    const auto specification
+    const auto quantity
         = Specification::ParseSpecificationFromJson(QStringLiteral("fuzz"), document.object(), {});
-    const UnitSpecification &unit = specification.getUnitSpecification();
+    const UnitSpecification &unit = quantity.getUnitSpecification();
     Fuzz::Require(unit.enabledPrefixes.contains(unit.inputPrefix));
     const Specification::Options options{{QStringLiteral("clipping"), {}}};
     for (const double value : {0.0, -0.0045, 1234567.0, 1e308, -qInf(), qQNaN()}) {
         double clipped = value;
-        specification.clipToRange(clipped, options);
+        quantity.clipToRange(clipped, options);
         Fuzz::Require(qIsNaN(value) || !unit.isValid()
                       || !(clipped < unit.minimumRange || clipped > unit.maximumRange));
-        const auto &format = specification.getFormatSpecificationFromValue(value, unit.inputPrefix);
+        const auto &format = quantity.getFormatSpecificationFromValue(value, unit.inputPrefix);
         Fuzz::Require(FormatSpecification(format).isValid());
-        const QString text = specification.bestFitConversion(QLocale::c(), value, options);
+        const QString text = quantity.bestFitConversion(QLocale::c(), value, options);
         Fuzz::Require(text.endsWith(unit.unitString.trimmed()));
     }
     return 0;

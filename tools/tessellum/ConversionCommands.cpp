@@ -62,7 +62,7 @@ QByteArray contentOf(const QString &name)
     return file.readAll();
 }
 
-Specification specificationIn(const QString &name)
+Specification quantityIn(const QString &name)
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(contentOf(name), &error);
@@ -91,9 +91,9 @@ void formatValue(const Words &words, QTextStream &out)
         = isFixed ? ParseStringToSiPrefix(*prefixText, SiPrefix::None, &isPrefix) : SiPrefix::None;
     if (!isPrefix)
         FailUsage(QStringLiteral("%1 is no prefix").arg(*prefixText));
-    const Specification specification = specificationIn(words.options.value(QStringLiteral("--spec")));
-    out << (isFixed ? specification.fixedPrefixConversion(locale, value, prefix, {})
-                    : specification.bestFitConversion(locale, value, {}))
+    const Specification quantity = quantityIn(words.options.value(QStringLiteral("--spec")));
+    out << (isFixed ? quantity.fixedPrefixConversion(locale, value, prefix, {})
+                    : quantity.bestFitConversion(locale, value, {}))
         << '\n';
 }
 

@@ -81,10 +81,10 @@ void ShowBestFit(benchmark::State &state)
 {
     const auto document = QJsonDocument::fromJson(
         R"({"unit": {"baseUnit": "Hz"}, "format": {"default": "0;f;3", "1": "0;f;1"}})");
-    const auto specification
+    const auto frequency
         = Specification::ParseSpecificationFromJson(QStringLiteral("f"), document.object(), {});
     for (auto _ : state)
-        benchmark::DoNotOptimize(specification.bestFitConversion(german, shownValue, {}));
+        benchmark::DoNotOptimize(frequency.bestFitConversion(german, shownValue, {}));
     state.counters["aim"] = 5;
 }
 BENCHMARK(ShowBestFit)->UseRealTime();

@@ -32,9 +32,9 @@ int leadingZeros(double value)
 
 } // namespace
 
-FormatSpecification::FormatSpecification(const QString &specification)
+FormatSpecification::FormatSpecification(const QString &definition)
     : expression(SharedExpression())
-    , text(specification)
+    , text(definition)
     , valid(expression.exactMatch(text))
 {
     if (!valid)
@@ -62,8 +62,8 @@ FormatSpecification FormatSpecification::ParseFormatSpecificationFromJson(const 
 
 const FormatSpecification &FormatSpecification::GetDefault()
 {
-    static const auto *const specification = new FormatSpecification(QStringLiteral("0;g;-1;"));
-    return *specification;
+    static const auto *const format = new FormatSpecification(QStringLiteral("0;g;-1;"));
+    return *format;
 }
 
 QString FormatSpecification::formatDouble(const double &value, const QLocale &locale,

@@ -22,7 +22,7 @@ class TESSELLUM_EXPORT FormatSpecification
 {
 public:
     /*! Reads the text; where it is no format, the object is not valid and has the values of "0;g;-1;". */
-    explicit FormatSpecification(const QString &specification);
+    explicit FormatSpecification(const QString &definition);
     /*! Goes through the text of the values, so the copy of one that is not valid is valid. */
     FormatSpecification(const FormatSpecification &other);
     FormatSpecification &operator=(const FormatSpecification &other) = default;

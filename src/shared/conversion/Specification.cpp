@@ -67,36 +67,36 @@ QString withPrefixAndUnit(const QString &text, const QString &prefix, const QStr
 
 } // namespace
 
-Specification::Specification(const QString &specificationIdentification)
-    : identification(specificationIdentification)
+Specification::Specification(const QString &nameOfQuantity)
+    : identification(nameOfQuantity)
 { }
 
 Specification Specification::ParseSpecificationFromJson(const QString &identification,
                                                         const QJsonObject &document,
                                                         const CustomFormatter &customFormatter)
 {
-    Specification specification(identification);
-    specification.isDefaultSpecification = false;
-    specification.formatter = customFormatter;
-    specification.unit
+    Specification parsed(identification);
+    parsed.isParsed = true;
+    parsed.formatter = customFormatter;
+    parsed.unit
         = UnitSpecification::ParseUnitSpecificationFromJson(document.value(QLatin1String("unit")).toObject());
-    specification.visualization = VisualizationSpecification::ParseVisualizationSpecificationFromJson(
+    parsed.visualization = VisualizationSpecification::ParseVisualizationSpecificationFromJson(
         document.value(QLatin1String("visualization")).toObject());
 
     const Formats common = parseFormats(document.value(QLatin1String("format")).toObject());
-    QVector<SiPrefix> prefixes = specification.unit.enabledPrefixes;
+    QVector<SiPrefix> prefixes = parsed.unit.enabledPrefixes;
     if (!prefixes.contains(SiPrefix::None))
         prefixes.append(SiPrefix::None);
     for (const SiPrefix prefix : qAsConst(prefixes)) {
-        if (specification.rangedFormats.contains(prefix))
+        if (parsed.rangedFormats.contains(prefix))
             continue;
         const QString key = formatsKey(prefix);
         const bool hasOwn = prefix != SiPrefix::None && document.contains(key);
         const Formats formats = hasOwn ? parseFormats(document.value(key).toObject()) : common;
-        specification.rangedFormats.insert(prefix, formats.ranged);
-        specification.defaultFormats.insert(prefix, formats.fallback);
+        parsed.rangedFormats.insert(prefix, formats.ranged);
+        parsed.defaultFormats.insert(prefix, formats.fallback);
     }
-    return specification;
+    return parsed;
 }
 
 const FormatSpecification &Specification::getFormatSpecificationFromValue(const double &value,

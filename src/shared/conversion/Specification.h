@@ -34,8 +34,8 @@ public:
 
     enum class ValueClipping : int { None = 0, Minimum = 1, Maximum = 2 };
 
-    /*! The default specification: no unit, no limits, no prefixes. */
-    explicit Specification(const QString &identification);
+    /*! One with the defaults: no unit, no limits, no prefixes. */
+    explicit Specification(const QString &nameOfQuantity);
     virtual ~Specification() = default;
     Specification(const Specification &) = default;
     Specification(Specification &&) = default;
@@ -56,7 +56,7 @@ public:
     const UnitSpecification &getUnitSpecification() const { return unit; }
     const VisualizationSpecification &getVisualizationSpecification() const { return visualization; }
     /*! Whether this was not read from a document. */
-    bool isDefault() const { return isDefaultSpecification; }
+    bool isDefault() const { return !isParsed; }
 
     /*! The format for a value of that magnitude, counted in \a prefix; valid for as long as this object. */
     const FormatSpecification &getFormatSpecificationFromValue(const double &value,
@@ -96,7 +96,7 @@ private:
     QHash<SiPrefix, QList<RangedFormatSpecification>> rangedFormats;
     QHash<SiPrefix, FormatSpecification> defaultFormats;
     VisualizationSpecification visualization;
-    bool isDefaultSpecification = true;
+    bool isParsed = false;
     CustomFormatter formatter;
 };
 

@@ -40,17 +40,17 @@ private Q_SLOTS:
 
     void readsUnitsAndVisualizations()
     {
-        const Specification specification = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "m",
+        const Specification quantity = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "m",
             "allowedSiPrefixes": ["k", "x", "", 5], "minimum": "-1,5", "maximum": "1e3", "scaling": "2.5"},
             "visualization": {"availableRepresentations": ["a", 1], "availableOptions": ["b"],
             "availableParsingOptions": ["c"]}})");
-        const UnitSpecification &unit = specification.getUnitSpecification();
+        const UnitSpecification &unit = quantity.getUnitSpecification();
         QVERIFY(unit.isValid() && unit.unitString == "V");
         QCOMPARE(unit.enabledPrefixes, QVector<SiPrefix>({SiPrefix::Kilo, SiPrefix::None, SiPrefix::Milli}));
         QCOMPARE(unit.minimumRange, -1.5);
         QCOMPARE(unit.maximumRange, 1000.0);
         QCOMPARE(unit.scalingFactor, 2.5);
-        const VisualizationSpecification &visualization = specification.getVisualizationSpecification();
+        const VisualizationSpecification &visualization = quantity.getVisualizationSpecification();
         QVERIFY(visualization.hasRepresentation("a") && !visualization.hasRepresentation("b"));
         QVERIFY(visualization.hasOption("b") && !visualization.hasOption("B"));
         QVERIFY(visualization.hasParsingOption("c") && !visualization.hasParsingOption(""));
@@ -63,15 +63,15 @@ private Q_SLOTS:
               R"({"unit": {"baseUnit": 1, "inputPrefix": [], "allowedSiPrefixes": {}, "minimum": -1,
                   "maximum": "big", "scaling": null}, "format": {"default": 7, "x": "0;f;1", "nan": "0;f;1"},
                   "visualization": {"availableOptions": "x"}})"}) {
-            const Specification specification = parse(text);
-            const UnitSpecification &unit = specification.getUnitSpecification();
-            QVERIFY(!specification.isDefault() && !unit.isValid());
+            const Specification quantity = parse(text);
+            const UnitSpecification &unit = quantity.getUnitSpecification();
+            QVERIFY(!quantity.isDefault() && !unit.isValid());
             QCOMPARE(unit.inputPrefix, SiPrefix::None);
             QCOMPARE(unit.enabledPrefixes, cvFullPrefixes);
             QCOMPARE(unit.minimumRange, std::numeric_limits<double>::min());
             QCOMPARE(unit.maximumRange, std::numeric_limits<double>::max());
             QCOMPARE(unit.scalingFactor, 1.0);
-            QCOMPARE(specification.getFormatSpecificationFromValue(1, SiPrefix::Kilo).formatSpecification(),
+            QCOMPARE(quantity.getFormatSpecificationFromValue(1, SiPrefix::Kilo).formatSpecification(),
                      "0;g;-1; "_s);
         }
         const Specification plain("plain"_s);
@@ -82,8 +82,7 @@ private Q_SLOTS:
 
     void choosesFormats()
     {
-        const Specification specification
-            = parse(R"({"unit": {"baseUnit": "V", "allowedSiPrefixes": ["k", "m"]},
+        const Specification quantity = parse(R"({"unit": {"baseUnit": "V", "allowedSiPrefixes": ["k", "m"]},
             "format": {"100": "3;g", "9,5": "2;g", "1": "1;g", "default": "4;g"},
             "format-kilo": {"10": "5;g"}})");
         const std::tuple<double, SiPrefix, int> rows[]
@@ -91,7 +90,7 @@ private Q_SLOTS:
                {-100, SiPrefix::None, 4}, {0.5, SiPrefix::Milli, 1}, {0.5, SiPrefix::Tera, 1},
                {9, SiPrefix::Kilo, 5},    {10, SiPrefix::Kilo, 0}};
         for (const auto &[value, prefix, width] : rows)
-            QCOMPARE(specification.getFormatSpecificationFromValue(value, prefix).fieldWidth(), width);
+            QCOMPARE(quantity.getFormatSpecificationFromValue(value, prefix).fieldWidth(), width);
     }
 
     void formats()
@@ -129,8 +128,8 @@ private Q_SLOTS:
         };
         for (const auto &[locale, value, unit, format, options, text] : rows) {
             const auto document = R"({"unit": {"baseUnit": "Hz"%1}, "format": {"default": "%2"}})"_s;
-            const Specification specification = parse(document.arg(unit, format).toUtf8());
-            QCOMPARE(specification.bestFitConversion(locale, value, options), QString(text));
+            const Specification quantity = parse(document.arg(unit, format).toUtf8());
+            QCOMPARE(quantity.bestFitConversion(locale, value, options), QString(text));
         }
     }
 
@@ -143,7 +142,7 @@ private Q_SLOTS:
 
     void representations()
     {
-        const Specification specification = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "k"},
+        const Specification quantity = parse(R"({"unit": {"baseUnit": "V", "inputPrefix": "k"},
             "format": {"default": "0;f;1"}, "format-mega": {"default": "0;f;4"}})");
         const std::tuple<const char *, QVariant, const char *> rows[]
             = {{"fixedPrefix", QVariant(), "1,234,567.0 kV"},
@@ -154,8 +153,8 @@ private Q_SLOTS:
                {"bestFit", "x", "1.2 GV"},
                {"BestFit", QVariant(), "1.23457e+06"}};
         for (const auto &[representation, parameter, text] : rows)
-            QCOMPARE(specification.formatValueWithRepresentationAndOptions(english, 1234567, representation,
-                                                                           parameter, {}),
+            QCOMPARE(quantity.formatValueWithRepresentationAndOptions(english, 1234567, representation,
+                                                                      parameter, {}),
                      QString(text));
     }
 
@@ -165,9 +164,9 @@ private Q_SLOTS:
                                   const QLocale &locale, const QString &text) {
             return text.arg(format.formatSpecification() + '|' + locale.toString(value));
         };
-        const Specification specification
+        const Specification quantity
             = parse(R"({"unit": {"baseUnit": "V", "scaling": "2", "maximum": "8"}})", formatter);
-        QCOMPARE(specification.bestFitConversion(german, 9, {{"clipping", {}}}), "> 0;g;-1; |16 V"_s);
+        QCOMPARE(quantity.bestFitConversion(german, 9, {{"clipping", {}}}), "> 0;g;-1; |16 V"_s);
     }
 
     void whatWasFormattedIsReadAgain()
@@ -178,15 +177,14 @@ private Q_SLOTS:
             for (const char *format : {"0;e;16", "0;g;17", "24;f;3"}) {
                 const auto document
                     = R"({"unit": {"baseUnit": "V", "inputPrefix": "%1"}, "format": {"default": "%2"}})"_s;
-                const auto specification
-                    = parse(document.arg(ConvertSiPrefixToString(prefix), format).toUtf8());
+                const auto quantity = parse(document.arg(ConvertSiPrefixToString(prefix), format).toUtf8());
                 for (const char *name : {"C", "en_US", "de_DE", "fr_FR", "de_CH", "sv_SE", "ar_EG", "fa_IR",
                                          "mr_IN", "my_MM", "pl_PL", "eu_ES"}) {
                     const QLocale locale(name);
                     qApp->setProperty("current_language", locale);
                     // With three digits behind the point, so that each format holds them all.
                     const double value = (random.bounded(2000000000) - 1000000000) / 1000.0;
-                    const QString text = specification.fixedPrefixConversion(locale, value, prefix, {});
+                    const QString text = quantity.fixedPrefixConversion(locale, value, prefix, {});
                     double read = 0;
                     SiPrefix readPrefix = SiPrefix::None;
                     QString unit;
