@@ -1,3 +1,5 @@
+#include <notification/RepositoryHierarchyThreadProvider.h>
+
 #include <QtTest>
 
 #include <array>
@@ -74,6 +76,12 @@ private:
 
 private Q_SLOTS:
     void init() { folder = std::make_unique<Files>(); }
+    void cleanup()
+    {
+        // A storage that was let go of closes its file on the event thread, and takes the log's files away.
+        Tessellum::Core::RepositoryHierarchyThreadProvider::getInstance()->barrier();
+        folder.reset();
+    }
 
     void sortsStampsInTheFile()
     {
