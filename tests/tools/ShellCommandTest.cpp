@@ -23,6 +23,8 @@ private Q_SLOTS:
         QCOMPARE(command.arguments.at(2).value, QJsonValue(QJsonObject{{"k", QJsonArray{1, "] }"}}}));
         QCOMPARE(command.arguments.at(3).value, QJsonValue(-2.5));
         QVERIFY(command.arguments.at(4).value.isNull());
+        for (const char *digits : {"-9223372036854775807", "[1,{\"a\":9007199254740993}]"})
+            QCOMPARE(JsonText(ParseJsonValue(digits)), QString(digits));
         QVERIFY(command.arguments.at(5).value.isUndefined());
 
         const QByteArray uuid = "{14dac2ec-2e21-4ff5-b1b8-2f1d00a8b893}";

@@ -4,8 +4,8 @@
 #include <notification/TaskPoints.h>
 #include <shared/logging/LogLevel.h>
 
-#include <QJsonObject>
 #include <QStringList>
+#include <QVariantMap>
 #include <QVector>
 
 namespace Tessellum::Tool {
@@ -29,7 +29,7 @@ QVector<NamedValue<AppData::PersistenceType>> NamedValues(AppData::PersistenceTy
 
 /*! Name and number of \a value. */
 template <typename Enum>
-QJsonObject EnumJson(Enum value)
+QVariantMap EnumJson(Enum value)
 {
     QString name;
     for (const auto &named : NamedValues(value)) {

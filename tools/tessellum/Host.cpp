@@ -84,7 +84,7 @@ int portOf(const QStringList &group, const QString &name)
 }
 
 /*! Adds what is asked for and returns the line that tells of it. */
-QJsonObject setUp(const HostRequest &request)
+QVariantMap setUp(const HostRequest &request)
 {
     if (!QFileInfo::exists(request.configuration))
         Fail(QStringLiteral("%1 does not exist").arg(request.configuration));
@@ -94,11 +94,11 @@ QJsonObject setUp(const HostRequest &request)
         = Configuration()->getPathFromPathElements({root, QFileInfo(request.configuration).baseName()});
     if (!Configuration()->getManipulationInterface()->createAttribute(root, QVariant(), CreatePoint::Done, 3))
         Fail(QStringLiteral("%1 cannot be created").arg(root));
-    QJsonObject ready{{QStringLiteral("ready"), true}, {QStringLiteral("path"), root}};
+    QVariantMap ready{{QStringLiteral("ready"), true}, {QStringLiteral("path"), root}};
     addBackend(QStringLiteral("json"), file, request.configuration);
     if (!request.storages.isEmpty())
         addPluginSearchPath(request.plugins);
-    QJsonObject storagePorts;
+    QVariantMap storagePorts;
     for (const HostStorage &storage : request.storages) {
         addStorage(storage);
         if (storage.type == QLatin1String(StorageServerType)) {

@@ -1,14 +1,13 @@
 #include "JsonLines.h"
-
-#include <QJsonDocument>
+#include "ShellCommand.h"
 
 #include <cstdio>
 
 namespace Tessellum::Tool {
 
-void JsonLines::write(const QJsonObject &object)
+void JsonLines::write(const QVariantMap &object)
 {
-    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact).append('\n');
+    const QByteArray line = JsonText(object).toUtf8().append('\n');
     const QMutexLocker locker(&mutex);
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
     std::fflush(stdout);

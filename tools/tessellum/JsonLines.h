@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QMutex>
+#include <QVariantMap>
 
 namespace Tessellum::Tool {
 
@@ -9,7 +9,7 @@ namespace Tessellum::Tool {
 class JsonLines
 {
 public:
-    void write(const QJsonObject &object);
+    void write(const QVariantMap &object);
 
 private:
     QMutex mutex; ///< keeps the lines of several threads apart

@@ -3,8 +3,6 @@
 
 #include <shared/logging/LogHandler.h>
 
-#include <QJsonArray>
-
 namespace Tessellum::Tool {
 
 namespace {
@@ -45,19 +43,19 @@ int Shell::run(const std::function<bool(std::string &line)> &readLine)
 int Shell::answer(const ShellCommand &command)
 {
     try {
-        QJsonObject result = execute(command);
+        QVariantMap result = execute(command);
         result.insert(QStringLiteral("ok"), true);
         lines.write(result);
         return Success;
     } catch (const ToolError &error) {
-        QJsonObject result = error.details;
+        QVariantMap result = error.details;
         result.insert(QStringLiteral("error"), error.text);
         lines.write(result);
         return error.code;
     }
 }
 
-QJsonObject Shell::execute(const ShellCommand &command)
+QVariantMap Shell::execute(const ShellCommand &command)
 {
     if (!command.error.isEmpty())
         FailUsage(command.error);
@@ -146,35 +144,35 @@ QString Shell::Help()
     return text + helpLine("quit", "", "end the shell");
 }
 
-QJsonObject Shell::help(const Arguments &)
+QVariantMap Shell::help(const Arguments &)
 {
-    QJsonArray commands;
+    QVariantList commands;
     for (const QString &line : Help().split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         commands.append(line.simplified());
     return {{QStringLiteral("commands"), commands}};
 }
 
-QJsonObject Shell::start(const Arguments &)
+QVariantMap Shell::start(const Arguments &)
 {
     const int result = initializeLibrary();
-    const QJsonObject object{{QStringLiteral("result"), result}};
+    const QVariantMap object{{QStringLiteral("result"), result}};
     if (result != 0)
         Fail(result > 0 ? QStringLiteral("the library runs already") : QStringLiteral("the start failed"),
              object);
     return object;
 }
 
-QJsonObject Shell::stop(const Arguments &)
+QVariantMap Shell::stop(const Arguments &)
 {
     watches.clear();
     const int result = uninitializeLibrary();
-    const QJsonObject object{{QStringLiteral("result"), result}};
+    const QVariantMap object{{QStringLiteral("result"), result}};
     if (result != 1)
         Fail(QStringLiteral("the library does not run"), object);
     return object;
 }
 
-QJsonObject Shell::setLogLevel(const Arguments &arguments)
+QVariantMap Shell::setLogLevel(const Arguments &arguments)
 {
     using Shared::Logging::LogMessageType;
     const LogMessageType level = arguments.enumerator(0, LogMessageType::log);
@@ -182,7 +180,7 @@ QJsonObject Shell::setLogLevel(const Arguments &arguments)
     return {{QStringLiteral("level"), EnumJson(level)}};
 }
 
-QJsonObject Shell::locale(const Arguments &arguments)
+QVariantMap Shell::locale(const Arguments &arguments)
 {
     std::weak_ptr<Core::CoreLocalizationInterface> weak;
     const auto localization = getLocalizationInterface(weak) ? weak.lock() : nullptr;
@@ -195,20 +193,20 @@ QJsonObject Shell::locale(const Arguments &arguments)
             Fail(QStringLiteral("%1 is no locale").arg(arguments.text(0)));
         localization->setDefaultLocale(chosen);
     }
-    QJsonArray registered;
+    QVariantList registered;
     for (const QLocale &locale : localization->getRegisteredLocales())
         registered.append(locale.name());
     return {{QStringLiteral("default"), localization->defaultLocale().name()},
             {QStringLiteral("registered"), registered}};
 }
 
-QJsonObject Shell::version(const Arguments &)
+QVariantMap Shell::version(const Arguments &)
 {
     if (!getCoreInterface())
         Fail(QStringLiteral("the library does not run"));
     unsigned int count = 0;
     getVersionInformation(0, nullptr, nullptr, &count);
-    QJsonObject record;
+    QVariantMap record;
     for (unsigned int index = 0; index < count; ++index) {
         QString name;
         QString value;
@@ -218,10 +216,10 @@ QJsonObject Shell::version(const Arguments &)
     return {{QStringLiteral("version"), record}};
 }
 
-QJsonObject Shell::addPlugins(const Arguments &arguments)
+QVariantMap Shell::addPlugins(const Arguments &arguments)
 {
     const int result = addPluginSearchPath(arguments.text(0));
-    const QJsonObject object{{QStringLiteral("result"), result}};
+    const QVariantMap object{{QStringLiteral("result"), result}};
     if (result != 0)
         Fail(result == -1 ? QStringLiteral("the folder was given before")
                           : QStringLiteral("the folder has no name"),

@@ -127,10 +127,36 @@ QJsonValue ParseJsonValue(const QString &text)
     return values.first();
 }
 
-QString JsonText(const QJsonValue &value)
+QString JsonText(const QVariant &value)
 {
-    const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(text.mid(1, text.size() - 2));
+    switch (value.userType()) {
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return value.toString();
+    case QMetaType::QVariantList: {
+        QStringList items;
+        for (const QVariant &item : value.toList())
+            items += JsonText(item);
+        return QLatin1Char('[') + items.join(QLatin1Char(',')) + QLatin1Char(']');
+    }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        QStringList members;
+        for (auto member = map.cbegin(); member != map.cend(); ++member)
+            members += JsonText(member.key()) + QLatin1Char(':') + JsonText(member.value());
+        return QLatin1Char('{') + members.join(QLatin1Char(',')) + QLatin1Char('}');
+    }
+    case QMetaType::QJsonValue:
+    case QMetaType::QJsonArray:
+    case QMetaType::QJsonObject:
+        return JsonText(QJsonValue::fromVariant(value).toVariant());
+    default:
+        const QJsonArray wrapped{QJsonValue::fromVariant(value)};
+        const QByteArray text = QJsonDocument(wrapped).toJson(QJsonDocument::Compact);
+        return QString::fromUtf8(text.mid(1, text.size() - 2));
+    }
 }
 
 } // namespace Tessellum::Tool

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QJsonValue>
 #include <QString>
+#include <QVariant>
 #include <QVector>
 
 namespace Tessellum::Tool {
@@ -34,7 +35,8 @@ ShellCommand ParseShellCommand(const QByteArray &line);
 /*! The JSON value whose whole text \a text is, undefined if it is none. */
 QJsonValue ParseJsonValue(const QString &text);
 
-/*! \a value in one line, scalars too. */
-QString JsonText(const QJsonValue &value);
+/*! \a value in one line, scalars too. Integers have all their digits, of which Qt's own writer keeps 53 bits.
+ */
+QString JsonText(const QVariant &value);
 
 } // namespace Tessellum::Tool

@@ -2,8 +2,6 @@
 #include "RunningLibrary.h"
 #include "Shell.h"
 
-#include <QJsonArray>
-
 namespace Tessellum::Tool {
 
 using Notification::CreatePoint;
@@ -26,19 +24,19 @@ int metaTypeOf(const QString &text)
     return type;
 }
 
-QJsonObject describe(const AppConfig::Interfaces::AttributeInterface &attribute)
+QVariantMap describe(const AppConfig::Interfaces::AttributeInterface &attribute)
 {
-    QJsonObject object{{QStringLiteral("path"), attribute.getPath()},
+    QVariantMap object{{QStringLiteral("path"), attribute.getPath()},
                        {QStringLiteral("access"), static_cast<int>(attribute.getAccess())}};
     QVariant value;
     if (attribute.hasValue() && attribute.getValue(value, QMetaType::UnknownType))
-        object.insert(QStringLiteral("value"), QJsonValue::fromVariant(value));
+        object.insert(QStringLiteral("value"), value);
     return object;
 }
 
 } // namespace
 
-QJsonObject Shell::createBackend(const Arguments &arguments)
+QVariantMap Shell::createBackend(const Arguments &arguments)
 {
     AppConfig::Backends::BackendCreateDataDetails details;
     if (arguments.size() > 2)
@@ -51,24 +49,23 @@ QJsonObject Shell::createBackend(const Arguments &arguments)
     return {{QStringLiteral("name"), arguments.text(1)}};
 }
 
-QJsonObject Shell::listBackends(const Arguments &)
+QVariantMap Shell::listBackends(const Arguments &)
 {
     const auto repository = Configuration();
     const auto interface = repository->getBackendInterface();
-    QJsonArray backends;
+    QVariantList backends;
     for (const QString &name : interface->getBackendNames()) {
         const auto backend = interface->getBackend(name);
         if (!backend)
             continue;
-        backends.append(QJsonObject{{QStringLiteral("name"), name},
+        backends.append(QVariantMap{{QStringLiteral("name"), name},
                                     {QStringLiteral("type"), backend->getType()},
                                     {QStringLiteral("description"), backend->getDescription()}});
     }
-    return {{QStringLiteral("backends"), backends},
-            {QStringLiteral("types"), QJsonArray::fromStringList(repository->getBackendTypes())}};
+    return {{QStringLiteral("backends"), backends}, {QStringLiteral("types"), repository->getBackendTypes()}};
 }
 
-QJsonObject Shell::saveBackend(const Arguments &arguments)
+QVariantMap Shell::saveBackend(const Arguments &arguments)
 {
     const auto interface = Configuration()->getBackendInterface();
     if (!interface->hasBackend(arguments.text(0)))
@@ -78,29 +75,29 @@ QJsonObject Shell::saveBackend(const Arguments &arguments)
     return {};
 }
 
-QJsonObject Shell::query(const Arguments &arguments)
+QVariantMap Shell::query(const Arguments &arguments)
 {
-    QJsonArray attributes;
+    QVariantList attributes;
     for (const auto &attribute : Configuration()->getQueryInterface()->queryAttributes(arguments.text(0)))
         attributes.append(describe(*attribute));
     return {{QStringLiteral("attributes"), attributes}};
 }
 
-QJsonObject Shell::get(const Arguments &arguments)
+QVariantMap Shell::get(const Arguments &arguments)
 {
     QVariant value;
     const int metaType = arguments.size() > 1 ? metaTypeOf(arguments.text(1)) : int(QMetaType::UnknownType);
     if (!Configuration()->getQueryInterface()->getValue(arguments.text(0), value, metaType))
         Fail(QStringLiteral("there is no such value"));
-    return {{QStringLiteral("value"), QJsonValue::fromVariant(value)},
+    return {{QStringLiteral("value"), value},
             {QStringLiteral("type"), QString::fromLatin1(value.typeName())}};
 }
 
-QJsonObject Shell::create(const Arguments &arguments)
+QVariantMap Shell::create(const Arguments &arguments)
 {
     const QVariant value = arguments.size() > 1 ? arguments.value(1) : QVariant();
     const CreatePoint point = arguments.enumerator(2, CreatePoint::Done);
-    const QJsonObject object{{QStringLiteral("point"), EnumJson(point)}};
+    const QVariantMap object{{QStringLiteral("point"), EnumJson(point)}};
     if (!Configuration()->getManipulationInterface()->createAttribute(arguments.text(0), value, point,
                                                                       arguments.number(3, readWrite))) {
         Fail(QStringLiteral("the attribute was not created"), object);
@@ -108,28 +105,28 @@ QJsonObject Shell::create(const Arguments &arguments)
     return object;
 }
 
-QJsonObject Shell::update(const Arguments &arguments)
+QVariantMap Shell::update(const Arguments &arguments)
 {
     const UpdatePoint point = arguments.enumerator(2, UpdatePoint::Done);
     const UpdateResult result = Configuration()->getManipulationInterface()->updateAttribute(
         arguments.text(0), arguments.value(1), point);
-    const QJsonObject object{{QStringLiteral("point"), EnumJson(point)},
+    const QVariantMap object{{QStringLiteral("point"), EnumJson(point)},
                              {QStringLiteral("result"), EnumJson(result)}};
     if (result != UpdateResult::Ok)
         Fail(QStringLiteral("the attribute was not updated"), object);
     return object;
 }
 
-QJsonObject Shell::remove(const Arguments &arguments)
+QVariantMap Shell::remove(const Arguments &arguments)
 {
     const DeletePoint point = arguments.enumerator(1, DeletePoint::Done);
-    const QJsonObject object{{QStringLiteral("point"), EnumJson(point)}};
+    const QVariantMap object{{QStringLiteral("point"), EnumJson(point)}};
     if (!Configuration()->getManipulationInterface()->deleteAttribute(arguments.text(0), point))
         Fail(QStringLiteral("the attribute was not deleted"), object);
     return object;
 }
 
-QJsonObject Shell::watch(const Arguments &arguments)
+QVariantMap Shell::watch(const Arguments &arguments)
 {
     const QString kind = arguments.text(0);
     const QString pattern = arguments.text(1);
@@ -147,7 +144,7 @@ QJsonObject Shell::watch(const Arguments &arguments)
     return {{QStringLiteral("watch"), number}};
 }
 
-QJsonObject Shell::unwatch(const Arguments &arguments)
+QVariantMap Shell::unwatch(const Arguments &arguments)
 {
     const int before = watches.size();
     if (arguments.size() == 0)
@@ -157,13 +154,12 @@ QJsonObject Shell::unwatch(const Arguments &arguments)
     return {{QStringLiteral("removed"), before - watches.size()}};
 }
 
-QJsonObject Shell::listValidations(const Arguments &)
+QVariantMap Shell::listValidations(const Arguments &)
 {
-    return {{QStringLiteral("validations"),
-             QJsonArray::fromStringList(Configuration()->getValidationInterface()->getValidationIds())}};
+    return {{QStringLiteral("validations"), Configuration()->getValidationInterface()->getValidationIds()}};
 }
 
-QJsonObject Shell::assignValidation(const Arguments &arguments)
+QVariantMap Shell::assignValidation(const Arguments &arguments)
 {
     const int count
         = Configuration()->getValidationInterface()->assignValidation(arguments.text(0), arguments.text(1));
@@ -172,7 +168,7 @@ QJsonObject Shell::assignValidation(const Arguments &arguments)
     return {{QStringLiteral("count"), count}};
 }
 
-QJsonObject Shell::removeValidation(const Arguments &arguments)
+QVariantMap Shell::removeValidation(const Arguments &arguments)
 {
     const int count
         = Configuration()->getValidationInterface()->removeValidation(arguments.text(0), arguments.text(1));

@@ -6,7 +6,6 @@
 #include <appdata/DataTypeStrings.h>
 
 #include <QDateTime>
-#include <QJsonArray>
 
 namespace Tessellum::Tool {
 
@@ -70,23 +69,22 @@ QString timestampText(quint64 timestamp)
 }
 
 /*! Nothing for an entry that has gone: what it consists of goes with it, in a mirror at any time. */
-QJsonObject describe(const DataEntryInterface &entry)
+QVariantMap describe(const DataEntryInterface &entry)
 {
     const auto query = entry.getQueryInterface();
     const auto category = entry.getCategory();
     if (!query || !category)
         return {};
-    QJsonObject object{
-        {QStringLiteral("uuid"), entry.getUuid()},
-        {QStringLiteral("classification"), entry.getClassification()},
-        {QStringLiteral("name"), entry.getName()},
-        {QStringLiteral("storage"), entry.getStorageName()},
-        {QStringLiteral("category"),
-         ConvertDataEntryCategoryToString(Data::Entries::EntryCategory(*category))},
-        {QStringLiteral("persistence"), EnumJson(entry.getPersistenceType())},
-        {QStringLiteral("capacity"), timestampText(entry.getCapacity())},
-        {QStringLiteral("status"), EnumJson(entry.getLoadStatus())},
-        {QStringLiteral("count"), static_cast<double>(query->countElements(ActivationMask::All))}};
+    QVariantMap object{{QStringLiteral("uuid"), entry.getUuid()},
+                       {QStringLiteral("classification"), entry.getClassification()},
+                       {QStringLiteral("name"), entry.getName()},
+                       {QStringLiteral("storage"), entry.getStorageName()},
+                       {QStringLiteral("category"),
+                        ConvertDataEntryCategoryToString(Data::Entries::EntryCategory(*category))},
+                       {QStringLiteral("persistence"), EnumJson(entry.getPersistenceType())},
+                       {QStringLiteral("capacity"), timestampText(entry.getCapacity())},
+                       {QStringLiteral("status"), EnumJson(entry.getLoadStatus())},
+                       {QStringLiteral("count"), query->countElements(ActivationMask::All)}};
     quint64 first = 0;
     quint64 last = 0;
     if (query->getTimeSpan(first, last)) {
@@ -97,7 +95,7 @@ QJsonObject describe(const DataEntryInterface &entry)
 }
 
 /*! Nothing for an element that has gone. */
-QJsonObject describe(const DataElementInterface &element)
+QVariantMap describe(const DataElementInterface &element)
 {
     const auto query = element.getQueryInterface();
     if (!query)
@@ -107,16 +105,16 @@ QJsonObject describe(const DataElementInterface &element)
             {QStringLiteral("stamp"), timestampText(query->getTimestamp())},
             {QStringLiteral("active"), query->isActive()},
             {QStringLiteral("loaded"), loaded},
-            {QStringLiteral("value"), QJsonValue::fromVariant(*query->getParsedData())}};
+            {QStringLiteral("value"), *query->getParsedData()}};
 }
 
 /*! Those of \a items that are there still, as an array under \a key. */
 template <class List>
-QJsonObject describeAll(const QString &key, const List &items)
+QVariantMap describeAll(const QString &key, const List &items)
 {
-    QJsonArray array;
+    QVariantList array;
     for (const auto &item : items) {
-        const QJsonObject description = describe(*item);
+        const QVariantMap description = describe(*item);
         if (!description.isEmpty())
             array.append(description);
     }
@@ -152,7 +150,7 @@ EntryPtr attach(const QString &storageName, const QString &classification, const
 
 } // namespace
 
-QJsonObject Shell::addStorage(const Arguments &arguments)
+QVariantMap Shell::addStorage(const Arguments &arguments)
 {
     Storages::StorageCreateDataDetails details;
     if (arguments.size() > 2)
@@ -167,27 +165,27 @@ QJsonObject Shell::addStorage(const Arguments &arguments)
     return {{QStringLiteral("name"), arguments.text(1)}};
 }
 
-QJsonObject Shell::listStorages(const Arguments &)
+QVariantMap Shell::listStorages(const Arguments &)
 {
     const auto interface = RecordedData()->getStorageInterface();
-    QJsonArray storages;
+    QVariantList storages;
     for (const QString &name : interface->getStorageNames()) {
         const auto storage = interface->getStorage(name);
         if (!storage)
             continue;
         QHash<QString, Data::Entries::EntrySerializeInformation> stored;
         storage->getQueryInterface()->getEntries(stored);
-        storages.append(QJsonObject{{QStringLiteral("name"), name},
+        storages.append(QVariantMap{{QStringLiteral("name"), name},
                                     {QStringLiteral("type"), storage->getType()},
                                     {QStringLiteral("label"), storage->getLabel()},
                                     {QStringLiteral("status"), EnumJson(storage->getLoadStatus())},
                                     {QStringLiteral("entries"), stored.size()}});
     }
     return {{QStringLiteral("storages"), storages},
-            {QStringLiteral("types"), QJsonArray::fromStringList(RecordedData()->getStorageTypes())}};
+            {QStringLiteral("types"), RecordedData()->getStorageTypes()}};
 }
 
-QJsonObject Shell::addEntry(const Arguments &arguments)
+QVariantMap Shell::addEntry(const Arguments &arguments)
 {
     const QString storage = arguments.text(0) == QLatin1String("-") ? QString() : arguments.text(0);
     if (const EntryPtr attached = attach(storage, arguments.text(1), arguments.text(2)))
@@ -211,14 +209,14 @@ QJsonObject Shell::addEntry(const Arguments &arguments)
     return describe(*entry);
 }
 
-QJsonObject Shell::listEntries(const Arguments &arguments)
+QVariantMap Shell::listEntries(const Arguments &arguments)
 {
     const QString pattern = arguments.size() > 0 ? arguments.text(0) : QStringLiteral("*");
     return describeAll(QStringLiteral("entries"),
                        RecordedData()->getDataEntryInterface()->getDataEntries(pattern));
 }
 
-QJsonObject Shell::addValue(const Arguments &arguments)
+QVariantMap Shell::addValue(const Arguments &arguments)
 {
     const EntryPtr entry = findEntry(arguments.text(0));
     const CreatePoint point = arguments.enumerator(3, CreatePoint::Done);
@@ -236,7 +234,7 @@ QJsonObject Shell::addValue(const Arguments &arguments)
             {QStringLiteral("point"), EnumJson(point)}};
 }
 
-QJsonObject Shell::listElements(const Arguments &arguments)
+QVariantMap Shell::listElements(const Arguments &arguments)
 {
     const EntryPtr entry = findEntry(arguments.text(0));
     return describeAll(QStringLiteral("elements"),
@@ -244,7 +242,7 @@ QJsonObject Shell::listElements(const Arguments &arguments)
                            ->getElements(arguments.enumerator(1, ActivationMask::All), PassThroughFilter()));
 }
 
-QJsonObject Shell::listRange(const Arguments &arguments)
+QVariantMap Shell::listRange(const Arguments &arguments)
 {
     const EntryPtr entry = findEntry(arguments.text(0));
     return describeAll(
@@ -254,7 +252,7 @@ QJsonObject Shell::listRange(const Arguments &arguments)
                                  arguments.enumerator(3, ActivationMask::All), PassThroughFilter()));
 }
 
-QJsonObject Shell::changeElement(const Arguments &arguments)
+QVariantMap Shell::changeElement(const Arguments &arguments)
 {
     const QString what = arguments.text(0);
     const EntryPtr entry = findEntry(arguments.text(1));
@@ -276,7 +274,7 @@ QJsonObject Shell::changeElement(const Arguments &arguments)
              OrFail(element->getQueryInterface())->performQueryCommand(ElementQueryCommand::IsLoaded)}};
 }
 
-QJsonObject Shell::memoryStrategy(const Arguments &arguments)
+QVariantMap Shell::memoryStrategy(const Arguments &arguments)
 {
     const auto memory = OrFail(findEntry(arguments.text(0))->getMemoryStrategyInterface());
     const QString wanted = arguments.text(1);
@@ -300,11 +298,10 @@ QJsonObject Shell::memoryStrategy(const Arguments &arguments)
     memory->getMemoryStrategyType(type);
     return {
         {QStringLiteral("type"), type},
-        {QStringLiteral("types"),
-         QJsonArray::fromStringList(RecordedData()->getMemoryStrategyInterface()->getMemoryStrategyTypes())}};
+        {QStringLiteral("types"), RecordedData()->getMemoryStrategyInterface()->getMemoryStrategyTypes()}};
 }
 
-QJsonObject Shell::removeData(const Arguments &arguments)
+QVariantMap Shell::removeData(const Arguments &arguments)
 {
     const QString target = arguments.text(1);
     int removed = 0;

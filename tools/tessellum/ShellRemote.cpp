@@ -30,25 +30,25 @@ QString pathOf(const Kind &kind, const QStringList &elements)
 }
 
 /*! The values beneath \a group by their name there; \a leaf is what stands between name and value. */
-QJsonObject valuesOf(const Kind &kind, const char *group, const QString &leaf = QString())
+QVariantMap valuesOf(const Kind &kind, const char *group, const QString &leaf = QString())
 {
     const auto repository = Configuration();
     const QString pattern = pathOf(kind, {QLatin1String(group), QStringLiteral("*")});
     const int depth = repository->getPathElementsFromPath(pattern).size();
-    QJsonObject object;
+    QVariantMap object;
     for (const auto &attribute : repository->getQueryInterface()->queryAttributes(pattern)) {
         const QStringList elements = repository->getPathElementsFromPath(attribute->getPath());
         QVariant value;
         if (elements.size() == depth + (leaf.isEmpty() ? 0 : 1) && elements.value(depth) == leaf
             && attribute->getValue(value, QMetaType::UnknownType))
-            object.insert(elements.at(depth - 1), QJsonValue::fromVariant(value));
+            object.insert(elements.at(depth - 1), value);
     }
     return object;
 }
 
 } // namespace
 
-QJsonObject Shell::remote(const Arguments &arguments)
+QVariantMap Shell::remote(const Arguments &arguments)
 {
     const QString name = arguments.text(0);
     QUrl url(arguments.text(1));
@@ -69,7 +69,7 @@ QJsonObject Shell::remote(const Arguments &arguments)
     return {{QStringLiteral("name"), name}, {QStringLiteral("attributes"), mirrored.size()}};
 }
 
-QJsonObject Shell::control(const Arguments &arguments)
+QVariantMap Shell::control(const Arguments &arguments)
 {
     const QString id = arguments.text(0);
     const QString word = arguments.text(1);
@@ -89,12 +89,12 @@ QJsonObject Shell::control(const Arguments &arguments)
     return {{QStringLiteral("count"), count}};
 }
 
-QJsonObject Shell::status(const Arguments &)
+QVariantMap Shell::status(const Arguments &)
 {
-    QJsonObject object;
+    QVariantMap object;
     for (const Kind &kind : kinds) {
         object.insert(QLatin1String(kind.name),
-                      QJsonObject{{QStringLiteral("clients"),
+                      QVariantMap{{QStringLiteral("clients"),
                                    valuesOf(kind, "remote_clients", QStringLiteral("status"))},
                                   {QStringLiteral("peers"), valuesOf(kind, "remote_server")},
                                   {QStringLiteral("ports"), valuesOf(kind, "remote_server_ports")}});

@@ -82,7 +82,7 @@ void visit(const DataEntryInterface &entry, const HistoryRequest &request, const
 
 QString valueText(const DataElementQueryInterface &element)
 {
-    return JsonText(QJsonValue::fromVariant(*element.getParsedData()));
+    return JsonText(*element.getParsedData());
 }
 
 QString csvField(const QString &text)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QString>
+#include <QVariantMap>
 
 namespace Tessellum::Tool {
 
@@ -12,11 +12,11 @@ struct ToolError
 {
     ExitCode code;
     QString text;
-    QJsonObject details = {}; ///< what goes beside the text into a line of JSON
+    QVariantMap details = {}; ///< what goes beside the text into a line of JSON
 };
 
 /*! Ends the command as failed. */
-[[noreturn]] inline void Fail(const QString &text, const QJsonObject &details = {})
+[[noreturn]] inline void Fail(const QString &text, const QVariantMap &details = {})
 {
     throw ToolError{OperationFailed, text, details};
 }

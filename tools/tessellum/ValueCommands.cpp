@@ -55,8 +55,7 @@ void setInProcess(const ValueSource &source, const QString &path, const QVariant
     if (!isTold)
         Fail(QStringLiteral("%1 did not tell whether it took the value").arg(source.text));
     if (!shows(witnessed)) {
-        Fail(QStringLiteral("%1 was refused, it is %2")
-                 .arg(path, JsonText(QJsonValue::fromVariant(AttributeValue(local)))));
+        Fail(QStringLiteral("%1 was refused, it is %2").arg(path, JsonText(AttributeValue(local))));
     }
 }
 
@@ -73,7 +72,7 @@ void PrintTree(const ValueSource &source, const QString &pattern, QTextStream &o
         out << SourcePath(attribute->getPath());
         QVariant value;
         if (attribute->hasValue() && attribute->getValue(value, QMetaType::UnknownType))
-            out << " = " << JsonText(QJsonValue::fromVariant(value));
+            out << " = " << JsonText(value);
         out << '\n';
     }
 }
@@ -85,7 +84,7 @@ void PrintValue(const ValueSource &source, const QString &path, QTextStream &out
     const QVariant value = AttributeValue(LocalPath(path));
     if (!value.isValid())
         Fail(QStringLiteral("%1 has no value at %2").arg(source.text, path));
-    out << JsonText(QJsonValue::fromVariant(value)) << '\n';
+    out << JsonText(value) << '\n';
 }
 
 void SetValue(const ValueSource &source, const QString &path, const QString &json)

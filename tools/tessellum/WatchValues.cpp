@@ -30,10 +30,10 @@ public:
         const int number = ++changes;
         if (most > 0 && number > most)
             return;
-        QJsonObject line{{QStringLiteral("notify"), QString::fromLatin1(kind)},
+        QVariantMap line{{QStringLiteral("notify"), QString::fromLatin1(kind)},
                          {QStringLiteral("path"), SourcePath(localPath)}};
         if (value.isValid())
-            line.insert(QStringLiteral("value"), QJsonValue::fromVariant(value));
+            line.insert(QStringLiteral("value"), value);
         lines.write(line);
         if (number == most)
             stop.raise();

@@ -12,7 +12,7 @@ using Notification::UpdateResult;
 namespace {
 
 template <typename Point>
-QJsonObject notice(const char *kind, int number, const QString &path, Point point)
+QVariantMap notice(const char *kind, int number, const QString &path, Point point)
 {
     return {{QStringLiteral("notify"), QString::fromLatin1(kind)},
             {QStringLiteral("watch"), number},
@@ -30,7 +30,7 @@ int Watches::addCreate(const QString &pattern, CreatePoint point)
 {
     const auto handler = [this, number = lastNumber + 1](const QString &path, const CreatePoint &reported,
                                                          const bool &result) {
-        QJsonObject object = notice("create", number, path, reported);
+        QVariantMap object = notice("create", number, path, reported);
         object.insert(QStringLiteral("result"), result);
         lines.write(object);
     };
@@ -42,10 +42,10 @@ int Watches::addUpdate(const QString &pattern, UpdatePoint point)
     const auto handler = [this, number = lastNumber + 1](const QString &path, const UpdatePoint &reported,
                                                          const UpdateResult &result, const QVariant &oldValue,
                                                          const QVariant &newValue) {
-        QJsonObject object = notice("update", number, path, reported);
+        QVariantMap object = notice("update", number, path, reported);
         object.insert(QStringLiteral("result"), EnumJson(result));
-        object.insert(QStringLiteral("old"), QJsonValue::fromVariant(oldValue));
-        object.insert(QStringLiteral("new"), QJsonValue::fromVariant(newValue));
+        object.insert(QStringLiteral("old"), oldValue);
+        object.insert(QStringLiteral("new"), newValue);
         lines.write(object);
     };
     return enter(Configuration()->getNotificationInterface()->registerUpdateHandler(pattern, handler, point));
@@ -55,7 +55,7 @@ int Watches::addDelete(const QString &pattern, DeletePoint point)
 {
     const auto handler = [this, number = lastNumber + 1](const QString &path, const DeletePoint &reported,
                                                          const bool &result) {
-        QJsonObject object = notice("delete", number, path, reported);
+        QVariantMap object = notice("delete", number, path, reported);
         object.insert(QStringLiteral("result"), result);
         lines.write(object);
     };
