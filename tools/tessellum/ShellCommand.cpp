@@ -5,6 +5,9 @@
 #include <QTextCodec>
 #include <QUuid>
 
+#include <algorithm>
+#include <limits>
+
 namespace Tessellum::Tool {
 
 namespace {
@@ -83,6 +86,40 @@ bool takeArgument(const QString &line, int &position, ShellArgument &argument, Q
     return true;
 }
 
+QVariant withoutJsonTypes(const QVariant &value)
+{
+    return QJsonValue::fromVariant(value).toVariant();
+}
+
+/*! Whether \a value is or holds an integer that Qt's JSON rounds, as it takes all for doubles. */
+bool isBeyondQt(const QVariant &value)
+{
+    constexpr qint64 limit = qint64(1) << std::numeric_limits<double>::digits;
+    switch (value.userType()) {
+    case QMetaType::LongLong:
+        return value.toLongLong() > limit || value.toLongLong() < -limit;
+    case QMetaType::ULongLong:
+        return value.toULongLong() > quint64(limit);
+    case QMetaType::Long: // of which Qt makes texts
+    case QMetaType::ULong:
+        return true;
+    case QMetaType::QVariantList: {
+        const QVariantList list = value.toList();
+        return std::any_of(list.cbegin(), list.cend(), isBeyondQt);
+    }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        return std::any_of(map.cbegin(), map.cend(), isBeyondQt);
+    }
+    case QMetaType::QJsonValue:
+    case QMetaType::QJsonArray:
+    case QMetaType::QJsonObject:
+        return isBeyondQt(withoutJsonTypes(value));
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 ShellCommand ParseShellCommand(const QByteArray &line)
@@ -129,12 +166,12 @@ QJsonValue ParseJsonValue(const QString &text)
 
 QString JsonText(const QVariant &value)
 {
+    if (!isBeyondQt(value)) {
+        const QByteArray text
+            = QJsonDocument(QJsonArray{QJsonValue::fromVariant(value)}).toJson(QJsonDocument::Compact);
+        return QString::fromUtf8(text.mid(1, text.size() - 2));
+    }
     switch (value.userType()) {
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        return value.toString();
     case QMetaType::QVariantList: {
         QStringList items;
         for (const QVariant &item : value.toList())
@@ -151,11 +188,9 @@ QString JsonText(const QVariant &value)
     case QMetaType::QJsonValue:
     case QMetaType::QJsonArray:
     case QMetaType::QJsonObject:
-        return JsonText(QJsonValue::fromVariant(value).toVariant());
+        return JsonText(withoutJsonTypes(value));
     default:
-        const QJsonArray wrapped{QJsonValue::fromVariant(value)};
-        const QByteArray text = QJsonDocument(wrapped).toJson(QJsonDocument::Compact);
-        return QString::fromUtf8(text.mid(1, text.size() - 2));
+        return value.toString();
     }
 }
 
