@@ -17,8 +17,8 @@ class HierarchyChildTable;
 /*!
  * A node that keeps its children and its path.
  *
- * Locks, in this order: the lock of the parent, the lock of a child (together only where a child is entered),
- * the mutex of the tree's shape, the locks of paths. The node's lock guards parent, path and childNodes.
+ * Locks, in this order: the lock of one node (of two that move, either may come to lie above the other), the
+ * mutex of the tree's shape, the locks of paths. The node's lock guards parent, path and childNodes.
  * Parent and path are written under the mutex of the shape as well, so that whoever holds that sees a tree
  * that does not move; it is held for the few steps of a move only. No lock is held while a signal is emitted.
  *
@@ -87,8 +87,8 @@ protected:
      * hands out as the node at an empty path. */
     HierarchyNodeInstance(const QString &id, bool isForTarget);
 
-    /*! \a child has been entered. Called with the locks of this node and of the child held, so that what a
-     * derived class keeps of its children goes with them; it must call nobody else. */
+    /*! \a child has been entered. Called with the lock of this node held, so that what a derived class keeps
+     * of its children goes with them; it must call nobody else. */
     virtual void childEntered(const std::shared_ptr<HierarchyNode> &child);
     /*! Emits notifyChildAdded(). */
     virtual void announceChild(const QString &childId);

@@ -134,23 +134,19 @@ bool HierarchyNodeInstance::setDeleteFlagIfEmpty()
 {
     // Released after the locks, as is what leaves the table: the parent may hold the last pointer to this.
     const std::shared_ptr<HierarchyNode> keepAlive = weak_from_this().lock();
-    for (;;) {
-        const InstancePointer above = instanceAbove();
-        const ScopedLock parentLock(above.get());
+    InstancePointer above;
+    {
         const ScopedLock lock(this);
         if (isDeleteFlagSet() || (childNodes && childNodes->size() > 0))
             return isDeleteFlagSet();
-        {
-            const std::lock_guard<std::mutex> shape(shapeMutex());
-            if (above ? !above->isParentOf(*this) : !parent.expired())
-                continue; // moved meanwhile
-            deleteFlag.store(true, std::memory_order_release);
-            point(nullptr);
-        }
-        if (above)
-            leave(*above);
-        return true;
+        const std::lock_guard<std::mutex> shape(shapeMutex());
+        above = std::static_pointer_cast<HierarchyNodeInstance>(parent.lock());
+        deleteFlag.store(true, std::memory_order_release);
+        point(nullptr);
     }
+    if (above)
+        leave(*above);
+    return true;
 }
 
 // One connection serves all children, where a connection each would cost more than the rest of a leaf. A
@@ -246,25 +242,30 @@ void HierarchyNodeInstance::unlink(const InstancePointer &from)
     leave(*from);
 }
 
-// Takes this very node, not another of its id, off the children of \a oldParent.
+// Takes this very node, not another of its id, off the children of \a oldParent, unless another thread has
+// brought it back there meanwhile.
 void HierarchyNodeInstance::leave(HierarchyNodeInstance &oldParent) const
 {
-    std::shared_ptr<HierarchyNode> taken; // released after the lock
+    std::shared_ptr<HierarchyNode> taken; // released after the locks
     const ScopedLock lock(&oldParent);
+    const std::lock_guard<std::mutex> shape(shapeMutex());
     const auto found = oldParent.childNodes ? oldParent.childNodes->find(nodeId) : nullptr;
-    if (found && found->get() == this)
+    if (found && found->get() == this && !oldParent.isParentOf(*this))
         taken = oldParent.childNodes->take(nodeId);
 }
 
-// Test and entry are one step: of two nodes with the same id one gets in, and a node that another thread has
-// moved on meanwhile does not stay behind.
+// Of two nodes with the same id one gets in. A node that another thread has moved on before the test does not
+// get in, and one that is moved on after it leaves behind this lock. The lock of the node itself is not
+// taken: where two have been moved below each other, one thread would hold the one and the next the other.
 HierarchyNodeInstance::Entered HierarchyNodeInstance::enter(const std::shared_ptr<HierarchyNode> &node,
                                                             HierarchyNodeInstance &instance)
 {
     const ScopedLock lock(this);
-    const ScopedLock childLock(&instance);
-    if (!isParentOf(instance))
-        return Entered::Elsewhere;
+    {
+        const std::lock_guard<std::mutex> shape(shapeMutex());
+        if (!isParentOf(instance))
+            return Entered::Elsewhere;
+    }
     if (!childNodes) {
         childNodes = std::make_unique<utils::HierarchyChildTable>();
         connect(this, &HierarchyNode::pathChanged, this, &HierarchyNodeInstance::forwardPathChange,

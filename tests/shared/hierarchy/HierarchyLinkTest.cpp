@@ -259,6 +259,21 @@ private Q_SLOTS:
         }
     }
 
+    // Who was moved on before its entry, and who comes in from below, lock the same two nodes.
+    void twoThatMoveOnAtOnce()
+    {
+        const Tree tree(2);
+        InThreads(4, [&tree](int i) {
+            const NodePointer &node = tree.nodes[size_t(i % 2)];
+            const NodePointer &target = i < 2 ? tree.nodes[size_t(1 - i)] : tree.root;
+            for (int round = 0; round < 1000000; ++round)
+                node->setParent(target, false);
+        });
+        for (const NodePointer &node : tree.nodes)
+            node->setParent(tree.root, false);
+        QVERIFY(tree.isWhole());
+    }
+
     void manyAddOneId()
     {
         for (int round = 0; round < 200; ++round) {
