@@ -44,6 +44,14 @@ std::mutex &shapeMutex()
     return mutex;
 }
 
+// Held by the one thread that holds the locks of two nodes, a parent's and then a child's: while nodes move,
+// the next thread might take the same two the other way round.
+std::mutex &pairMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
 } // namespace
 
 bool HierarchyNodeInstance::addChild(const std::shared_ptr<HierarchyNode> &node, quint64 *index)
@@ -134,19 +142,26 @@ bool HierarchyNodeInstance::setDeleteFlagIfEmpty()
 {
     // Released after the locks, as is what leaves the table: the parent may hold the last pointer to this.
     const std::shared_ptr<HierarchyNode> keepAlive = weak_from_this().lock();
+    // Nobody finds it with the flag set: the flag and the table change under the lock of the parent.
     InstancePointer above;
-    {
+    const std::lock_guard<std::mutex> pair(pairMutex());
+    for (;;) {
+        above = instanceAbove();
+        const ScopedLock parentLock(above.get());
         const ScopedLock lock(this);
         if (isDeleteFlagSet() || (childNodes && childNodes->size() > 0))
             return isDeleteFlagSet();
-        const std::lock_guard<std::mutex> shape(shapeMutex());
-        above = std::static_pointer_cast<HierarchyNodeInstance>(parent.lock());
-        deleteFlag.store(true, std::memory_order_release);
-        point(nullptr);
+        {
+            const std::lock_guard<std::mutex> shape(shapeMutex());
+            if (above ? !above->isParentOf(*this) : !parent.expired())
+                continue; // moved meanwhile
+            deleteFlag.store(true, std::memory_order_release);
+            point(nullptr);
+        }
+        if (above)
+            leave(*above);
+        return true;
     }
-    if (above)
-        leave(*above);
-    return true;
 }
 
 // One connection serves all children, where a connection each would cost more than the rest of a leaf. A
