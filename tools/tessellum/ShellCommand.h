@@ -35,8 +35,7 @@ ShellCommand ParseShellCommand(const QByteArray &line);
 /*! The JSON value whose whole text \a text is, undefined if it is none. */
 QJsonValue ParseJsonValue(const QString &text);
 
-/*! \a value in one line, scalars too. Integers have all their digits, of which Qt's own writer keeps 53 bits.
- */
+/*! \a value in one line, scalars too. Integers have all their digits, of which Qt's writer keeps 53 bits. */
 QString JsonText(const QVariant &value);
 
 } // namespace Tessellum::Tool

@@ -17,8 +17,8 @@ class HierarchyChildTable;
 /*!
  * A node that keeps its children and its path.
  *
- * Locks, in this order: the lock of a node (of two that move, either may come to lie above the other: one
- * thread at a time takes two), the mutex of the shape, those of paths. It guards parent, path and childNodes.
+ * Locks, in this order: the lock of a node, which guards parent, path and childNodes (either of two that move
+ * may come to lie above the other: one thread at a time takes two), the mutex of the shape, those of paths.
  * Parent and path are written under the mutex of the shape as well, so that whoever holds that sees a tree
  * that does not move; it is held for the few steps of a move only. No lock is held while a signal is emitted.
  *
